@@ -1,0 +1,73 @@
+# How this project's targets are compiled: one place for warnings, rounding rules and instruments.
+
+add_library(brindle_options INTERFACE)
+target_include_directories(brindle_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(
+    brindle_options
+    INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+              # The engine's output is defined to the bit: a product and a sum round separately.
+              -ffp-contract=off)
+
+if(BRINDLE_SANITIZE)
+    target_compile_options(brindle_options INTERFACE -fsanitize=${BRINDLE_SANITIZE}
+                                                     -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(brindle_options INTERFACE -fsanitize=${BRINDLE_SANITIZE})
+endif()
+if(BRINDLE_COVERAGE)
+    target_compile_options(brindle_options INTERFACE --coverage)
+    target_link_options(brindle_options INTERFACE --coverage)
+endif()
+
+# Product code: options above, and clang-tidy beside the compiler when it was asked for.
+function(brindle_product target)
+    target_link_libraries(${target} PRIVATE brindle_options)
+    if(BRINDLE_TIDY)
+        set_target_properties(
+            ${target} PROPERTIES CXX_CLANG_TIDY "clang-tidy;--quiet;--extra-arg=-Wno-unknown-warning-option")
+    endif()
+endfunction()
+
+# One static library per folder; the plugin, tests and benchmarks are linked from them.
+function(brindle_library target)
+    add_library(${target} STATIC ${ARGN})
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
+    brindle_product(${target})
+endfunction()
+
+# A GoogleTest program, each of its tests known to ctest by name.
+function(brindle_test target)
+    cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+    add_executable(${target} ${arg_SOURCES})
+    target_link_libraries(${target} PRIVATE brindle_options ${arg_LIBS} GTest::gmock GTest::gtest_main)
+    gtest_discover_tests(${target} PROPERTIES TIMEOUT 300)
+endfunction()
+
+# A GoogleTest program that needs a display: one ctest entry with an X server of its own.
+function(brindle_display_test target)
+    cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+    add_executable(${target} ${arg_SOURCES})
+    target_link_libraries(${target} PRIVATE brindle_options ${arg_LIBS} GTest::gmock GTest::gtest_main)
+    add_test(NAME ${target} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with_display
+                                    $<TARGET_FILE:${target}>)
+    set_tests_properties(${target} PROPERTIES TIMEOUT 600)
+endfunction()
+
+# A libFuzzer program, built by clang from sources alone whatever compiler builds the rest, with a
+# short run of fixed length as its test. Longer runs: call the program by hand.
+function(brindle_fuzzer target)
+    cmake_parse_arguments(arg "" "RUNS" "SOURCES;FLAGS" ${ARGN})
+    set(program ${CMAKE_CURRENT_BINARY_DIR}/${target})
+    list(TRANSFORM arg_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
+    file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/engine/*.h
+         ${PROJECT_SOURCE_DIR}/gl/*.h ${PROJECT_SOURCE_DIR}/graph/*.h
+         ${PROJECT_SOURCE_DIR}/editor/*.h ${PROJECT_SOURCE_DIR}/lv2/*.h)
+    add_custom_command(
+        OUTPUT ${program}
+        COMMAND ${BRINDLE_CLANGXX} -std=c++20 -g -O1 -ffp-contract=off
+                -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=all -I
+                ${PROJECT_SOURCE_DIR} ${arg_SOURCES} ${arg_FLAGS} -o ${program}
+        DEPENDS ${arg_SOURCES} ${headers}
+        VERBATIM)
+    add_custom_target(${target} ALL DEPENDS ${program})
+    add_test(NAME ${target} COMMAND ${program} -runs=${arg_RUNS} -seed=1 -verbosity=0)
+endfunction()

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: ISC
+/// The vocabulary that engine, editor, host program and Turtle data share: URIs and port layout.
+#pragma once
+
+#include <cstdint>
+
+#define BRINDLE_URI "urn:brindle-audio:plugins/lv2/Brindle"
+
+namespace brindle {
+
+inline constexpr const char* kBaseUri = BRINDLE_URI;
+inline constexpr const char* kMonoUri = BRINDLE_URI "/mono";
+inline constexpr const char* kStereoUri = BRINDLE_URI "/stereo";
+inline constexpr const char* kEditorUri = BRINDLE_URI "/gui";
+
+/// Requests of the editor, objects without properties on the control port.
+inline constexpr const char* kEnableUiUri = BRINDLE_URI "#enableui";
+inline constexpr const char* kDisableUiUri = BRINDLE_URI "#disableui";
+/// The engine's analyser message on the notify port, and the keys of its properties.
+inline constexpr const char* kMessageUri = BRINDLE_URI "#brindle";
+inline constexpr const char* kSampleRateUri = BRINDLE_URI "#samplerate";
+inline constexpr const char* kPlotIdUri = BRINDLE_URI "#plot_id";
+inline constexpr const char* kPlotArrayUri = BRINDLE_URI "#plot_array";
+
+/// Looks that a host asks of its plugins' editors (options of type Bool).
+inline constexpr const char* kStyleBoxyUri = "http://ardour.org/lv2/theme/#styleBoxy";
+inline constexpr const char* kStyleFlatUri = "http://ardour.org/lv2/theme/#styleFlat";
+
+/// Analyser rows: bins in a row (20 Hz to 20480 Hz, 24 an octave) and rows in the ring.
+inline constexpr int kPlotBins = 241;
+inline constexpr int kPlotRows = 128;
+
+inline constexpr int kBandCount = 8;
+inline constexpr int kSectionCount = 2;
+
+/// The five controls of a band or section, as offsets from its first port.
+enum Control : uint32_t { kEnable, kType, kGain, kFrequency, kQ, kControlCount };
+
+inline constexpr uint32_t kControlPort = 0;   ///< atom sequence in: requests of the editor
+inline constexpr uint32_t kNotifyPort = 1;    ///< atom sequence out: analyser rows
+inline constexpr uint32_t kTrimPort = 52;     ///< dB
+inline constexpr uint32_t kMeterInPort = 53;  ///< held mean-square power, linear
+inline constexpr uint32_t kMeterOutPort = 54;
+inline constexpr uint32_t kFirstAudioPort = 55;
+inline constexpr uint32_t kMonoPortCount = 57;  ///< 55 in, 56 out
+inline constexpr uint32_t kStereoPortCount =
+    59;  ///< 55 left in, 56 left out, 57 right in, 58 right out
+
+/// First port (enable) of band 0..7.
+constexpr uint32_t band_port(int band) {
+    return 2u + kControlCount * static_cast<uint32_t>(band);
+}
+/// First port (enable) of section 0 (A) or 1 (B).
+constexpr uint32_t section_port(int section) {
+    return 42u + kControlCount * static_cast<uint32_t>(section);
+}
+
+}  // namespace brindle
