@@ -1,0 +1,456 @@
+// SPDX-License-Identifier: ISC
+#include "gl/GLView.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "gl/gl.h"
+#include "gl/info_format.h"
+
+namespace brindle {
+namespace {
+
+/// Puts a page service to the page: the base version's whole work. A page that does not know the
+/// service itself gives the fallback.
+template <typename Result, typename... Parameters>
+Result AskPage(GLView* view, Result fallback, Result (GLView::*service)(Parameters...),
+               Parameters... arguments) {
+    GLView* page = view->Page();
+    return page != nullptr && page != view ? (page->*service)(arguments...) : fallback;
+}
+
+template <typename... Parameters>
+void TellPage(GLView* view, void (GLView::*service)(Parameters...), Parameters... arguments) {
+    GLView* page = view->Page();
+    if (page != nullptr && page != view) {
+        (page->*service)(arguments...);
+    }
+}
+
+/// Calls an operation on each child in list order; a child may take itself out meanwhile.
+template <typename... Parameters, typename... Arguments>
+void ForEachChild(const GLView& view, void (GLView::*operation)(Parameters...),
+                  Arguments... arguments) {
+    for (GLView* child = view.firstChild; child != nullptr;) {
+        GLView* next = child->nextSibling;
+        (child->*operation)(arguments...);
+        child = next;
+    }
+}
+
+/// One drawing pass over the children, from a copy of their list: children that go while it is
+/// drawn do not break the walk.
+void DrawEachChild(const GLView& view, void (GLView::*pass)()) {
+    std::vector<GLView*> children;
+    for (GLView* child = view.firstChild; child != nullptr; child = child->nextSibling) {
+        children.push_back(child);
+    }
+    for (GLView* child : children) {
+        glPushMatrix();
+        (child->*pass)();
+        glPopMatrix();
+    }
+}
+
+void ApplyPlace(const GLView& view) {
+    glTranslatef(view.x, view.y, 0.0f);
+    glScalef(view.scale, view.scale, 1.0f);
+}
+
+/// The first child that is hit by a point in its parent's local coordinates.
+GLView* FirstHit(const GLView& view, GLPoint point) {
+    GLView* child = view.firstChild;
+    while (child != nullptr && !child->HitTest(point)) {
+        child = child->nextSibling;
+    }
+    return child;
+}
+
+/// Hands a role over: whoever else has it gives it up, then the page hears who has it now.
+void ChangeRole(GLView* view, bool on, GLView* (GLView::*holder_of)(), void (GLView::*change)(bool),
+                void (GLView::*give)(GLView*)) {
+    GLView* holder = (view->*holder_of)();
+    if (holder != nullptr && holder != view) {
+        (holder->*change)(false);
+    }
+    (view->*give)(on ? view : nullptr);
+}
+
+}  // namespace
+
+GLView::~GLView() {
+    GLView::DeleteChildren();
+    std::free(name);
+}
+
+void GLView::SetPosition(float newX, float newY) {
+    x = newX;
+    y = newY;
+}
+
+void GLView::SetPosition(GLPoint position) {
+    SetPosition(position.x, position.y);
+}
+
+void GLView::SetScale(float newScale) {
+    scale = newScale;
+}
+
+void GLView::SetWidth(float width) {
+    hw = width * 0.5f;
+}
+
+void GLView::SetHeight(float height) {
+    hh = height * 0.5f;
+}
+
+void GLView::SetSize(float width, float height) {
+    SetWidth(width);
+    SetHeight(height);
+}
+
+void GLView::SetSize(GLPoint size) {
+    SetSize(size.x, size.y);
+}
+
+GLPoint GLView::GetPosition() {
+    return {x, y};
+}
+
+GLView* GLView::Page() {
+    if (parent == nullptr) {
+        std::puts("Page() called with no parent.  crash.");
+        return nullptr;
+    }
+    return parent->Page();
+}
+
+void GLView::AddChild(GLView* child) {
+    if (child == nullptr || child == this) {
+        return;
+    }
+    GLView** link = &firstChild;
+    while (*link != nullptr) {
+        if (*link == child) {
+            return;
+        }
+        link = &(*link)->nextSibling;
+    }
+    *link = child;
+    child->parent = this;
+}
+
+void GLView::RemoveChild(GLView* child) {
+    for (GLView** link = &firstChild; *link != nullptr; link = &(*link)->nextSibling) {
+        if (*link == child) {
+            *link = child->nextSibling;
+            // Added again with its old link, it would bring its former siblings along.
+            child->nextSibling = nullptr;
+            return;
+        }
+    }
+}
+
+void GLView::DeleteChildren() {
+    while (firstChild != nullptr) {
+        GLView* child = firstChild;
+        firstChild = child->nextSibling;
+        delete child;
+    }
+}
+
+int32_t GLView::CountChildren() {
+    int32_t count = 0;
+    for (const GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
+        ++count;
+    }
+    return count;
+}
+
+void GLView::SendParameter(uint32_t index, float value) {
+    TellPage(this, &GLView::SendParameter, index, value);
+}
+
+void GLView::ParameterChanged(uint32_t index) {
+    ForEachChild(*this, &GLView::ParameterChanged, index);
+}
+
+float GLView::GetParameter(uint32_t index) {
+    return AskPage(this, 0.0f, &GLView::GetParameter, index);
+}
+
+void GLView::Close() {
+    ForEachChild(*this, &GLView::Close);
+}
+
+void GLView::DrawBack() {
+    ApplyPlace(*this);
+    DrawChildrenBack();
+}
+
+void GLView::Draw() {
+    ApplyPlace(*this);
+    DrawChildren();
+}
+
+void GLView::DrawFront() {
+    ApplyPlace(*this);
+    DrawChildrenFront();
+}
+
+void GLView::DrawChildrenBack() {
+    DrawEachChild(*this, &GLView::DrawBack);
+}
+
+void GLView::DrawChildren() {
+    DrawEachChild(*this, &GLView::Draw);
+}
+
+void GLView::DrawChildrenFront() {
+    DrawEachChild(*this, &GLView::DrawFront);
+}
+
+GLPoint GLView::LocalToPage(GLPoint point) {
+    LocalToParent(point);
+    return parent != nullptr ? parent->LocalToPage(point) : point;
+}
+
+GLPoint GLView::PageToLocal(GLPoint point) {
+    if (parent != nullptr) {
+        point = parent->PageToLocal(point);
+    }
+    ParentToLocal(point);
+    return point;
+}
+
+bool GLView::HitTest(GLPoint point) {
+    ParentToLocal(point);
+    if (FirstHit(*this, point) != nullptr) {
+        return true;
+    }
+    return visible && point.x * point.x < hw * hw && point.y * point.y < hh * hh;
+}
+
+void GLView::ShowInfoAt(GLPoint point) {
+    ParentToLocal(point);
+    if (GLView* hit = FirstHit(*this, point)) {
+        hit->ShowInfoAt(point);
+        return;
+    }
+    SetSelected(true);
+    if (GLView* page = Page()) {
+        page->SetInfoTitle(infoTitle);
+        page->SetInfoText(infoText);
+    }
+}
+
+void GLView::MouseDown(GLPoint point, GLPoint pagePoint) {
+    ParentToLocal(point);
+    if (GLView* hit = FirstHit(*this, point)) {
+        hit->MouseDown(point, pagePoint);
+    }
+}
+
+void GLView::MouseUp(GLPoint point) {
+    ParentToLocal(point);
+    if (GLView* hit = FirstHit(*this, point)) {
+        hit->MouseUp(point);
+    } else {
+        SetCaptured(false);
+    }
+}
+
+void GLView::MouseDragTo(GLPoint /*pagePoint*/) {}
+
+void GLView::Scroll(float /*delta*/) {}
+
+void GLView::DoubleClick(GLPoint /*point*/) {}
+
+bool GLView::IsResetPress() {
+    return AskPage(this, false, &GLView::IsResetPress);
+}
+
+int32_t GLView::GetPressedButton() {
+    return AskPage(this, int32_t{0}, &GLView::GetPressedButton);
+}
+
+void GLView::SetName(const char* newName) {
+    char* copy = newName != nullptr ? strdup(newName) : nullptr;
+    std::free(name);
+    name = copy;
+}
+
+void GLView::SetInfoTitle(const char* text) {
+    FormatInfo(infoTitle, text);
+}
+
+void GLView::SetInfoText(const char* text) {
+    FormatInfo(infoText, text);
+}
+
+void GLView::SetLabel(const char* text) {
+    const size_t length = text != nullptr ? strnlen(text, sizeof label - 1) : 0;
+    // A view's own label may be handed in.
+    std::memmove(label, text != nullptr ? text : "", length);
+    label[length] = '\0';
+}
+
+void GLView::ReleaseAll() {
+    if (GLView* view = GetSelectedView()) {
+        view->SetSelected(false);
+    }
+    if (GLView* view = GetHoverView()) {
+        view->SetHover(false);
+    }
+    if (GLView* view = GetCapturedView()) {
+        view->SetCaptured(false);
+    }
+}
+
+void GLView::SetHover(bool on) {
+    ChangeRole(this, on, &GLView::GetHoverView, &GLView::SetHover, &GLView::SetHoverView);
+}
+
+void GLView::SetCaptured(bool on) {
+    ChangeRole(this, on, &GLView::GetCapturedView, &GLView::SetCaptured, &GLView::SetCapturedView);
+}
+
+void GLView::SetSelected(bool on) {
+    ChangeRole(this, on, &GLView::GetSelectedView, &GLView::SetSelected, &GLView::SetSelectedView);
+}
+
+void GLView::SetVisible(bool on) {
+    visible = on;
+    if (!on && GetSelectedView() == this) {
+        SetSelected(false);
+    }
+    ForEachChild(*this, &GLView::SetVisible, on);
+}
+
+GLView* GLView::GetSelectedView() {
+    return AskPage<GLView*>(this, nullptr, &GLView::GetSelectedView);
+}
+
+GLView* GLView::GetHoverView() {
+    return AskPage<GLView*>(this, nullptr, &GLView::GetHoverView);
+}
+
+GLView* GLView::GetCapturedView() {
+    return AskPage<GLView*>(this, nullptr, &GLView::GetCapturedView);
+}
+
+uint32_t GLView::GetModifiers() {
+    return AskPage(this, 0u, &GLView::GetModifiers);
+}
+
+uint32_t GLView::GetEventTime() {
+    return AskPage(this, 0u, &GLView::GetEventTime);
+}
+
+GLResources* GLView::GetResources() {
+    return AskPage<GLResources*>(this, nullptr, &GLView::GetResources);
+}
+
+float GLView::GetPageWidth() {
+    return AskPage(this, 0.0f, &GLView::GetPageWidth);
+}
+
+float GLView::GetPageHeight() {
+    return AskPage(this, 0.0f, &GLView::GetPageHeight);
+}
+
+float GLView::GetInterfaceScale() {
+    return AskPage(this, 0.0f, &GLView::GetInterfaceScale);
+}
+
+float GLView::GetViewRight() {
+    return AskPage(this, 0.0f, &GLView::GetViewRight);
+}
+
+float GLView::GetViewLeft() {
+    return AskPage(this, 0.0f, &GLView::GetViewLeft);
+}
+
+float GLView::GetViewTop() {
+    return AskPage(this, 0.0f, &GLView::GetViewTop);
+}
+
+float GLView::GetViewBottom() {
+    return AskPage(this, 0.0f, &GLView::GetViewBottom);
+}
+
+float GLView::GetPixelSize() {
+    return AskPage(this, 0.0f, &GLView::GetPixelSize);
+}
+
+GLColor GLView::GetBackgroundColor() {
+    return AskPage(this, GLColor(), &GLView::GetBackgroundColor);
+}
+
+GLColor GLView::GetContrastColor() {
+    return AskPage(this, GLColor(), &GLView::GetContrastColor);
+}
+
+bool GLView::IsBoxy() {
+    return AskPage(this, false, &GLView::IsBoxy);
+}
+
+bool GLView::IsFlat() {
+    return AskPage(this, false, &GLView::IsFlat);
+}
+
+void GLView::SetTextSize(float size) {
+    textSize = size;
+}
+
+void GLView::SetLabelSize(float size) {
+    labelSize = size;
+}
+
+void GLView::SetColor(const GLColor& newColor) {
+    color = newColor;
+}
+
+void GLView::ShowMessage(const char* line1, const char* line2, const char* line3, const char* line4,
+                         const char* line5) {
+    TellPage(this, &GLView::ShowMessage, line1, line2, line3, line4, line5);
+}
+
+void GLView::ShowInfo(const char* title, const char* text) {
+    TellPage(this, &GLView::ShowInfo, title, text);
+}
+
+void GLView::OpenDialog(GLView* dialog) {
+    TellPage(this, &GLView::OpenDialog, dialog);
+}
+
+void GLView::CloseDialog(bool outside) {
+    TellPage(this, &GLView::CloseDialog, outside);
+}
+
+void GLView::SetSelectedView(GLView* view) {
+    TellPage(this, &GLView::SetSelectedView, view);
+}
+
+void GLView::SetHoverView(GLView* view) {
+    TellPage(this, &GLView::SetHoverView, view);
+}
+
+void GLView::SetCapturedView(GLView* view) {
+    TellPage(this, &GLView::SetCapturedView, view);
+}
+
+void GLView::ParentToLocal(GLPoint& point) {
+    point.x = (point.x - x) / scale;
+    point.y = (point.y - y) / scale;
+}
+
+void GLView::LocalToParent(GLPoint& point) {
+    point.x = point.x * scale + x;
+    point.y = point.y * scale + y;
+}
+
+}  // namespace brindle
