@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: ISC
+// Response curves against complex transfer functions of the analogue prototypes.
+#include "graph/response.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <functional>
+#include <limits>
+#include <numbers>
+#include <vector>
+
+#include "engine/band_types.h"
+#include "graph/type_curves.h"
+
+namespace brindle {
+namespace {
+
+using Complex = std::complex<double>;
+/// H(s) with s = j·f/f0.
+using Prototype = std::function<Complex(Complex)>;
+
+constexpr double kPi = std::numbers::pi;
+
+/// Single precision holds the few hundred dB that occur here to better than 2e-5.
+constexpr double kToleranceDb = 1e-4;
+
+FrequencyGrid DrawnGrid() {
+    FrequencyGrid grid;
+    SetFrequencyGrid(grid, 800, 20.0f, 20000.0f);
+    return grid;
+}
+
+/// The polynomial whose roots are Butterworth poles of the order at the corner, 1 at s = 0.
+Complex Butterworth(int order, Complex s, double corner = 1.0) {
+    Complex product = 1.0;
+    for (int k = 1; k <= order; ++k) {
+        const Complex pole = corner * std::polar(1.0, kPi * (2 * k + order - 1) / (2.0 * order));
+        product *= 1.0 - s / pole;
+    }
+    return product;
+}
+
+double Amplitude(double db) {
+    return std::pow(10.0, db / 20.0);
+}
+
+Prototype LowPass(int order) {
+    return [=](Complex s) { return 1.0 / Butterworth(order, s); };
+}
+Prototype HighPass(int order) {
+    return [=](Complex s) { return 1.0 / Butterworth(order, 1.0 / s); };
+}
+/// Boost: poles at the corner, zeros where the plateau needs them; cut: the reverse of it.
+Prototype LowShelf(int order, double plateau_db) {
+    const double spread = std::pow(Amplitude(std::abs(plateau_db)), 1.0 / order);
+    const double plateau = Amplitude(plateau_db);
+    return [=](Complex s) {
+        return plateau_db >= 0.0 ? plateau * Butterworth(order, s, spread) / Butterworth(order, s)
+                                 : plateau * Butterworth(order, s) / Butterworth(order, s, spread);
+    };
+}
+/// A high shelf is the low shelf with the frequency axis turned round.
+Prototype HighShelf(int order, double plateau_db) {
+    return [low = LowShelf(order, plateau_db)](Complex s) { return low(1.0 / s); };
+}
+/// Width: the distance of the points 3 dB below a high peak; of the numerator for a low one.
+Prototype Bell(double gain_db, double q) {
+    const double A = Amplitude(std::abs(gain_db));
+    // Solve |H|² = A²/2 at f/f0 − f0/f = 1/q for the numerator's damping.
+    const double top = A * A > 3.0 ? std::sqrt(A * A - 2.0) / q : 1.0 / q;
+    return [=](Complex s) {
+        const Complex h = (s * s + top * s + 1.0) / (s * s + top / A * s + 1.0);
+        return gain_db >= 0.0 ? h : 1.0 / h;
+    };
+}
+Prototype Search(double gain_db, double q) {
+    return [=](Complex s) { return Amplitude(gain_db) * (s / q) / (s * s + s / q + 1.0); };
+}
+Prototype Notch(double q) {
+    return [=](Complex s) { return (s * s + 1.0) / (s * s + s / q + 1.0); };
+}
+
+struct Case {
+    int type;
+    Prototype prototype;
+    bool has_pinned_centre = false;
+};
+
+std::vector<Case> BandCases(double gain, double q) {
+    return {
+        {1, [](Complex s) { return 1.0 / (1.0 + s); }},
+        {2, [](Complex s) { return s / (1.0 + s); }},
+        {3, LowPass(2)},
+        {4, HighPass(2)},
+        {5, LowShelf(2, gain)},
+        {6, HighShelf(2, gain)},
+        {9, Bell(gain, q), true},
+        {10, Search(gain, q), true},
+        {12, Notch(q), true},
+    };
+}
+
+std::vector<Case> SectionCases(double gain, double q) {
+    // 0.3333 and 0.333 of the gain in each of the three parts of a 36 dB/oct shelf: as designed.
+    return {{1, HighPass(2)},
+            {2, HighPass(4)},
+            {3, HighPass(6)},
+            {4, HighPass(8)},
+            {5, LowPass(2)},
+            {6, LowPass(4)},
+            {7, LowPass(6)},
+            {8, LowPass(8)},
+            {9, HighShelf(2, gain)},
+            {10, HighShelf(4, gain)},
+            {11, HighShelf(6, gain * 3.0 * 0.333)},
+            {12, HighShelf(8, gain)},
+            {13, LowShelf(2, gain)},
+            {14, LowShelf(4, gain)},
+            {15, LowShelf(6, gain * 3.0 * 0.3333)},
+            {16, LowShelf(8, gain)},
+            {17, Notch(q), true}};
+}
+
+using AddCurve = void (*)(const FrequencyGrid&, Curve&, float, const CurveSettings&);
+
+void ExpectPrototypes(const std::vector<Case>& cases, AddCurve add, const CurveSettings& set) {
+    const FrequencyGrid grid = DrawnGrid();
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "type " << c.type << " gain " << set.gain_db << " f "
+                                        << set.freq_hz << " q " << set.q);
+        Curve curve = {};
+        add(grid, curve, static_cast<float>(c.type), set);
+        const auto centre = GridIndex(grid, set.freq_hz);
+        for (size_t i = 0; i < 800; ++i) {
+            if (c.has_pinned_centre && i == centre) continue;
+            const Complex s(0.0,
+                            static_cast<double>(grid.hz[i]) / static_cast<double>(set.freq_hz));
+            const double expected = 20.0 * std::log10(std::abs(c.prototype(s)));
+            ASSERT_NEAR(static_cast<double>(curve[i]), expected, kToleranceDb)
+                << grid.hz[i] << " Hz";
+        }
+    }
+}
+
+TEST(Response, FollowsTheAnaloguePrototypes) {
+    for (const float gain : {-18.0f, -6.0f, 0.0f, 4.7f, 12.0f, 18.0f}) {
+        for (const float freq : {20.0f, 997.0f, 14321.0f}) {
+            for (const float q : {0.1f, 0.71f, 100.0f}) {
+                const CurveSettings set = {gain, freq, q};
+                ExpectPrototypes(BandCases(gain, static_cast<double>(q)), AddBandCurve, set);
+                ExpectPrototypes(SectionCases(gain, static_cast<double>(q)), AddSectionCurve, set);
+            }
+        }
+    }
+}
+
+TEST(Response, TypesWithoutAPictureAreFlat) {
+    const FrequencyGrid grid = DrawnGrid();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const float type : {0.0f, 7.0f, 8.0f, 11.0f, 13.0f, -1.0f, 1e30f, nan}) {
+        Curve curve = {};
+        AddBandCurve(grid, curve, type, {12.0f, 1000.0f, 1.0f});
+        EXPECT_THAT(curve, testing::Each(0.0f)) << type;
+    }
+    Curve curve = {};
+    for (const float type : {0.0f, 18.0f, -1.0f, nan}) {
+        AddSectionCurve(grid, curve, type, {12.0f, 1000.0f, 1.0f});
+    }
+    EXPECT_THAT(curve, testing::Each(0.0f));
+}
+
+TEST(Response, TypeCodesTakeTheIntegerPartAfterATenth) {
+    const FrequencyGrid grid = DrawnGrid();
+    Curve high_pass = {};
+    AddBandCurve(grid, high_pass, 2.85f, {0.0f, 1000.0f, 1.0f});  // first order
+    EXPECT_NEAR(high_pass[0], 20.0 * std::log10(20.0 / 1000.0), 0.01);
+    Curve low_pass = {};
+    AddBandCurve(grid, low_pass, 2.95f, {0.0f, 1000.0f, 1.0f});
+    EXPECT_NEAR(low_pass[0], 0.0, 0.01);
+}
+
+TEST(Response, ZeroGainIsFlatEverywhere) {
+    const FrequencyGrid grid = DrawnGrid();
+    Curve curve = {};
+    AddLowShelf<8>(grid, curve, 300.0f, 0.0f);
+    AddHighShelf<6>(grid, curve, 300.0f, 0.0f);
+    AddBell(grid, curve, 300.0f, 0.0f, 3.0f, 1.0f);
+    EXPECT_THAT(curve, testing::Each(0.0f));
+}
+
+TEST(Response, TheTwoShelvesOf36DbReachSlightlyDifferentPlateaus) {
+    const FrequencyGrid grid = DrawnGrid();
+    Curve low = {};
+    AddLowShelf<6>(grid, low, 2000.0f, 18.0f);
+    Curve high = {};
+    AddHighShelf<6>(grid, high, 200.0f, 18.0f);
+    EXPECT_NEAR(low[0], 18.0 * 0.9999, 2e-4);
+    EXPECT_NEAR(high[799], 18.0 * 0.999, 2e-4);
+}
+
+TEST(Response, CentrePointsArePinned) {
+    const FrequencyGrid grid = DrawnGrid();
+    const size_t centre = 453;  // trunc(800·log1000(1000/20)) = trunc(453.06)
+    Curve curve = {};
+    AddBell(grid, curve, 1000.0f, 5.0f, 40.0f, 1.0f);
+    EXPECT_FLOAT_EQ(curve[centre], 5.0f);
+    AddBell(grid, curve, 1000.0f, -2.0f, 40.0f, 0.5f);  // the weight leaves the centre alone
+    EXPECT_FLOAT_EQ(curve[centre], 3.0f);
+    AddBandPass(grid, curve, 1000.0f, 10.0f, 40.0f);
+    EXPECT_FLOAT_EQ(curve[centre], 13.0f);
+    AddNotch(grid, curve, 1000.0f, 1.0f);
+    EXPECT_EQ(curve[centre], -120.0f);
+    EXPECT_EQ(std::count(curve.begin(), curve.end(), -120.0f), 1);
+}
+
+TEST(Response, ANotchOnAGridPointStaysFinite) {
+    const FrequencyGrid grid = DrawnGrid();
+    for (size_t i = 0; i < 800; ++i) {
+        Curve curve = {};
+        AddNotch(grid, curve, grid.hz[i], 0.7f);
+        for (const float level : curve) ASSERT_TRUE(std::isfinite(level)) << i;
+    }
+}
+
+TEST(Response, WhatAHostShouldNotSendLeavesTheCurveAlone) {
+    const FrequencyGrid grid = DrawnGrid();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    for (const CurveSettings& set : {CurveSettings{6.0f, nan, 1.0f},
+                                     {6.0f, -50.0f, 1.0f},
+                                     {6.0f, 0.0f, 1.0f},
+                                     {6.0f, 1e9f, 1.0f},
+                                     {6.0f, inf, 1.0f},
+                                     {nan, 1e9f, nan}}) {
+        for (int type = 0; type < 18; ++type) {
+            Curve curve = {};
+            AddBandCurve(grid, curve, static_cast<float>(type), set);
+            AddSectionCurve(grid, curve, static_cast<float>(type), set);
+            ASSERT_THAT(curve, testing::Each(0.0f)) << type << " at " << set.freq_hz;
+        }
+    }
+    // Extremes that are accepted stay finite, in and beyond the range of the picture.
+    for (const float freq : {1e-3f, 19.9f, 20000.0f, 130000.0f, 1e6f}) {
+        for (int type = 0; type < 18; ++type) {
+            Curve curve = {};
+            AddBandCurve(grid, curve, static_cast<float>(type), {200.0f, freq, 1e-30f});
+            AddSectionCurve(grid, curve, static_cast<float>(type), {-200.0f, freq, 1e30f});
+            for (const float level : curve) ASSERT_TRUE(std::isfinite(level)) << type << freq;
+        }
+    }
+}
+
+TEST(FrequencyGrid, DividesTheRangeIntoCountRatios) {
+    FrequencyGrid grid = DrawnGrid();
+    EXPECT_EQ(grid.hz[0], 20.0f);
+    EXPECT_NEAR(grid.hz[400], 632.4555, 0.01);  // the middle of the logarithmic range
+    EXPECT_NEAR(grid.hz[799], 19828.06, 0.5);   // 20000 / 1000^(1/800)
+    EXPECT_EQ(GridIndex(grid, 20000.0f), 800u);
+
+    SetFrequencyGrid(grid, 600, 20.0f, 20000.0f);
+    EXPECT_GT(grid.hz[599], 19000.0f);
+    EXPECT_EQ(grid.hz[600], 1.0f);
+    EXPECT_EQ(grid.hz[799], 1.0f);
+    SetFrequencyGrid(grid, 1025, 20.0f, 20000.0f);
+    SetFrequencyGrid(grid, 10, 20.0f, std::numeric_limits<float>::infinity());
+    EXPECT_EQ(grid.count, 600);
+
+    Curve curve;
+    curve.fill(3.0f);
+    ClearCurve(grid, curve);
+    EXPECT_EQ(curve[599], 0.0f);
+    EXPECT_EQ(curve[600], 3.0f);
+}
+
+}  // namespace
+}  // namespace brindle
