@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: ISC
+// What the schema validator does not see: the bundle's data as a host reads it through lilv.
+#include <gmock/gmock.h>
+#include <lilv/lilv.h>
+#include <lv2/atom/atom.h>
+#include <lv2/core/lv2.h>
+#include <lv2/port-groups/port-groups.h>
+#include <lv2/port-props/port-props.h>
+#include <lv2/presets/presets.h>
+#include <lv2/resize-port/resize-port.h>
+#include <lv2/units/units.h>
+#include <lv2/urid/urid.h>
+
+#include <cstring>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "editor/preset_table.h"
+#include "lv2/brindle.h"
+
+namespace brindle {
+namespace {
+
+using testing::ElementsAre;
+
+const char* const kRdfsLabel = "http://www.w3.org/2000/01/rdf-schema#label";
+
+struct Range {
+    float low, normal, high;
+};
+
+/// Symbols in port order, as they are promised to sessions saved with earlier versions.
+std::vector<std::string> expected_symbols(bool stereo) {
+    std::vector<std::string> symbols = {"control", "notify"};
+    for (const char* strip : {"b1", "b2", "b3", "b4", "b5", "b6", "b7", "b8", "seca", "secb"}) {
+        for (const char* control : {"enable", "type", "gain", "freq", "q"}) {
+            symbols.push_back(std::string(strip) + '_' + control);
+        }
+    }
+    symbols.insert(symbols.end(), {"trim", "meter_in", "meter_out"});
+    const std::vector<std::string> audio =
+        stereo ? std::vector<std::string>{"in_l", "out_l", "in_r", "out_r"}
+               : std::vector<std::string>{"in", "out"};
+    symbols.insert(symbols.end(), audio.begin(), audio.end());
+    return symbols;
+}
+
+class Turtle : public testing::TestWithParam<const char*> {
+  protected:
+    Turtle() {
+        LilvNode* bundle = lilv_new_file_uri(world, nullptr, BRINDLE_BUNDLE);
+        lilv_world_load_bundle(world, bundle);
+        lilv_node_free(bundle);
+        plugin = lilv_plugins_get_by_uri(lilv_world_get_all_plugins(world), node(GetParam()));
+    }
+    ~Turtle() override {
+        for (LilvNode* each : owned_nodes) lilv_node_free(each);
+        for (LilvNodes* each : owned_lists) lilv_nodes_free(each);
+        lilv_world_free(world);
+    }
+    void SetUp() override { ASSERT_NE(plugin, nullptr); }
+
+    LilvNode* node(const char* uri) { return owned_nodes.emplace_back(lilv_new_uri(world, uri)); }
+    /// Objects of a property of the plugin, as text.
+    std::vector<std::string> values(const char* property) {
+        LilvNodes* found = lilv_plugin_get_value(plugin, node(property));
+        return texts(found);
+    }
+    std::vector<std::string> texts(LilvNodes* found) {
+        std::vector<std::string> result;
+        if (!found) return result;
+        owned_lists.push_back(found);
+        LILV_FOREACH(nodes, i, found) {
+            const LilvNode* each = lilv_nodes_get(found, i);
+            const char* text = lilv_node_as_string(each);
+            result.emplace_back(text ? text : "");
+        }
+        return result;
+    }
+    bool stereo() const { return std::strcmp(GetParam(), kStereoUri) == 0; }
+    const LilvPort* port(uint32_t index) { return lilv_plugin_get_port_by_index(plugin, index); }
+    uint32_t port_count() { return lilv_plugin_get_num_ports(plugin); }
+    bool is(const LilvPort* which, const char* uri) {
+        return lilv_port_is_a(plugin, which, node(uri));
+    }
+    bool has(const LilvPort* which, const char* uri) {
+        return lilv_port_has_property(plugin, which, node(uri));
+    }
+    std::string symbol(uint32_t index) {
+        return lilv_node_as_string(lilv_port_get_symbol(plugin, port(index)));
+    }
+    Range range(uint32_t index) {
+        LilvNode* low = nullptr;
+        LilvNode* normal = nullptr;
+        LilvNode* high = nullptr;
+        lilv_port_get_range(plugin, port(index), &normal, &low, &high);
+        for (LilvNode* each : {low, normal, high}) {
+            EXPECT_TRUE(lilv_node_is_float(each) || lilv_node_is_int(each)) << symbol(index);
+            owned_nodes.push_back(each);
+        }
+        return {lilv_node_as_float(low), lilv_node_as_float(normal), lilv_node_as_float(high)};
+    }
+    std::string unit(uint32_t index) {
+        const auto found = texts(lilv_port_get_value(plugin, port(index), node(LV2_UNITS__unit)));
+        return found.empty() ? "" : found[0];
+    }
+    std::map<int, std::string> scale_points(uint32_t index) {
+        std::map<int, std::string> labels;
+        LilvScalePoints* points = lilv_port_get_scale_points(plugin, port(index));
+        LILV_FOREACH(scale_points, i, points) {
+            const LilvScalePoint* point = lilv_scale_points_get(points, i);
+            labels[lilv_node_as_int(lilv_scale_point_get_value(point))] =
+                lilv_node_as_string(lilv_scale_point_get_label(point));
+        }
+        lilv_scale_points_free(points);
+        return labels;
+    }
+
+    LilvWorld* world = lilv_world_new();
+    const LilvPlugin* plugin = nullptr;
+    std::vector<LilvNode*> owned_nodes;
+    std::vector<LilvNodes*> owned_lists;
+};
+
+TEST_P(Turtle, PortsStandInTheOrderOfTheLayoutWithoutGapsOrDoubles) {
+    EXPECT_EQ(values(LV2_CORE__port).size(), port_count());
+    EXPECT_EQ(port_count(), stereo() ? kStereoPortCount : kMonoPortCount);
+    EXPECT_TRUE(lilv_plugin_verify(plugin));
+    std::vector<std::string> symbols;
+    std::set<std::string> names;
+    for (uint32_t i = 0; i < port_count(); ++i) {
+        ASSERT_NE(port(i), nullptr) << i;
+        symbols.push_back(symbol(i));
+        LilvNode* name = owned_nodes.emplace_back(lilv_port_get_name(plugin, port(i)));
+        names.emplace(lilv_node_as_string(name));
+    }
+    EXPECT_EQ(symbols, expected_symbols(stereo()));
+    EXPECT_EQ(names.size(), port_count());
+    EXPECT_EQ(symbols[kTrimPort], "trim");
+}
+
+TEST_P(Turtle, ControlsOfEachKindHaveTheirRangeAndUnit) {
+    for (uint32_t i = 2; i < kFirstAudioPort; ++i) {
+        const std::string name = symbol(i);
+        SCOPED_TRACE(name);
+        EXPECT_TRUE(is(port(i), LV2_CORE__ControlPort));
+        const bool output = name.starts_with("meter");
+        EXPECT_EQ(is(port(i), LV2_CORE__OutputPort), output);
+        EXPECT_NE(is(port(i), LV2_CORE__InputPort), output);
+        if (output) continue;
+
+        const bool section = name.starts_with("sec");
+        const Range limits = range(i);
+        EXPECT_LE(limits.low, limits.normal);
+        EXPECT_LE(limits.normal, limits.high);
+        if (name.ends_with("_enable")) {
+            EXPECT_TRUE(has(port(i), LV2_CORE__toggled));
+            EXPECT_EQ(limits.normal, section ? 0.0f : 1.0f);
+        } else if (name.ends_with("_type")) {
+            EXPECT_TRUE(has(port(i), LV2_CORE__enumeration));
+            EXPECT_EQ(limits.high, section ? 17.0f : 12.0f);
+        } else if (name.ends_with("_gain")) {
+            EXPECT_EQ(limits.low, -18.0f);
+            EXPECT_EQ(limits.high, 18.0f);
+            EXPECT_EQ(unit(i), LV2_UNITS__db);
+        } else if (name.ends_with("_freq")) {
+            EXPECT_EQ(limits.low, 20.0f);
+            EXPECT_EQ(limits.high, section ? 15000.0f : 20000.0f);
+            EXPECT_TRUE(has(port(i), LV2_PORT_PROPS__logarithmic));
+            EXPECT_EQ(unit(i), LV2_UNITS__hz);
+        } else if (name.ends_with("_q")) {
+            EXPECT_EQ(limits.low, 0.1f);
+            EXPECT_EQ(limits.high, 100.0f);
+            EXPECT_TRUE(has(port(i), LV2_PORT_PROPS__logarithmic));
+        }
+    }
+    EXPECT_EQ(range(kTrimPort).low, -20.0f);
+    EXPECT_EQ(range(kTrimPort).normal, 0.0f);
+    EXPECT_EQ(range(kTrimPort).high, 20.0f);
+    EXPECT_EQ(unit(kTrimPort), LV2_UNITS__db);
+}
+
+TEST_P(Turtle, TypesAreListedWithoutGapAndTheDefaultsAreQuiet) {
+    const std::vector<std::string> defaults = {"Lo Shelf", "Bell", "Bell", "Bell",
+                                               "Bell",     "Bell", "Bell", "Hi Shelf"};
+    const float frequencies[] = {63, 125, 250, 500, 1000, 2000, 4000, 8000};
+    for (int band = 0; band < kBandCount; ++band) {
+        SCOPED_TRACE(band);
+        const auto types = scale_points(band_port(band) + kType);
+        ASSERT_EQ(types.size(), 13u);
+        EXPECT_EQ(types.begin()->first, 0);
+        EXPECT_EQ(types.rbegin()->second, "Notch");
+        const auto first = static_cast<size_t>(band);
+        EXPECT_EQ(types.at(static_cast<int>(range(band_port(band) + kType).normal)),
+                  defaults[first]);
+        EXPECT_EQ(range(band_port(band) + kFrequency).normal, frequencies[first]);
+        EXPECT_EQ(range(band_port(band) + kGain).normal, 0.0f);
+    }
+    for (int section = 0; section < kSectionCount; ++section) {
+        const auto types = scale_points(section_port(section) + kType);
+        ASSERT_EQ(types.size(), 18u);
+        EXPECT_EQ(types.begin()->first, 0);
+        EXPECT_EQ(types.rbegin()->second, "Wide Notch");
+        EXPECT_EQ(types.at(static_cast<int>(range(section_port(section) + kType).normal)),
+                  section == 0 ? "HP 24dB/oct" : "LP 24dB/oct");
+    }
+}
+
+TEST_P(Turtle, AudioAndMessagePortsAreWhatTheEngineConnects) {
+    for (uint32_t i : {kControlPort, kNotifyPort}) {
+        EXPECT_TRUE(is(port(i), LV2_ATOM__AtomPort));
+        EXPECT_FALSE(has(port(i), LV2_CORE__connectionOptional));
+    }
+    EXPECT_TRUE(is(port(kControlPort), LV2_CORE__InputPort));
+    EXPECT_TRUE(is(port(kNotifyPort), LV2_CORE__OutputPort));
+    const auto size =
+        texts(lilv_port_get_value(plugin, port(kNotifyPort), node(LV2_RESIZE_PORT__minimumSize)));
+    EXPECT_THAT(size, ElementsAre("8192"));
+    for (uint32_t i = kFirstAudioPort; i < port_count(); ++i) {
+        EXPECT_TRUE(is(port(i), LV2_CORE__AudioPort));
+        const bool input = (i - kFirstAudioPort) % 2 == 0;
+        EXPECT_TRUE(is(port(i), input ? LV2_CORE__InputPort : LV2_CORE__OutputPort)) << i;
+        EXPECT_EQ(texts(lilv_port_get_value(plugin, port(i), node(LV2_CORE__designation))).size(),
+                  1u)
+            << i;
+    }
+}
+
+TEST_P(Turtle, PluginsSayWhoMadeThemAndAskForLittle) {
+    EXPECT_THAT(values(LV2_CORE__requiredFeature), ElementsAre(LV2_URID__map));
+    EXPECT_THAT(values(LV2_CORE__optionalFeature), ElementsAre(LV2_CORE__hardRTCapable));
+    EXPECT_FALSE(lilv_plugin_has_latency(plugin));
+    EXPECT_EQ(values("http://usefulinc.com/ns/doap#license").size(), 1u);
+    EXPECT_EQ(values(LV2_PORT_GROUPS__mainInput).size(), 1u);
+    EXPECT_EQ(values(LV2_PORT_GROUPS__mainOutput).size(), 1u);
+    LilvNode* author = owned_nodes.emplace_back(lilv_plugin_get_author_name(plugin));
+    EXPECT_NE(author, nullptr);
+    LilvNode* name = owned_nodes.emplace_back(lilv_plugin_get_name(plugin));
+    EXPECT_STREQ(lilv_node_as_string(name),
+                 stereo() ? "Brindle Console EQ (Stereo)" : "Brindle Console EQ (Mono)");
+}
+
+struct UriMap {
+    std::vector<std::string> uris;
+    static LV2_URID map(LV2_URID_Map_Handle handle, const char* uri) {
+        auto& uris = static_cast<UriMap*>(handle)->uris;
+        for (size_t i = 0; i < uris.size(); ++i) {
+            if (uris[i] == uri) return static_cast<LV2_URID>(i + 1);
+        }
+        uris.emplace_back(uri);
+        return static_cast<LV2_URID>(uris.size());
+    }
+};
+
+void collect_value(const char* symbol, void* data, const void* value, uint32_t size, uint32_t) {
+    ASSERT_EQ(size, sizeof(float)) << symbol;
+    std::memcpy(&(*static_cast<std::map<std::string, float>*>(data))[symbol], value, size);
+}
+
+TEST_P(Turtle, EveryPresetLoadsByItsLabelWithTheValuesOfTheButtons) {
+    UriMap uris;
+    LV2_URID_Map map = {&uris, UriMap::map};
+    LilvNodes* found = lilv_plugin_get_related(plugin, node(LV2_PRESETS__Preset));
+    std::map<std::string, std::map<std::string, float>> presets;
+    LILV_FOREACH(nodes, i, found) {
+        const LilvNode* preset = lilv_nodes_get(found, i);
+        LilvNode* label = lilv_world_get(world, preset, node(kRdfsLabel), nullptr);
+        ASSERT_NE(label, nullptr);
+        owned_nodes.push_back(label);
+        lilv_world_load_resource(world, preset);
+        LilvState* state = lilv_state_new_from_world(world, &map, preset);
+        ASSERT_NE(state, nullptr);
+        lilv_state_emit_port_values(state, collect_value, &presets[lilv_node_as_string(label)]);
+        lilv_state_free(state);
+    }
+    lilv_nodes_free(found);
+    ASSERT_EQ(presets.size(), kPresetCount);
+    for (const Preset& preset : kPresets) {
+        SCOPED_TRACE(preset.name);
+        const auto& loaded = presets[preset.name];
+        EXPECT_EQ(loaded.size(), kPresetValueCount);
+        for (uint32_t i = 0; i < kPresetValueCount; ++i) {
+            const std::string name = symbol(kFirstPresetPort + i);
+            ASSERT_TRUE(loaded.contains(name)) << name;
+            EXPECT_EQ(loaded.at(name), preset.values[i]) << name;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Variants, Turtle, testing::Values(kMonoUri, kStereoUri),
+                         [](const auto& variant) {
+                             return std::string(variant.param == kMonoUri ? "Mono" : "Stereo");
+                         });
+
+}  // namespace
+}  // namespace brindle

@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: ISC
+// Fills the bundle's Turtle templates from the tables of ports, filter types and presets.
+// Usage: make_turtle TEMPLATE OUTPUT
+
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "editor/preset_table.h"
+#include "engine/band_types.h"
+#include "lv2/brindle.h"
+#include "lv2/ports.h"
+
+namespace brindle {
+namespace {
+
+/// The shortest digits that read back as the same float, as Turtle's integer or decimal.
+std::string number(float value) {
+    std::array<char, 64> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
+    return {text.data(), end.ptr};
+}
+
+/// Like number(), with a decimal point always: a state's float values, not integers.
+std::string decimal(float value) {
+    const std::string digits = number(value);
+    return digits.find('.') == std::string::npos ? digits + ".0" : digits;
+}
+
+std::string quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
+std::string uri(std::string_view tail) {
+    return '<' + std::string(kBaseUri) + std::string(tail) + '>';
+}
+
+/// A Turtle blank node of the given lines.
+class Node {
+  public:
+    Node& add(const std::string& predicate_and_object) {
+        text_ += (text_.empty() ? "" : " ;") + ("\n\t\t" + predicate_and_object);
+        return *this;
+    }
+    [[nodiscard]] std::string str() const { return "[" + text_ + "\n\t]"; }
+
+  private:
+    std::string text_;
+};
+
+Node port(const std::string& classes, uint32_t index, const std::string& symbol,
+          const std::string& name) {
+    Node node;
+    node.add("a " + classes);
+    node.add("lv2:index " + std::to_string(index));
+    node.add("lv2:symbol " + quoted(symbol));
+    node.add("lv2:name " + quoted(name));
+    return node;
+}
+
+Node message_port(const std::string& direction, uint32_t index, const std::string& symbol,
+                  const std::string& name) {
+    return port(direction + " , atom:AtomPort", index, symbol, name)
+        .add("atom:bufferType atom:Sequence")
+        .add("lv2:designation lv2:control");
+}
+
+std::string scale_points(std::span<const TypeLabel> labels) {
+    std::string points = "lv2:scalePoint";
+    for (size_t code = 0; code < labels.size(); ++code) {
+        points += (code == 0 ? " " : " , ");
+        points += "[ rdfs:label " + quoted(labels[code].name) + " ; rdf:value " +
+                  std::to_string(code) + " ]";
+    }
+    return points;
+}
+
+/// The five ports of a band or section, separated by commas.
+std::string strip_ports(const StripSpec& strip, uint32_t first_port, const ControlSpecs& controls,
+                        std::span<const TypeLabel> type_labels) {
+    std::string ports;
+    for (uint32_t i = 0; i < kControlCount; ++i) {
+        const ControlSpec& control = controls[i];
+        Node node = port("lv2:InputPort , lv2:ControlPort", first_port + i,
+                         std::string(strip.symbol) + '_' + control.symbol,
+                         std::string(strip.name) + ' ' + control.name);
+        node.add("lv2:default " + number(strip.defaults[i]));
+        node.add("lv2:minimum " + number(control.minimum));
+        node.add("lv2:maximum " + number(control.maximum));
+        node.add(control.properties);
+        if (i == kType) node.add(scale_points(type_labels));
+        node.add("pg:group " + uri(std::string("#") + strip.group));
+        ports += " , " + node.str();
+    }
+    return ports;
+}
+
+/// Every port that both variants have, separated by commas.
+std::string common_ports() {
+    std::string ports = message_port("lv2:InputPort", kControlPort, "control", "Control").str();
+    ports += " , " + message_port("lv2:OutputPort", kNotifyPort, "notify", "Notify")
+                         // Hosts size the buffer and the queue to the editor by this. A row of the
+                         // analyser takes 1080 bytes; queues of less than this lose rows.
+                         .add("rsz:minimumSize 8192")
+                         .str();
+    for (int band = 0; band < kBandCount; ++band) {
+        ports += strip_ports(kBandStrips[static_cast<size_t>(band)], band_port(band), kBandControls,
+                             kBandTypeLabels);
+    }
+    for (int section = 0; section < kSectionCount; ++section) {
+        ports += strip_ports(kSectionStrips[static_cast<size_t>(section)], section_port(section),
+                             kSectionControls, kSectionTypeLabels);
+    }
+    for (const SingleControlSpec& single : kSingleControls) {
+        ports += " , " + port(std::string(single.direction) + " , lv2:ControlPort", single.index,
+                              single.symbol, single.name)
+                             .add(single.range)
+                             .str();
+    }
+    return ports;
+}
+
+std::string audio_ports(std::span<const AudioPortSpec> specs) {
+    std::string ports;
+    for (size_t i = 0; i < specs.size(); ++i) {
+        const AudioPortSpec& spec = specs[i];
+        ports += (i == 0 ? "" : " , ") +
+                 port(std::string(spec.direction) + " , lv2:AudioPort",
+                      kFirstAudioPort + static_cast<uint32_t>(i), spec.symbol, spec.name)
+                     .add("pg:group " + uri(std::string("#") + spec.group))
+                     .add(std::string("lv2:designation ") + spec.designation)
+                     .str();
+    }
+    return ports;
+}
+
+std::string strip_group(const StripSpec& strip) {
+    return '\n' + uri(std::string("#") + strip.group) + "\n\ta pg:Group ;\n\tlv2:symbol " +
+           quoted(strip.group) + " ;\n\tlv2:name " + quoted(strip.name) + " .\n";
+}
+
+std::string strip_groups() {
+    std::string groups;
+    for (const StripSpec& strip : kBandStrips) groups += strip_group(strip);
+    for (const StripSpec& strip : kSectionStrips) groups += strip_group(strip);
+    return groups;
+}
+
+/// Symbol of a port that presets set.
+std::string control_symbol(uint32_t index) {
+    if (index == kTrimPort) return kSingleControls[0].symbol;
+    const uint32_t strip = (index - kFirstPresetPort) / kControlCount;
+    const uint32_t control = (index - kFirstPresetPort) % kControlCount;
+    const StripSpec& spec =
+        strip < kBandCount ? kBandStrips.at(strip) : kSectionStrips.at(strip - kBandCount);
+    return std::string(spec.symbol) + '_' + kBandControls[control].symbol;
+}
+
+/// "60Hz Buzz Kill" has the URI ".../presets/60hz-buzz-kill".
+std::string preset_uri(const Preset& preset) {
+    std::string slug;
+    for (const char c : std::string_view(preset.name)) {
+        const auto letter = static_cast<unsigned char>(c);
+        slug += std::isalnum(letter) ? static_cast<char>(std::tolower(letter)) : '-';
+    }
+    return uri("/presets/" + slug);
+}
+
+std::string preset_head(const Preset& preset) {
+    return '\n' + preset_uri(preset) + "\n\ta pset:Preset ;\n\tlv2:appliesTo " + uri("/mono") +
+           " , " + uri("/stereo") + " ;\n\trdfs:label " + quoted(preset.name) + " ;\n";
+}
+
+std::string preset_entries() {
+    std::string entries;
+    for (const Preset& preset : kPresets) {
+        entries += preset_head(preset) + "\trdfs:seeAlso <presets.ttl> .\n";
+    }
+    return entries;
+}
+
+std::string presets() {
+    std::string text;
+    for (const Preset& preset : kPresets) {
+        text += preset_head(preset) + "\tlv2:port";
+        for (uint32_t i = 0; i < kPresetValueCount; ++i) {
+            text += (i == 0 ? " " : " , ") +
+                    Node()
+                        .add("lv2:symbol " + quoted(control_symbol(kFirstPresetPort + i)))
+                        .add("pset:value " + decimal(preset.values[i]))
+                        .str();
+        }
+        text += " .\n";
+    }
+    return text;
+}
+
+/// Replaces every {{name}}. Throws where a name is not known.
+std::string fill(std::string_view text) {
+    const std::map<std::string_view, std::function<std::string()>> fields = {
+        {"base", [] { return std::string(kBaseUri); }},
+        {"common_ports", common_ports},
+        {"mono_ports", [] { return audio_ports(kMonoAudioPorts); }},
+        {"stereo_ports", [] { return audio_ports(kStereoAudioPorts); }},
+        {"strip_groups", strip_groups},
+        {"preset_entries", preset_entries},
+        {"presets", presets},
+    };
+    std::string filled;
+    for (;;) {
+        const size_t start = text.find("{{");
+        filled += text.substr(0, start);
+        if (start == std::string_view::npos) return filled;
+        const size_t end = text.find("}}", start);
+        if (end == std::string_view::npos) throw std::runtime_error("a field without its end");
+        const std::string_view name = text.substr(start + 2, end - start - 2);
+        const auto field = fields.find(name);
+        if (field == fields.end()) {
+            throw std::runtime_error("no field is called " + std::string(name));
+        }
+        filled += field->second();
+        text.remove_prefix(end + 2);
+    }
+}
+
+void make_turtle(const char* template_path, const char* output_path) {
+    std::ifstream input(template_path);
+    if (!input) throw std::runtime_error(std::string(template_path) + " cannot be read");
+    const std::string text{std::istreambuf_iterator<char>(input), {}};
+    std::ofstream output(output_path);
+    output << fill(text);
+    output.close();
+    if (!output) throw std::runtime_error(std::string(output_path) + " cannot be written");
+}
+
+}  // namespace
+}  // namespace brindle
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::cerr << "usage: make_turtle TEMPLATE OUTPUT\n";
+        return 2;
+    }
+    try {
+        brindle::make_turtle(argv[1], argv[2]);
+    } catch (const std::exception& error) {
+        std::cerr << "make_turtle: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}
