@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: ISC
+/// Everything that one instance of the plugin owns.
+#pragma once
+
+#include <lv2/atom/atom.h>
+#include <lv2/atom/forge.h>
+#include <lv2/core/lv2.h>
+#include <lv2/urid/urid.h>
+
+#include <array>
+#include <cstdint>
+
+#include "engine/filter_stage.h"
+#include "engine/sections.h"
+#include "lv2/brindle.h"
+
+namespace brindle {
+
+/// The record of one instance, allocated zero-filled in one piece. Port buffers and the host's
+/// features are borrowed. Only the audio thread touches it between creation and destruction.
+struct EqInstance {
+    LV2_URID_Map* map;
+    LV2_Atom_Forge forge;
+    LV2_Atom_Sequence* notify_port;
+    const LV2_Atom_Sequence* control_port;
+    bool ui_active;                              ///< the editor asks for analyser rows
+    std::array<float*, kStereoPortCount> ports;  ///< by port number; 0 and 1 stand above
+    int32_t sample_rate;                         ///< Hz, truncated
+    uint32_t control_mask;                       ///< a control tick every mask + 1 samples
+    uint32_t meter_mask;                         ///< a meter tick every mask + 1 samples
+    int32_t noise_state;                         ///< of the dither's generator
+    float noise;                                 ///< current dither value
+    uint32_t sample_counter;                     ///< modulo 2^18
+    float meter_decay;                           ///< of the held meters, for each meter tick
+    float trim_gain;                             ///< smoothed, linear
+    float in_power, out_power;                   ///< mean squares, one-pole followers
+    float power_keep, power_take;                ///< their weights for each sample
+    std::array<bool, kSectionCount> section_on;
+    std::array<int32_t, kSectionCount> section_type;
+    std::array<float, kSectionCount> section_gain;  ///< dB
+    std::array<float, kSectionCount> section_freq;  ///< Hz, as section_frequency gives it
+    std::array<float, kSectionCount> section_q;
+    std::array<SectionStages, kSectionCount> sections;
+    std::array<bool, kBandCount> band_on;
+    std::array<FilterStage, kBandCount> bands;
+    std::array<float, kMeterInPort> controls;  ///< last valid value of each control port
+};
+
+/// A new instance for a host's sample rate [Hz], its stages passing audio unchanged; null without
+/// memory. Held between 1 Hz and what fits into 32 bits; rates that are no number count as 1 Hz.
+/// To be given to destroy_instance. Not for the audio thread.
+EqInstance* create_instance(double rate, LV2_URID_Map* map);
+
+/// Frees an instance; null is allowed. Not for the audio thread.
+void destroy_instance(EqInstance* eq) noexcept;
+
+/// Remembers the host's buffer for a port; numbers outside the port table are ignored.
+void connect(EqInstance& eq, uint32_t port, void* data) noexcept;
+
+}  // namespace brindle

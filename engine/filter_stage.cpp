@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: ISC
+#include "engine/filter_stage.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "engine/band_types.h"
+#include "engine/filter_design.h"
+
+namespace brindle {
+namespace {
+
+using DesignFunction = Coefficients (*)(const Prototype&) noexcept;
+
+// Indexed by BandType.
+constexpr std::array<DesignFunction, kBandTypeCount> kDesigns = {
+    design_flat,     design_low_pass6,    design_high_pass6, design_low_pass12, design_high_pass12,
+    design_lo_shelf, design_hi_shelf,     design_lo_shelf2,  design_hi_shelf2,  design_bell,
+    design_search,   design_sym_lo_shelf, design_notch,
+};
+
+bool has_fixed_q(int32_t type) {
+    return type == static_cast<int32_t>(BandType::LowPass12) ||
+           type == static_cast<int32_t>(BandType::HighPass12);
+}
+
+// The tiny addend keeps a value that falls toward zero off the denormal numbers.
+void smooth(double& value, double target) {
+    value = 0.95 * value + 0.05 * target + 1e-24;
+}
+
+}  // namespace
+
+void init(FilterStage& stage, int32_t type, double gain, double freq, double q, double damping,
+          double dt) noexcept {
+    stage = FilterStage{};
+    stage.type = type;
+    stage.damping = damping;
+    stage.dt = dt;
+    stage.wet = 1.0;
+    set_targets(stage, gain, freq, q);
+    stage.gain = stage.gain_target;
+    stage.freq = stage.freq_target;
+    stage.q = stage.q_target;
+}
+
+void set_targets(FilterStage& stage, double gain, double freq, double q) noexcept {
+    stage.gain_target = gain;
+    stage.freq_target = std::clamp(freq, kMinFreqShare / stage.dt, kMaxFreqShare / stage.dt);
+    stage.q_target = q;
+}
+
+void design(FilterStage& stage) noexcept {
+    smooth(stage.gain, stage.gain_target);
+    smooth(stage.freq, stage.freq_target);
+    smooth(stage.q, stage.q_target);
+    if (has_fixed_q(stage.type)) stage.q = kFixedQ;
+
+    const bool known = stage.type >= 0 && static_cast<size_t>(stage.type) < kDesigns.size();
+    const DesignFunction function = known ? kDesigns[static_cast<size_t>(stage.type)] : design_flat;
+    const Coefficients c = function({stage.gain, stage.freq, stage.q, stage.damping, stage.dt});
+    stage.b0 = c.b0;
+    stage.b1 = c.b1;
+    stage.b2 = c.b2;
+    stage.a1 = c.a1;
+    stage.a2 = c.a2;
+}
+
+}  // namespace brindle
