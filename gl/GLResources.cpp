@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: ISC
+#include "gl/GLResources.h"
+
+#include <cstdio>
+#include <string>
+
+#include "gl/bitmap.h"
+#include "gl/settings.h"
+
+namespace brindle {
+namespace {
+
+std::string ImagePath(uint32_t number) {
+    return resourceDirectory + "res/images/img_" + std::to_string(number) + ".bmp";
+}
+
+std::string GlyphPath(int character) {
+    return resourceDirectory + "res/chars/char_" + std::to_string(character);
+}
+
+/// Fills a level of the bound texture.
+void UploadLevel(int level, const Bitmap& image, const char* path) {
+    constexpr GLint kFourComponents = 4;
+    glTexImage2D(GL_TEXTURE_2D, level, kFourComponents, image.width, image.height, 0, GL_BGRA,
+                 GL_UNSIGNED_BYTE, image.pixels.data());
+    const GLenum error = glGetError();
+    if (error != GL_NO_ERROR) {
+        std::printf("ConvertBitmapToGLTexture, Error %d processing file %s\n",
+                    static_cast<int>(error), path);
+    }
+}
+
+/// Silences reports of missing files while it lives.
+struct QuietScope {
+    QuietScope() { quietMissingFiles = true; }
+    ~QuietScope() { quietMissingFiles = false; }
+    QuietScope(const QuietScope&) = delete;
+    QuietScope& operator=(const QuietScope&) = delete;
+};
+
+}  // namespace
+
+GLuint LoadTexture(const char* path) {
+    glGetError();
+    Bitmap image;
+    if (!LoadBitmap(path, image)) {
+        return 0;
+    }
+    GLuint texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    UploadLevel(0, image, path);
+    return texture;
+}
+
+GLResources::GLResources(float pageScale) : interfaceScale(pageScale) {
+    {
+        const QuietScope quiet;
+        for (uint32_t number = 0; number < kImageCount; ++number) {
+            images[number] = Keep(LoadTexture(ImagePath(number).c_str()));
+        }
+    }
+    glEnable(GL_LINE_SMOOTH);
+    glHint(GL_LINE_SMOOTH_HINT, GL_DONT_CARE);
+    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+    for (size_t k = 0; k < kGlyphCount; ++k) {
+        const std::string path = GlyphPath(kFirstGlyph + static_cast<int>(k));
+        const float advance = kGlyphAdvances[k];
+        glyphs[k] = {advance, advance * 0.5f, Keep(LoadTexture(path.c_str()))};
+    }
+    mipTexture160 = LoadMipmappedTexture(160, 6);
+    mipTexture150 = LoadMipmappedTexture(150, 6);
+    mipTexture250 = LoadMipmappedTexture(250, 4);
+    mipTexture318 = LoadMipmappedTexture(318, 4);
+    defaultImage = Image(102);
+}
+
+GLResources::~GLResources() {
+    glDeleteTextures(static_cast<GLsizei>(owned_.size()), owned_.data());
+}
+
+GLuint GLResources::Keep(GLuint texture) {
+    if (texture != 0) {
+        owned_.push_back(texture);
+    }
+    return texture;
+}
+
+GLuint GLResources::Image(uint32_t number) {
+    if (number >= kImageCount) {
+        return 0;
+    }
+    if (images[number] == 0) {
+        images[number] = Keep(LoadTexture(ImagePath(number).c_str()));
+    }
+    return images[number];
+}
+
+GLuint GLResources::LoadMipmappedTexture(uint32_t firstImage, int levels) {
+    GLuint texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    for (int level = 0; level < levels; ++level) {
+        const std::string path = ImagePath(firstImage + static_cast<uint32_t>(level));
+        Bitmap image;
+        if (!LoadBitmap(path.c_str(), image)) {
+            continue;
+        }
+        glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
+        glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, levels - 1);
+        UploadLevel(level, image, path.c_str());
+    }
+    if (firstImage < kImageCount) {
+        images[firstImage] = texture;
+    }
+    return Keep(texture);
+}
+
+}  // namespace brindle

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: ISC
+#include "gl/drawing.h"
+
+#include "gl/settings.h"
+
+namespace brindle {
+namespace {
+
+/// A rectangle, of texture coordinates or of places.
+struct Area {
+    float left;
+    float bottom;
+    float right;
+    float top;
+};
+
+constexpr Area kWholeTexture = {0.0f, 0.0f, 1.0f, 1.0f};
+
+/// The part of a texture and the direction from a rectangle's middle to one of its corners.
+struct Corner {
+    float x;
+    float y;
+    Area texture;
+};
+constexpr Corner kUpperLeft = {-1.0f, 1.0f, {0.0f, 0.5f, 0.5f, 1.0f}};
+constexpr Corner kUpperRight = {1.0f, 1.0f, {0.5f, 0.5f, 1.0f, 1.0f}};
+constexpr Corner kLowerRight = {1.0f, -1.0f, {0.5f, 0.0f, 1.0f, 0.5f}};
+constexpr Corner kLowerLeft = {-1.0f, -1.0f, {0.0f, 0.0f, 0.5f, 0.5f}};
+constexpr Corner kCorners[] = {kUpperLeft, kUpperRight, kLowerRight, kLowerLeft};
+
+/// Two colours of a quad: along its top and its bottom edge.
+struct Fade {
+    GLColor top;
+    GLColor bottom;
+};
+
+GLColor Faded(const GLColor& color, float alpha) {
+    GLColor faded = color;
+    faded.ScaleAlpha(alpha);
+    return faded;
+}
+
+/// One quad between glBegin and glEnd, upper left corner first and clockwise.
+void EmitQuad(const Area& place, const Area& texture = kWholeTexture, const Fade* fade = nullptr) {
+    if (fade != nullptr) {
+        fade->top.Apply();
+    }
+    glTexCoord2f(texture.left, texture.top);
+    glVertex2f(place.left, place.top);
+    glTexCoord2f(texture.right, texture.top);
+    glVertex2f(place.right, place.top);
+    if (fade != nullptr) {
+        fade->bottom.Apply();
+    }
+    glTexCoord2f(texture.right, texture.bottom);
+    glVertex2f(place.right, place.bottom);
+    glTexCoord2f(texture.left, texture.bottom);
+    glVertex2f(place.left, place.bottom);
+}
+
+/// The square of size r in a corner of a rectangle.
+Area CornerArea(const Corner& corner, float hw, float hh, float r) {
+    const float left = corner.x < 0.0f ? -hw : hw - r;
+    const float bottom = corner.y < 0.0f ? -hh : hh - r;
+    return {left, bottom, left + r, bottom + r};
+}
+
+/// Quads without texture, or with one, until the end of a scope.
+struct PlainQuads {
+    PlainQuads() {
+        glDisable(GL_TEXTURE_2D);
+        glBegin(GL_QUADS);
+    }
+    ~PlainQuads() {
+        glEnd();
+        glEnable(GL_TEXTURE_2D);
+    }
+    PlainQuads(const PlainQuads&) = delete;
+    PlainQuads& operator=(const PlainQuads&) = delete;
+};
+
+struct TexturedQuads {
+    explicit TexturedQuads(GLuint texture) {
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glBegin(GL_QUADS);
+    }
+    ~TexturedQuads() { glEnd(); }
+    TexturedQuads(const TexturedQuads&) = delete;
+    TexturedQuads& operator=(const TexturedQuads&) = delete;
+};
+
+/// What is not a corner: the middle over the full height, and both sides between the corners.
+void EmitCross(float hw, float hh, float r) {
+    EmitQuad({-hw + r, -hh, hw - r, hh});
+    EmitQuad({-hw, -hh + r, -hw + r, hh - r});
+    EmitQuad({hw - r, -hh + r, hw, hh - r});
+}
+
+/// A rounded edge, above or below, whose colour fades towards the middle of the rectangle.
+void DrawFadingEdge(GLuint texture, float hw, float hh, float r, bool upper, const GLColor& edge) {
+    const GLColor inside = Faded(edge, 0.0f);
+    const Fade fade = upper ? Fade{edge, inside} : Fade{inside, edge};
+    const Corner& left = upper ? kUpperLeft : kLowerLeft;
+    const Corner& right = upper ? kUpperRight : kLowerRight;
+    {
+        const TexturedQuads quads(texture);
+        EmitQuad(CornerArea(left, hw, hh, r), left.texture, &fade);
+        EmitQuad(CornerArea(right, hw, hh, r), right.texture, &fade);
+    }
+    const PlainQuads quads;
+    const float bottom = upper ? hh - r : -hh;
+    EmitQuad({-hw + r, bottom, hw - r, bottom + r}, kWholeTexture, &fade);
+}
+
+}  // namespace
+
+void DrawTexture(GLuint texture, float hw, float hh) {
+    const TexturedQuads quads(texture);
+    EmitQuad({-hw, -hh, hw, hh});
+}
+
+void DrawImage(GLResources* resources, uint32_t number) {
+    if (resources != nullptr) {
+        DrawTexture(resources->Image(number), 1.0f, 1.0f);
+    }
+}
+
+void DrawRect(float hw, float hh) {
+    const PlainQuads quads;
+    EmitQuad({-hw, -hh, hw, hh});
+}
+
+void DrawDisc(const GLResources* resources, float hw, float hh) {
+    if (resources != nullptr) {
+        DrawTexture(resources->mipTexture160, hw, hh);
+    }
+}
+
+void DrawBar(const GLResources* resources, float hw, float hh) {
+    if (resources == nullptr) {
+        return;
+    }
+    {
+        const TexturedQuads quads(resources->mipTexture150);
+        EmitQuad({-hw, -hh, hh - hw, hh}, {0.0f, 0.0f, 0.5f, 1.0f});
+        EmitQuad({hw - hh, -hh, hw, hh}, {0.5f, 0.0f, 1.0f, 1.0f});
+    }
+    const PlainQuads quads;
+    EmitQuad({hh - hw, -hh, hw - hh, hh});
+}
+
+void DrawRoundRect(const GLResources* resources, float hw, float hh, float r) {
+    DrawFramedBox(resources, 0, hw, hh, r);
+}
+
+void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, float r) {
+    if (resources == nullptr) {
+        return;
+    }
+    const auto is_square = [style](const Corner& corner) {
+        return (style == 1 && corner.y > 0.0f) || (style == 2 && corner.y < 0.0f) ||
+               (style == 3 && corner.x < 0.0f) || (style == 4 && corner.x > 0.0f);
+    };
+    {
+        const TexturedQuads quads(resources->mipTexture150);
+        for (const Corner& corner : kCorners) {
+            if (!is_square(corner)) {
+                EmitQuad(CornerArea(corner, hw, hh, r), corner.texture);
+            }
+        }
+    }
+    const PlainQuads quads;
+    EmitCross(hw, hh, r);
+    for (const Corner& corner : kCorners) {
+        if (is_square(corner)) {
+            EmitQuad(CornerArea(corner, hw, hh, r));
+        }
+    }
+}
+
+void DrawRoundFrame(const GLResources* resources, float hw, float hh, float r) {
+    if (resources == nullptr) {
+        return;
+    }
+    {
+        const TexturedQuads quads(resources->mipTexture318);
+        for (const Corner& corner : kCorners) {
+            EmitQuad(CornerArea(corner, hw, hh, r), corner.texture);
+        }
+    }
+    const float thickness = r * 0.25f;
+    const PlainQuads quads;
+    EmitQuad({-hw + r, hh - thickness, hw - r, hh});
+    EmitQuad({-hw + r, -hh, hw - r, -hh + thickness});
+    EmitQuad({-hw, -hh + r, -hw + thickness, hh - r});
+    EmitQuad({hw - thickness, -hh + r, hw, hh - r});
+}
+
+void DrawWell(const GLResources* resources, float hw, float hh, float r, const GLColor& color) {
+    if (resources == nullptr) {
+        return;
+    }
+    const float d = resources->interfaceScale;
+    glTranslatef(d, -d, 0.0f);
+    shadeColor.ApplyFaded(0.2f);
+    DrawRoundRect(resources, hw, hh, r);
+    glTranslatef(-2.0f * d, 2.0f * d, 0.0f);
+    lightColor.ApplyFaded(0.2f);
+    DrawRoundRect(resources, hw, hh, r);
+    glTranslatef(d, -d, 0.0f);
+    color.Apply();
+    DrawRoundRect(resources, hw, hh, r);
+}
+
+void DrawShadow(const GLResources* resources, float hw, float hh, float r, bool lower) {
+    if (resources == nullptr || themeFlat) {
+        return;
+    }
+    const float d = 2.0f * resources->interfaceScale;
+    const GLuint texture = resources->mipTexture150;
+    DrawFadingEdge(texture, hw - d, hh - d, r, true, Faded(shadeColor, 0.4f));
+    if (lower) {
+        DrawFadingEdge(texture, hw - d, hh - d, r, false, Faded(lightColor, 0.3f));
+    }
+}
+
+void DrawGloss(const GLResources* resources, float hw, float hh) {
+    if (resources == nullptr || themeFlat) {
+        return;
+    }
+    const Fade fade = {Faded(shadeColor, 0.5f), Faded(shadeColor, 0.0f)};
+    const TexturedQuads quads(resources->mipTexture160);
+    EmitQuad({-0.8f * hw, 0.1f * hh, 0.8f * hw, 0.8f * hh}, kWholeTexture, &fade);
+}
+
+}  // namespace brindle

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: ISC
+#include "gl/drawing.h"
+#include "gl/settings.h"
+
+namespace brindle {
+namespace {
+
+/// Index of a character's glyph; from `kGlyphCount` on where it has none.
+size_t GlyphIndex(char character) {
+    return static_cast<uint8_t>(static_cast<uint8_t>(character) - kFirstGlyph);
+}
+
+}  // namespace
+
+float TextWidth(const char* text) {
+    constexpr int kLongest = 32767;
+    float width = 0.0f;
+    for (int i = 0; i < kLongest && text[i] != '\0'; ++i) {
+        const size_t k = GlyphIndex(text[i]);
+        if (k < kGlyphCount) {
+            width += kGlyphAdvances[k];
+        }
+    }
+    return width;
+}
+
+void DrawGlyph(const GLResources* resources, size_t index) {
+    if (resources != nullptr && index < kGlyphCount) {
+        DrawTexture(resources->glyphs[index].texture, 1.0f, 1.0f);
+    }
+}
+
+void DrawText(const GLResources* resources, const char* text, int alignment) {
+    if (resources == nullptr || text == nullptr || *text == '\0') {
+        return;
+    }
+    const MatrixScope matrix;
+    if (alignment == kAlignCentre) {
+        glTranslatef(-TextWidth(text) * 0.5f, 0.0f, 0.0f);
+    } else if (alignment == kAlignRight) {
+        glTranslatef(-TextWidth(text), 0.0f, 0.0f);
+    }
+    for (; *text != '\0'; ++text) {
+        const size_t k = GlyphIndex(*text);
+        if (k >= kGlyphCount) {
+            return;
+        }
+        const float half_advance = resources->glyphs[k].halfAdvance;
+        glTranslatef(half_advance, 0.0f, 0.0f);
+        DrawGlyph(resources, k);
+        glTranslatef(half_advance, 0.0f, 0.0f);
+    }
+}
+
+void DrawTextShadow(const GLResources* resources, const char* text, int alignment) {
+    glTranslatef(0.1f, -0.1f, 0.0f);
+    shadeColor.ApplyFaded(0.6f);
+    DrawText(resources, text, alignment);
+}
+
+}  // namespace brindle
