@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: ISC
+#include "gl/GLView_Knob.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace brindle {
+namespace {
+
+constexpr float kWheelStep = 0.02f;
+constexpr float kFineWheelStep = 0.002f;
+constexpr float kFine = 0.1f;
+constexpr uint32_t kFineModifiers = 3;  // Shift, Ctrl
+
+/// Into 0 to 1; what is not a number becomes 0.
+float Clamp01(float value) {
+    return value > 0.0f ? std::min(value, 1.0f) : 0.0f;
+}
+
+}  // namespace
+
+GLView_Knob::GLView_Knob(bool dragsAlongX, float lowValue, float highValue)
+    : low(lowValue), high(highValue), horizontal(dragsAlongX) {
+    activePort = -1;
+}
+
+void GLView_Knob::SetPort(const HostWriter& hostWriter, uint32_t index) {
+    writer = hostWriter;
+    port = index;
+}
+
+void GLView_Knob::SetTouch(const LV2UI_Touch* touch, uint32_t touchedPort) {
+    gesture.Bind(touch, touchedPort);
+}
+
+void GLView_Knob::SetMapping(float (*toValue)(float), float (*toNormalised)(float)) {
+    map = toValue;
+    unmap = toNormalised;
+}
+
+void GLView_Knob::SetLimits(float lowest, float highest) {
+    limitLow = lowest;
+    limitHigh = highest;
+}
+
+void GLView_Knob::SetResetValue(float value) {
+    resetValue = value;
+    sendOnReset = true;
+}
+
+void GLView_Knob::SetUnit(const char* text) {
+    unit = text != nullptr ? text : "";
+}
+
+void GLView_Knob::SetColor(const GLColor& newColor) {
+    knobColor = newColor;
+}
+
+void GLView_Knob::SetSensitivity(float changePerPixel) {
+    sensitivity = changePerPixel;
+}
+
+void GLView_Knob::ReanchorX() {
+    dragStart.x = dragLast.x;
+}
+
+void GLView_Knob::ReanchorY() {
+    dragStart.y = dragLast.y;
+}
+
+float GLView_Knob::MapValue(float n) {
+    return map != nullptr ? map(n) : low + (high - low) * n;
+}
+
+float GLView_Knob::Normalise(float value) const {
+    return Clamp01(unmap != nullptr ? unmap(value) : (value - low) / (high - low));
+}
+
+float GLView_Knob::NormalisedZero() const {
+    return low < 0.0f ? Normalise(0.0f) : 0.0f;
+}
+
+bool GLView_Knob::IsFine() {
+    return (GetModifiers() & kFineModifiers) != 0;
+}
+
+void GLView_Knob::ParameterChanged(uint32_t index) {
+    GLView::ParameterChanged(index);
+    if (index != port) {
+        return;
+    }
+    const float value = GetParameter(index);
+    if (!std::isfinite(value)) {
+        return;  // the engine ignores it too: the last valid value is in force
+    }
+    normalised = Normalise(value);
+    FormatValue(infoText, sizeof infoText, value, style, unit.c_str());
+    if (GLView* page = Page()) {
+        if (infoTitle[0] != '\0') {
+            page->SetInfoTitle(infoTitle);  // whose value it is, whatever the pointer is over
+        }
+        page->SetInfoText(infoText);
+    }
+    if (horizontal) {
+        ReanchorX();
+    } else {
+        ReanchorY();
+    }
+}
+
+void GLView_Knob::MouseDown(GLPoint point, GLPoint pagePoint) {
+    GLPoint local = point;
+    ParentToLocal(local);
+    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
+        if (child->HitTest(local)) {
+            child->MouseDown(local, pagePoint);
+            return;
+        }
+    }
+    dragStart = dragLast = pagePoint;
+    SetCaptured(true);
+    gesture.Begin();
+    if (IsResetPress() && sendOnReset) {
+        writer.Write(port, resetValue);
+    }
+    activePort = static_cast<int32_t>(port);
+}
+
+void GLView_Knob::MouseDragTo(GLPoint pagePoint) {
+    const float step = IsFine() ? sensitivity * kFine : sensitivity;
+    const float moved = horizontal ? pagePoint.x - dragStart.x : dragStart.y - pagePoint.y;
+    const float wanted = normalised + step * moved;
+    const float reached = Clamp01(wanted);
+    // Beyond an end the anchor stays, so that the way back counts as soon as it is in range.
+    if (wanted == reached) {
+        dragLast = pagePoint;
+    }
+    float value = MapValue(reached);
+    if (limitLow != kNoLimit) {
+        value = std::min(std::max(value, limitLow), limitHigh);
+    }
+    writer.Write(port, value);
+    if (gesturePort != kNoGesturePort) {
+        writer.Write(gesturePort, 1.0f);
+    }
+}
+
+void GLView_Knob::LetGo() {
+    gesture.End();
+    activePort = -1;
+}
+
+void GLView_Knob::MouseUp(GLPoint /*point*/) {
+    LetGo();
+    SetCaptured(false);
+}
+
+void GLView_Knob::SetCaptured(bool on) {
+    if (!on) {
+        LetGo();
+    }
+    GLView::SetCaptured(on);
+}
+
+void GLView_Knob::Scroll(float delta) {
+    const float step = IsFine() ? kFineWheelStep : kWheelStep;
+    writer.Write(port, MapValue(Clamp01(normalised + delta * step)));
+}
+
+}  // namespace brindle

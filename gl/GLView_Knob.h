@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "gl/GLView.h"
+#include "gl/host_link.h"
+#include "gl/value_text.h"
+
+namespace brindle {
+
+/// The port of the control that the user is dragging, -1 for none. UI thread.
+inline int32_t activePort = -1;
+
+/// A control of one port of the plugin: shows the value that the host reported last, and turns
+/// drags and wheel steps into writes. It moves only when the host reports the new value.
+///
+/// Normalised values run from 0 (`low`) to 1 (`high`). A knob that is not `enabled` looks so but
+/// can be turned: a band that is off is set up before it is switched on.
+///
+/// A wide knob shows as a pill, its value on a track with a mark at `zero`; one that is nearly as
+/// high as wide is round.
+class GLView_Knob : public GLView {
+  public:
+    static constexpr uint32_t kNoGesturePort = 129;
+    static constexpr float kNoLimit = std::numeric_limits<float>::max();
+
+    /// `dragsAlongX`: dragged sideways rather than upwards. The ends are port values.
+    GLView_Knob(bool dragsAlongX, float lowValue, float highValue);
+
+    /// Which port is written, through what.
+    void SetPort(const HostWriter& hostWriter, uint32_t index);
+    /// Whom to tell of drags, null for nobody, and of which port.
+    void SetTouch(const LV2UI_Touch* touch, uint32_t touchedPort);
+    /// Replaces the linear scale between low and high. Null for linear.
+    void SetMapping(float (*toValue)(float), float (*toNormalised)(float));
+    /// Drags stay inside these port values; the wheel does not heed them.
+    void SetLimits(float lowest, float highest);
+    /// What a reset press writes; none is written before this was called.
+    void SetResetValue(float value);
+    /// The text behind the number.
+    void SetUnit(const char* text);
+
+    void ParameterChanged(uint32_t index) override;
+    void MouseDown(GLPoint point, GLPoint pagePoint) override;
+    void MouseUp(GLPoint point) override;
+    void MouseDragTo(GLPoint pagePoint) override;
+    void Scroll(float delta) override;
+    /// A knob that loses the pointer ends the gesture.
+    void SetCaptured(bool on) override;
+    /// The colour of the value's track, not the view's.
+    void SetColor(const GLColor& newColor) override;
+
+    /// The port value at a normalised one.
+    virtual float MapValue(float normalised);
+    virtual void SetSensitivity(float changePerPixel);
+    /// The drag goes on from the pointer's last place in range.
+    virtual void ReanchorX();
+    virtual void ReanchorY();
+
+    /// Where the value's track starts, normalised: port value 0, or the nearest end.
+    float NormalisedZero() const;
+
+    HostWriter writer;
+    uint32_t port = 0;
+    uint32_t gesturePort = kNoGesturePort;  ///< gets 1.0 with each drag step
+    TouchGesture gesture;
+    float (*map)(float) = nullptr;    ///< normalised to port value
+    float (*unmap)(float) = nullptr;  ///< port value to normalised
+    bool sendOnReset = false;
+    float resetValue = 0.0f;
+    GLPoint dragStart{};  ///< window pixels, as are all page points
+    GLPoint dragLast{};
+    GLColor knobColor = kWhite;
+    float low;
+    float high;
+    float limitLow = kNoLimit;  ///< no limits while this is kNoLimit
+    float limitHigh = kNoLimit;
+    float normalised = 0.0f;
+    bool horizontal;
+    ValueStyle style = ValueStyle::Plain;
+    float sensitivity = 0.003f;  ///< normalised change a window pixel
+    std::string unit;
+
+  private:
+    float Normalise(float value) const;
+    bool IsFine();
+    bool IsRound() const;
+    void LetGo();
+};
+
+}  // namespace brindle

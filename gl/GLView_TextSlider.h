@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "gl/GLView_Slider.h"
+
+namespace brindle {
+
+/// A slider that shows its value as text in a box, above a slim track.
+class GLView_TextSlider : public GLView_Slider {
+  public:
+    using GLView_Slider::GLView_Slider;
+
+  protected:
+};
+
+}  // namespace brindle

@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: ISC
+#include "gl/GLView_Knob.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "gl/GLView_TrimSlider.h"
+#include "tests/support/fake_page.h"
+#include "tests/support/recording_host.h"
+
+namespace brindle {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+constexpr uint32_t kPort = 4;
+constexpr GLPoint kGrip{100.0f, 200.0f};  // window pixels, y downwards
+
+/// A vertical gain knob from -18 to 18 on a page, 0 reported by the host.
+struct Knob : ::testing::Test {
+    RecordingHost host;
+    FakePage page;
+    GLView_Knob* knob = Add(new GLView_Knob(false, -18.0f, 18.0f));
+
+    template <typename Control>
+    Control* Add(Control* control) {
+        control->SetPort(host.Writer(), kPort);
+        control->SetTouch(host.TouchFeature(), kPort);
+        page.AddChild(control);
+        page.Report(kPort, 0.0f);
+        return control;
+    }
+    void Drag(float dx, float dy) { knob->MouseDragTo({kGrip.x + dx, kGrip.y + dy}); }
+    float LastWrite() const { return host.calls.empty() ? NAN : host.calls.back().value; }
+};
+
+TEST_F(Knob, ADragIsBracketedByTouchAndWritesEachStep) {
+    knob->MouseDown({}, kGrip);
+    EXPECT_EQ(page.capturedView, knob);
+    EXPECT_EQ(activePort, 4);
+    Drag(0.0f, -100.0f);  // 100 pixels up are 0.3 of the range of 36
+    Drag(50.0f, 50.0f);   // sideways does not count
+    knob->MouseUp({});
+    EXPECT_EQ(page.capturedView, nullptr);
+    EXPECT_EQ(activePort, -1);
+    ASSERT_THAT(host.calls, SizeIs(4));
+    EXPECT_EQ(host.calls[0], Touched(kPort));
+    EXPECT_EQ(host.calls[1].kind, HostCall::kWrite);
+    EXPECT_NEAR(host.calls[1].value, 10.8f, 1e-4f);
+    EXPECT_NEAR(host.calls[2].value, -5.4f, 1e-4f);
+    EXPECT_EQ(host.calls[3], Released(kPort));
+}
+
+TEST_F(Knob, TheTouchPortAndTheGesturePortAreItsOwn) {
+    knob->SetTouch(host.TouchFeature(), 90);
+    knob->gesturePort = 77;
+    knob->MouseDown({}, kGrip);
+    Drag(0.0f, 0.0f);
+    knob->MouseUp({});
+    EXPECT_THAT(host.calls,
+                ElementsAre(Touched(90), Wrote(kPort, 0.0f), Wrote(77, 1.0f), Released(90)));
+}
+
+TEST_F(Knob, ATouchThatBeganEndsOnceHoweverTheKnobLosesThePointer) {
+    GLView thief;
+    page.AddChild(&thief);
+    knob->MouseDown({}, kGrip);
+    knob->MouseDown({}, kGrip);  // a second mouse button
+    thief.SetCaptured(true);
+    EXPECT_EQ(page.capturedView, &thief);
+    EXPECT_EQ(activePort, -1);
+    knob->MouseUp({});
+    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Released(kPort)));
+    page.RemoveChild(&thief);
+
+    host.calls.clear();
+    knob->MouseDown({}, kGrip);
+    page.RemoveChild(knob);
+    page.capturedView = nullptr;
+    delete knob;
+    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Released(kPort)));
+}
+
+TEST_F(Knob, BeyondAnEndItWritesTheEndAndTheWayBackCountsAtOnce) {
+    knob->MouseDown({}, kGrip);
+    Drag(0.0f, -100.0f);
+    EXPECT_FLOAT_EQ(knob->dragLast.y, 100.0f);
+    Drag(0.0f, -400.0f);
+    EXPECT_EQ(LastWrite(), 18.0f);
+    EXPECT_FLOAT_EQ(knob->dragLast.y, 100.0f);  // stays where it last was in range
+    Drag(0.0f, 400.0f);
+    EXPECT_EQ(LastWrite(), -18.0f);
+    EXPECT_FLOAT_EQ(knob->dragLast.y, 100.0f);
+    Drag(0.0f, -150.0f);
+    EXPECT_NEAR(LastWrite(), 16.2f, 1e-4f);
+}
+
+TEST_F(Knob, TheNextStepStartsFromWhatTheHostReported) {
+    knob->MouseDown({}, kGrip);
+    Drag(0.0f, -100.0f);
+    Drag(0.0f, -100.0f);  // no echo yet: the same value again, not twice the way
+    EXPECT_NEAR(LastWrite(), 10.8f, 1e-4f);
+    page.Report(kPort, 9.0f);  // the host took another value
+    EXPECT_FLOAT_EQ(knob->dragStart.y, 100.0f);
+    EXPECT_FLOAT_EQ(knob->dragStart.x, 100.0f);
+    Drag(0.0f, -110.0f);
+    EXPECT_NEAR(LastWrite(), 9.0f + 1.08f, 1e-4f);
+}
+
+TEST_F(Knob, ModifiersMakeDragAndWheelTenTimesFiner) {
+    for (const uint32_t modifiers : {1u, 2u, 3u, 4u, 8u}) {
+        SCOPED_TRACE(modifiers);
+        const float share = modifiers < 4 ? 0.1f : 1.0f;
+        page.modifiers = modifiers;
+        knob->MouseDown({}, kGrip);
+        Drag(0.0f, -100.0f);
+        EXPECT_NEAR(LastWrite(), 10.8f * share, 1e-4f);
+        knob->MouseUp({});
+        knob->Scroll(-2.0f);
+        EXPECT_NEAR(LastWrite(), -2.0f * 0.72f * share, 1e-4f);
+    }
+}
+
+TEST_F(Knob, LimitsHoldForDragsAndNotForTheWheel) {
+    knob->SetLimits(-12.0f, 12.0f);
+    knob->MouseDown({}, kGrip);
+    Drag(0.0f, -999.0f);
+    EXPECT_EQ(LastWrite(), 12.0f);
+    Drag(0.0f, 999.0f);
+    EXPECT_EQ(LastWrite(), -12.0f);
+    knob->MouseUp({});
+    host.calls.clear();
+    knob->Scroll(1000.0f);
+    knob->Scroll(-1000.0f);
+    EXPECT_THAT(host.calls, ElementsAre(Wrote(kPort, 18.0f), Wrote(kPort, -18.0f)));
+}
+
+TEST_F(Knob, AResetPressWritesTheResetValueIfThereIsOne) {
+    page.resetPress = true;
+    knob->MouseDown({}, kGrip);
+    knob->MouseUp({});
+    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Released(kPort)));
+    host.calls.clear();
+    knob->SetResetValue(1.5f);
+    knob->MouseDown({}, kGrip);
+    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Wrote(kPort, 1.5f)));
+    page.resetPress = false;
+    knob->MouseUp({});
+    host.calls.clear();
+    knob->MouseDown({}, kGrip);
+    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort)));
+}
+
+TEST_F(Knob, AChildTakesThePressAndHearsEveryPort) {
+    struct Child : GLView {
+        void MouseDown(GLPoint, GLPoint pagePoint) override { pressed = pagePoint.x; }
+        void ParameterChanged(uint32_t index) override { heard.push_back(index); }
+        float pressed = 0.0f;
+        std::vector<uint32_t> heard;
+    };
+    auto* child = new Child;
+    child->SetPosition(0.5f, 0.0f);
+    child->SetSize(0.5f, 0.5f);
+    knob->SetPosition(3.0f, 0.0f);
+    knob->AddChild(child);
+    knob->MouseDown({3.5f, 0.0f}, kGrip);
+    EXPECT_FLOAT_EQ(child->pressed, 100.0f);
+    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_EQ(page.capturedView, nullptr);
+
+    page.texts.clear();
+    page.Report(kPort + 1, 12.0f);
+    EXPECT_THAT(page.texts, IsEmpty());
+    EXPECT_FLOAT_EQ(knob->normalised, 0.5f);
+    page.Report(kPort, 9.0f);
+    EXPECT_THAT(child->heard, ElementsAre(kPort + 1, kPort));
+    EXPECT_FLOAT_EQ(knob->normalised, 0.75f);
+}
+
+TEST_F(Knob, ValuesBeyondTheRangeShowAtItsEndsAndNonsenseNotAtAll) {
+    knob->SetUnit("dB");
+    page.Report(kPort, 40.0f);
+    EXPECT_EQ(knob->normalised, 1.0f);
+    page.Report(kPort, -40.0f);
+    EXPECT_EQ(knob->normalised, 0.0f);
+    page.Report(kPort, -9.0f);
+    for (const float nonsense :
+         {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+          -std::numeric_limits<float>::infinity()}) {
+        page.Report(kPort, nonsense);
+        EXPECT_EQ(knob->normalised, 0.25f);
+        EXPECT_STREQ(knob->infoText, "-9.0dB");
+    }
+    // The logarithm of nothing lies below every scale.
+    knob->SetMapping([](float n) { return std::exp(n); }, [](float v) { return std::log(v); });
+    page.Report(kPort, -1.0f);
+    EXPECT_EQ(knob->normalised, 0.0f);
+    page.Report(kPort, 0.0f);
+    EXPECT_EQ(knob->normalised, 0.0f);
+}
+
+TEST_F(Knob, MappingsReplaceTheLinearScale) {
+    // 20 Hz to 20 kHz: three decades over the range.
+    knob->SetMapping([](float n) { return 20.0f * std::pow(1000.0f, n); },
+                     [](float v) { return std::log10(v / 20.0f) / 3.0f; });
+    EXPECT_NEAR(knob->MapValue(1.0f / 3.0f), 200.0f, 0.01f);
+    page.Report(kPort, 2000.0f);
+    EXPECT_NEAR(knob->normalised, 2.0f / 3.0f, 1e-6f);
+    knob->SetSensitivity(1.0f / 300.0f);
+    knob->MouseDown({}, kGrip);
+    Drag(0.0f, 100.0f);  // a decade down
+    EXPECT_NEAR(LastWrite(), 200.0f, 0.1f);
+    knob->Scroll(1.0f);  // 0.02 of three decades up
+    EXPECT_NEAR(LastWrite(), 2000.0f * 1.14815f, 0.1f);
+}
+
+TEST_F(Knob, WithoutWriteAndTouchFunctionsItTurnsInSilence) {
+    knob->SetPort({}, kPort);
+    knob->SetTouch(nullptr, kPort);
+    knob->SetResetValue(0.0f);
+    knob->gesturePort = 5;
+    page.resetPress = true;
+    knob->MouseDown({}, kGrip);
+    Drag(0.0f, -10.0f);
+    knob->Scroll(1.0f);
+    knob->MouseUp({});
+    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_EQ(page.capturedView, nullptr);
+}
+
+TEST_F(Knob, TheHelpLineShowsTheNewValueUnderItsName) {
+    knob->SetInfoTitle("Band 1 gain");
+    knob->SetUnit("dB");
+    page.Report(kPort, 2.5f);
+    EXPECT_STREQ(page.infoTitle, "Band 1 gain");
+    EXPECT_EQ(page.texts.back(), "2.5dB");
+}
+
+TEST_F(Knob, TrackStartsAtZeroOrAtTheNearestEnd) {
+    EXPECT_FLOAT_EQ(knob->NormalisedZero(), 0.5f);
+    EXPECT_FLOAT_EQ(GLView_Knob(false, -6.0f, 18.0f).NormalisedZero(), 0.25f);
+    EXPECT_FLOAT_EQ(GLView_Knob(false, 20.0f, 20000.0f).NormalisedZero(), 0.0f);
+    EXPECT_FLOAT_EQ(GLView_Knob(false, -60.0f, -10.0f).NormalisedZero(), 1.0f);
+}
+
+TEST_F(Knob, ASliderDragsSidewaysAndIsOneRectangle) {
+    auto* slider = Add(new GLView_TrimSlider(true, -20.0f, 20.0f));
+    auto* child = new GLView;
+    child->SetPosition(5.0f, 0.0f);
+    slider->AddChild(child);
+    slider->SetSize(2.0f, 1.0f);
+    EXPECT_TRUE(slider->HitTest({0.99f, 0.49f}));
+    EXPECT_FALSE(slider->HitTest({1.0f, 0.0f}));
+    EXPECT_FALSE(slider->HitTest({5.0f, 0.0f}));  // over the child
+    slider->SetVisible(false);
+    EXPECT_FALSE(slider->HitTest({0.0f, 0.0f}));
+
+    slider->MouseDown({9.0f, 9.0f}, kGrip);
+    slider->MouseDragTo({kGrip.x + 50.0f, kGrip.y + 50.0f});
+    EXPECT_NEAR(LastWrite(), 6.0f, 1e-4f);
+    page.Report(kPort, 6.0f);
+    EXPECT_FLOAT_EQ(slider->dragStart.x, 150.0f);
+    EXPECT_FLOAT_EQ(slider->dragStart.y, 200.0f);
+}
+
+TEST(ValueText, FollowsTheSizeOfTheValue) {
+    struct Row {
+        float value;
+        ValueStyle style;
+        const char* unit;
+        const char* text;
+    };
+    for (const Row& row : {
+             Row{1500.0f, ValueStyle::Plain, "Hz", "1.5kHz"},
+             Row{999.0f, ValueStyle::Plain, "Hz", "999Hz"},
+             Row{20000.0f, ValueStyle::Plain, "Hz", "20.0kHz"},
+             Row{50.0f, ValueStyle::Plain, "", " 50"},
+             Row{5.0f, ValueStyle::Plain, "", "5.0"},
+             Row{0.7125f, ValueStyle::Plain, " ", "0.7 "},
+             Row{-12.4f, ValueStyle::Plain, "dB", "-12dB"},
+             Row{-9.54f, ValueStyle::Plain, "dB", "-9.5dB"},
+             Row{-1500.0f, ValueStyle::Plain, "", "-1.5k"},
+             Row{-0.04f, ValueStyle::Plain, "dB", "0.0dB"},
+             Row{3.6f, ValueStyle::Whole, "", " 4"},
+             Row{-0.3f, ValueStyle::Whole, "%", " 0%"},
+             Row{1.0f, ValueStyle::Decibels, "dB", "0.0dB"},
+             Row{0.7943f, ValueStyle::Decibels, "dB", "-2.0dB"},
+             Row{0.1f, ValueStyle::Decibels, "dB", "-20dB"},
+             Row{4.0f, ValueStyle::Decibels, "dB", " 12dB"},
+             Row{0.0f, ValueStyle::Decibels, "dB", "-120dB"},
+             Row{-1.0f, ValueStyle::Decibels, "dB", "-120dB"},
+         }) {
+        char text[32];
+        FormatValue(text, sizeof text, row.value, row.style, row.unit);
+        EXPECT_STREQ(text, row.text) << row.value;
+    }
+    char narrow[8];
+    FormatValue(narrow, sizeof narrow, std::numeric_limits<float>::max(), ValueStyle::Whole, "Hz");
+    EXPECT_STREQ(narrow, "3402823");
+}
+
+}  // namespace
+}  // namespace brindle
