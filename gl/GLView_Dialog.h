@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "gl/GLAnimator.h"
+#include "gl/GLView.h"
+
+namespace brindle {
+
+/// A box that a page shows above everything else; it slides into its place. What it contains are
+/// its children.
+class GLView_Dialog : public GLView {
+  public:
+    GLView_Dialog();
+
+    /// Puts away what pops up inside, and has the box slide in anew when it is shown again.
+    void Close() override;
+
+    GLAnimator_Translator slide;
+};
+
+}  // namespace brindle

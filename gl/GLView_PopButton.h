@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include "gl/GLView.h"
+
+namespace brindle {
+
+/// A button with its label on it that opens a dialog, or, where it has none, closes the dialog in
+/// which it stands. It acts when it is released over itself.
+class GLView_PopButton : public GLView {
+  public:
+    void MouseDown(GLPoint point, GLPoint pagePoint) override;
+    void MouseUp(GLPoint point) override;
+
+    GLView* dialog = nullptr;  ///< observed; null for the one around the button
+};
+
+}  // namespace brindle

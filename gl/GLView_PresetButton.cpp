@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: ISC
+#include "gl/GLView_PresetButton.h"
+
+namespace brindle {
+
+GLView_PresetButton::GLView_PresetButton() {
+    values.fill(kNotSet);
+}
+
+void GLView_PresetButton::SetWriter(const HostWriter& hostWriter) {
+    writer = hostWriter;
+}
+
+void GLView_PresetButton::SetPresetValue(uint32_t index, float value) {
+    if (index < values.size()) {
+        values[index] = value;
+    }
+}
+
+void GLView_PresetButton::SetPresetName(const char* presetName) {
+    SetName(presetName);
+}
+
+void GLView_PresetButton::WriteAll(const Values& from) const {
+    for (uint32_t port = 0; port < values.size(); ++port) {
+        if (values[port] != kNotSet) {
+            writer.Write(port, from[port]);
+        }
+    }
+}
+
+void GLView_PresetButton::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
+    SetCaptured(true);
+    WriteAll(values);
+    if (GLView* page = Page()) {
+        page->SetInfoText("");
+    }
+}
+
+void GLView_PresetButton::MouseUp(GLPoint /*point*/) {
+    SetCaptured(false);
+}
+
+}  // namespace brindle

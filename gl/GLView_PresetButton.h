@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <limits>
+
+#include "gl/GLView.h"
+#include "gl/host_link.h"
+
+namespace brindle {
+
+/// A button that writes a stored set of port values.
+class GLView_PresetButton : public GLView {
+  public:
+    /// One value for each port from 0 up.
+    using Values = std::array<float, 128>;
+    /// Stands for a port that is not part of the preset.
+    static constexpr float kNotSet = std::numeric_limits<float>::max();
+
+    GLView_PresetButton();
+
+    /// Through what the values are written.
+    void SetWriter(const HostWriter& hostWriter);
+
+    /// Writes the values in the order of their ports and clears the page's info text.
+    void MouseDown(GLPoint point, GLPoint pagePoint) override;
+    void MouseUp(GLPoint point) override;
+
+    /// Stores a port's value; ports from 128 up are ignored.
+    virtual void SetPresetValue(uint32_t index, float value);
+    /// The text on the button, where it has no label.
+    virtual void SetPresetName(const char* presetName);
+
+    HostWriter writer;
+    Values values;
+
+  protected:
+    /// Writes those of the values whose ports are part of the preset, in the order of the ports.
+    void WriteAll(const Values& from) const;
+};
+
+}  // namespace brindle
