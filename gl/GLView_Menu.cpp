@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: ISC
+#include "gl/GLView_Menu.h"
+
+#include <algorithm>
+
+namespace brindle {
+namespace {
+
+constexpr float kItemHeight = 18.0f;  // design points, as the margin
+constexpr float kMargin = 5.0f;
+
+/// Moves a span [centre + low, centre + high] into bounds; where it is too long, its start shows.
+float KeepInside(float centre, float low, float high, float lowBound, float highBound) {
+    return std::max(std::min(centre, highBound - high), lowBound - low);
+}
+
+}  // namespace
+
+GLView_Menu::GLView_Menu() {
+    SetName("Menu");
+}
+
+void GLView_Menu::AddItem(uint32_t port, float value, const char* text) {
+    const float height = kItemHeight * GetInterfaceScale();
+    auto* item = new GLView_Menu_Item(port, value);
+    item->SetSize(hw * 2.0f, height);
+    item->SetLabel(text);
+    item->SetPosition(0.0f, itemOffset);
+    AddChild(item);
+    itemOffset += height;
+}
+
+void GLView_Menu::PlaceAt(GLPoint pagePoint) {
+    const float s = GetInterfaceScale();
+    const float margin = kMargin * s;
+    const float below = -kItemHeight * 0.5f * s - margin;
+    const float above = itemOffset + below + 2.0f * margin;
+    SetPosition(KeepInside(pagePoint.x, -hw - margin, hw + margin, GetViewLeft(), GetViewRight()),
+                KeepInside(pagePoint.y, below, above, GetViewBottom(), GetViewTop()));
+    fade = 0.0f;
+}
+
+GLView_Menu_Item* GLView_Menu::PresentItem() {
+    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
+        auto* item = dynamic_cast<GLView_Menu_Item*>(child);
+        if (item != nullptr && item->IsPresent()) {
+            return item;
+        }
+    }
+    return nullptr;
+}
+
+bool GLView_Menu::HitTest(GLPoint point) {
+    ParentToLocal(point);
+    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
+        if (child->HitTest(point)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace brindle

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <cstdint>
+
+#include "gl/GLView_Menu.h"
+
+namespace brindle {
+
+/// A button that shows the present entry of a menu and opens it. Attach it to a page before its
+/// entries are added.
+class GLView_MenuSelector : public GLView {
+  public:
+    GLView_MenuSelector();
+
+    /// Appends an entry; `width` is the whole menu's. Ignored while there is no page.
+    virtual void AddItem(uint32_t port, float value, float width, const char* text);
+
+    /// Opens the menu. The selector keeps the pointer: the release of the press that opened the
+    /// menu chooses an entry only where the pointer was dragged onto one.
+    void MouseDown(GLPoint point, GLPoint pagePoint) override;
+    void MouseUp(GLPoint point) override;
+
+    GLView_Menu menu;
+    GLView* page = nullptr;  ///< observed: where the menu opens
+};
+
+}  // namespace brindle
