@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: ISC
+#include "editor/pugl_window.h"
+
+#include <GL/glx.h>
+#include <pugl/pugl.h>
+
+#include <chrono>
+#include <thread>
+#include <utility>
+
+#include "editor/x11_watch.h"
+
+namespace brindle {
+namespace {
+
+constexpr auto kWaitStep = std::chrono::microseconds(500);
+constexpr int kWaitSteps = 2000;  // a second in all; the server answers within milliseconds
+constexpr int kButtons = 3;       // those above are wheels, or a mouse's side buttons
+
+}  // namespace
+
+/// The window's state, and what Pugl calls with it as handle.
+struct PuglWindow::Impl {
+    PuglView* view = nullptr;
+    Window parent = 0;
+    Display* display = nullptr;  ///< Pugl's own connection; null until its first callback
+    GLXContext context = nullptr;
+    std::unique_ptr<X11Watch> watch;  ///< as long as `display`
+    const PuglCallbacks* callbacks = nullptr;
+    void* handle = nullptr;
+    WindowSize reported;
+    uint32_t eventTime = 0;
+
+    static Impl& Of(PuglView* view) { return *static_cast<Impl*>(puglGetHandle(view)); }
+
+    void ReportSize() {
+        if (callbacks != nullptr && reported != watch->GetSize()) {
+            reported = watch->GetSize();
+            callbacks->reshape(handle, reported.width, reported.height);
+        }
+    }
+
+    InputEvent TakeEvent(int type) {
+        const InputEvent event = watch->Take(type);
+        eventTime = event.time;
+        return event;
+    }
+
+    /// The only place where Pugl lets see its connection and context: they are current here.
+    static void OnFirstReshape(PuglView* view, int, int) {
+        Impl& impl = Of(view);
+        if (impl.watch == nullptr) {
+            impl.display = glXGetCurrentDisplay();
+            impl.context = glXGetCurrentContext();
+            impl.watch = std::make_unique<X11Watch>(
+                impl.display, static_cast<Window>(puglGetNativeWindow(view)), impl.parent);
+        }
+    }
+
+    static void OnDisplay(PuglView* view) {
+        Impl& impl = Of(view);
+        impl.ReportSize();
+        if (impl.callbacks != nullptr) {
+            impl.callbacks->display(impl.handle);
+        }
+    }
+
+    static void OnMotion(PuglView* view, int x, int y) {
+        const Impl& impl = Of(view);
+        if (impl.callbacks != nullptr) {
+            impl.callbacks->motion(impl.handle, x, y);
+        }
+    }
+
+    static void OnMouse(PuglView* view, int button, bool press, int x, int y) {
+        Impl& impl = Of(view);
+        impl.TakeEvent(press ? ButtonPress : ButtonRelease);
+        if (impl.callbacks != nullptr && button <= kButtons) {
+            impl.callbacks->mouse(impl.handle, button, press, x, y);
+        }
+    }
+
+    static void OnScroll(PuglView* view, float dx, float dy) {
+        Impl& impl = Of(view);
+        const InputEvent event = impl.TakeEvent(ButtonPress);
+        if (impl.callbacks != nullptr) {
+            impl.callbacks->scroll(impl.handle, event.x, event.y, dx, dy);
+        }
+    }
+
+    static void OnKeyboard(PuglView* view, bool press, uint32_t character) {
+        Impl& impl = Of(view);
+        impl.TakeEvent(press ? KeyPress : KeyRelease);
+        if (impl.callbacks != nullptr) {
+            impl.callbacks->keyboard(impl.handle, press, character);
+        }
+    }
+
+    static void OnSpecial(PuglView* view, bool press, PuglKey key) {
+        Impl& impl = Of(view);
+        impl.TakeEvent(press ? KeyPress : KeyRelease);
+        if (impl.callbacks != nullptr) {
+            impl.callbacks->special(impl.handle, press, key);
+        }
+    }
+};
+
+PuglWindow::PuglWindow(std::unique_ptr<Impl> newImpl) : impl(std::move(newImpl)) {}
+
+std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* title, int width,
+                                               int height) {
+    if (!CanOpenWindow(parent)) {
+        return nullptr;
+    }
+    auto impl = std::make_unique<Impl>();
+    impl->parent = parent;
+    impl->view = puglCreate(static_cast<PuglNativeWindow>(parent), title, width, height, true);
+    if (impl->view == nullptr) {
+        return nullptr;
+    }
+    PuglView* view = impl->view;
+    std::unique_ptr<PuglWindow> window(new PuglWindow(std::move(impl)));
+    puglSetHandle(view, window->impl.get());
+    puglSetReshapeFunc(view, Impl::OnFirstReshape);
+
+    // Pugl leaves its requests unsent, so until events are processed the window does not exist for
+    // the host. Without a display function nothing of ours is drawn meanwhile.
+    for (int step = 0; step < kWaitSteps && window->impl->watch == nullptr; ++step) {
+        puglProcessEvents(view);
+        std::this_thread::sleep_for(kWaitStep);
+    }
+    if (window->impl->watch == nullptr) {
+        return nullptr;
+    }
+    puglSetDisplayFunc(view, Impl::OnDisplay);
+    puglSetMotionFunc(view, Impl::OnMotion);
+    puglSetMouseFunc(view, Impl::OnMouse);
+    puglSetScrollFunc(view, Impl::OnScroll);
+    puglSetKeyboardFunc(view, Impl::OnKeyboard);
+    puglSetSpecialFunc(view, Impl::OnSpecial);
+    return window;
+}
+
+PuglWindow::~PuglWindow() {
+    // A context that is destroyed while current dangles, and takes the host down some openings on.
+    if (impl->context != nullptr && glXGetCurrentContext() == impl->context) {
+        glXMakeCurrent(impl->display, None, nullptr);
+    }
+    puglDestroy(impl->view);
+}
+
+void PuglWindow::SetCallbacks(const PuglCallbacks* callbacks, void* handle) {
+    impl->callbacks = callbacks;
+    impl->handle = handle;
+    impl->reported = {};
+    impl->ReportSize();
+    PostRedisplay();
+}
+
+uintptr_t PuglWindow::GetNativeWindow() const {
+    return static_cast<uintptr_t>(puglGetNativeWindow(impl->view));
+}
+
+void PuglWindow::ProcessEvents() {
+    impl->watch->ReadAhead();
+    if (impl->watch->IsGone()) {
+        return;
+    }
+    impl->watch->FollowParent();
+    impl->ReportSize();
+    puglProcessEvents(impl->view);
+}
+
+void PuglWindow::PostRedisplay() {
+    puglPostRedisplay(impl->view);
+}
+
+uint32_t PuglWindow::GetEventTime() const {
+    return impl->eventTime;
+}
+
+uint32_t PuglWindow::GetModifiers() const {
+    return static_cast<uint32_t>(puglGetModifiers(impl->view));
+}
+
+}  // namespace brindle

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <X11/Xlib.h>
+
+#include <cstdint>
+#include <deque>
+
+namespace brindle {
+
+/// Width and height in pixels.
+struct WindowSize {
+    int width = 0;
+    int height = 0;
+    bool operator==(const WindowSize&) const = default;
+};
+
+/// A press or release of a button or key, with what Pugl leaves out.
+struct InputEvent {
+    int type = 0;       ///< ButtonPress, ButtonRelease, KeyPress or KeyRelease
+    uint32_t time = 0;  ///< the X server's clock, ms
+    int x = 0;          ///< pixels in the window
+    int y = 0;
+};
+
+/// Listens in on one window's own X connection: every event that the connection reads passes here
+/// first, before who owns the connection takes it from the queue. UI thread.
+class X11Watch {
+  public:
+    /// `window` is the connection's own, `parent` the one that it was put into or 0. From now on
+    /// changes of the parent are reported too, and the loss of either window is no longer an error.
+    X11Watch(Display* display, Window window, Window parent);
+    X11Watch(const X11Watch&) = delete;
+    X11Watch& operator=(const X11Watch&) = delete;
+
+    /// Reads all that the server has sent, without taking anything from the queue.
+    void ReadAhead();
+    /// The oldest input event of a type, forgetting those before it. Where there is none: the last
+    /// one again.
+    InputEvent Take(int type);
+    /// The window has been destroyed, with its parent as a rule.
+    bool IsGone() const { return gone; }
+    WindowSize GetSize() const { return size; }
+    /// Asks for the parent's size where that has changed, unless the host sizes the window itself.
+    void FollowParent();
+
+  private:
+    static Bool OnEvent(Display* display, XEvent* event, void* wire);
+    void Record(const XEvent& event);
+    void RecordOwnSize(WindowSize newSize);
+
+    Display* display;
+    Window window;
+    Window parent;
+    WindowSize size;
+    WindowSize parentSize;
+    bool gone = false;
+    bool parentResized = false;
+    bool hostSizesWindow = false;
+    std::deque<WindowSize> requested;  ///< sizes asked for that have not come yet
+    std::deque<InputEvent> inputs;
+    InputEvent last;
+};
+
+/// Whether Pugl can make a window there: a display with OpenGL, and the parent (0: none needed)
+/// exists. Pugl itself does not survive where this is false.
+bool CanOpenWindow(Window parent);
+
+}  // namespace brindle

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: ISC
+/// A host's side of the screen: the window that an editor is put into, the pointer, and what is to
+/// be seen. Needs an X server without other windows (see with_display).
+#pragma once
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+#include <chrono>
+#include <cstdint>
+#include <stdexcept>
+#include <thread>
+
+namespace brindle {
+
+/// Calls `step` every millisecond until `done` holds; false when two seconds were not enough.
+template <typename Done, typename Step>
+bool WaitFor(Done done, Step step) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    while (!done()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        step();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+class HostWindow {
+  public:
+    explicit HostWindow(int width = 1000, int height = 600) : display(XOpenDisplay(nullptr)) {
+        if (display == nullptr) {
+            throw std::runtime_error("no display");
+        }
+        XSetWindowAttributes attributes{};
+        attributes.override_redirect = True;
+        id = XCreateWindow(display, DefaultRootWindow(display), kLeft, kTop,
+                           static_cast<unsigned>(width), static_cast<unsigned>(height), 0,
+                           CopyFromParent, InputOutput, nullptr, CWOverrideRedirect, &attributes);
+        XMapRaised(display, id);
+        MovePointer(-10, -10);
+    }
+    HostWindow(const HostWindow&) = delete;
+    HostWindow& operator=(const HostWindow&) = delete;
+    ~HostWindow() { XCloseDisplay(display); }
+
+    uintptr_t GetId() const { return id; }
+
+    void Resize(int width, int height) { ResizeWindow(id, width, height); }
+    /// As a host does that sizes its editors itself.
+    void ResizeWindow(Window window, int width, int height) {
+        XResizeWindow(display, window, static_cast<unsigned>(width), static_cast<unsigned>(height));
+        Sync();
+    }
+    void Destroy() {
+        XDestroyWindow(display, id);
+        Sync();
+    }
+    void Sync() { XSync(display, False); }
+
+    // The pointer, in pixels from the window's top left corner.
+    void MovePointer(int x, int y) {
+        XTestFakeMotionEvent(display, -1, kLeft + x, kTop + y, CurrentTime);
+        Sync();
+    }
+    void Press(unsigned button = 1) { Button(button, True); }
+    void Release(unsigned button = 1) { Button(button, False); }
+    void Click(unsigned button = 1) {
+        Press(button);
+        Release(button);
+    }
+    void Key(KeySym symbol, bool press) {
+        XTestFakeKeyEvent(display, XKeysymToKeycode(display, symbol), press ? True : False,
+                          CurrentTime);
+        Sync();
+    }
+    /// A press of button 1 that carries the given time, in ms, sent straight to a window.
+    void SendPress(uintptr_t window, int x, int y, uint32_t time) {
+        XEvent event{};
+        event.xbutton.type = ButtonPress;
+        event.xbutton.window = window;
+        event.xbutton.root = DefaultRootWindow(display);
+        event.xbutton.time = time;
+        event.xbutton.x = x;
+        event.xbutton.y = y;
+        event.xbutton.button = Button1;
+        event.xbutton.same_screen = True;
+        XSendEvent(display, window, False, ButtonPressMask, &event);
+        Sync();
+    }
+
+    /// 0xRRGGBB at a pixel of a window.
+    uint32_t GetPixel(uintptr_t window, int x, int y) {
+        XImage* image = XGetImage(display, window, x, y, 1, 1, AllPlanes, ZPixmap);
+        const auto pixel = static_cast<uint32_t>(XGetPixel(image, 0, 0));
+        XDestroyImage(image);
+        return pixel & 0xffffffu;
+    }
+    bool HasSize(uintptr_t window, int width, int height) {
+        XWindowAttributes attributes{};
+        XGetWindowAttributes(display, window, &attributes);
+        return attributes.width == width && attributes.height == height;
+    }
+    bool IsShown(uintptr_t window) {
+        XWindowAttributes attributes{};
+        return XGetWindowAttributes(display, window, &attributes) != 0 &&
+               attributes.map_state == IsViewable;
+    }
+
+  private:
+    static constexpr int kLeft = 60;  // on the screen; leaves room for the pointer outside
+    static constexpr int kTop = 40;
+
+    void Button(unsigned button, Bool press) {
+        XTestFakeButtonEvent(display, button, press, CurrentTime);
+        Sync();
+    }
+
+    Display* display;
+    Window id = 0;
+};
+
+}  // namespace brindle
