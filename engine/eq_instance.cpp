@@ -49,11 +49,13 @@ EqInstance* create_instance(double rate, LV2_URID_Map* map) {
     if (!eq) return nullptr;
     eq->map = map;
     lv2_atom_forge_init(&eq->forge, map);
+    map_uris(eq->uris, map);
     // fmax takes the number where the other is none.
     const double held =
         std::min(std::fmax(rate, 1.0), static_cast<double>(std::numeric_limits<int32_t>::max()));
     set_rate(*eq, held);
     set_start_values(*eq);
+    init_analyser(eq->analyser, held);
     init_stages(*eq, held);
     return eq;
 }

@@ -10,6 +10,8 @@
 #include <array>
 #include <cstdint>
 
+#include "engine/analyser.h"
+#include "engine/eq_uris.h"
 #include "engine/filter_stage.h"
 #include "engine/sections.h"
 #include "lv2/brindle.h"
@@ -20,6 +22,7 @@ namespace brindle {
 /// features are borrowed. Only the audio thread touches it between creation and destruction.
 struct EqInstance {
     LV2_URID_Map* map;
+    EqUris uris;
     LV2_Atom_Forge forge;
     LV2_Atom_Sequence* notify_port;
     const LV2_Atom_Sequence* control_port;
@@ -43,6 +46,7 @@ struct EqInstance {
     std::array<SectionStages, kSectionCount> sections;
     std::array<bool, kBandCount> band_on;
     std::array<FilterStage, kBandCount> bands;
+    SpectrumAnalyser analyser;
     std::array<float, kMeterInPort> controls;  ///< last valid value of each control port
 };
 

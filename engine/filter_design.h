@@ -41,7 +41,7 @@ Coefficients design_high_pass12(const Prototype& p) noexcept;
 Coefficients design_bell(const Prototype& p) noexcept;
 Coefficients design_search(const Prototype& p) noexcept;
 
-/// Shelves by bilinear transform of (s²/wz² + k·s/wz + 1) / (s²/wp² + k·s/wp + 1), one prewarped
+/// Shelves by bilinear transform of (s² + k·wz·s + wz²) / (s² + k·wp·s + wp²), one prewarped
 /// tangent for the poles and one for the zeros (R. Bristow-Johnson, "Audio EQ Cookbook", for the
 /// transform). They reach 10^(gain/20) at DC (low) or Nyquist (high) and unity at the other end.
 Coefficients design_lo_shelf(const Prototype& p) noexcept;

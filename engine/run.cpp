@@ -9,6 +9,7 @@
 #include "engine/cascade.h"
 #include "engine/controls.h"
 #include "engine/eq_instance.h"
+#include "engine/messages.h"
 
 namespace brindle {
 namespace {
@@ -131,9 +132,12 @@ bool audio_connected(const EqInstance& eq) {
 
 template <size_t kChannels>
 void run(EqInstance& eq, uint32_t n) {
+    eq.ui_active = read_requests(eq.control_port, eq.uris, eq.ui_active);
     read_controls(eq);
     if (!audio_connected<kChannels>(eq)) return;
+    if (eq.ui_active) analyse(eq.analyser, eq.ports[in_port(0)], n);
 
+    bool meter_tick = false;
     for (size_t done = 0; done < n;) {
         const uint32_t since_tick = eq.sample_counter & eq.control_mask;
         if (since_tick == 0) {
@@ -141,8 +145,11 @@ void run(EqInstance& eq, uint32_t n) {
             control_tick(eq);
         }
         const size_t segment = std::min<size_t>(n - done, eq.control_mask + 1 - since_tick);
-        process_segment<kChannels>(eq, done, segment);
+        meter_tick |= process_segment<kChannels>(eq, done, segment);
         done += segment;
+    }
+    if (meter_tick) {
+        write_notify(eq.forge, eq.notify_port, eq.uris, eq.ui_active, eq.sample_rate, eq.analyser);
     }
 }
 
