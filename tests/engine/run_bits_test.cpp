@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: ISC
+// The loaded plugin against the plain engine, to the bit, over seeded random sessions.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "lv2/brindle.h"
+#include "tests/engine/reference_engine.h"
+#include "tests/support/plugin_host.h"
+
+namespace brindle::test {
+namespace {
+
+/// A host session: both engines get the same controls and the same audio.
+class Session {
+  public:
+    Session(int channels, double rate, uint32_t seed)
+        : random_(seed), product_(channels, rate), plain_(channels, rate) {
+        for (uint32_t number = 2; number <= kTrimPort; ++number) set(number, any_value(number));
+    }
+
+    /// Turns some of the controls, often none.
+    void turn_controls() {
+        const uint32_t count = below(2) == 0 ? 0 : below(12);
+        for (uint32_t i = 0; i < count; ++i) {
+            const uint32_t number = 2 + below(kTrimPort - 1);
+            set(number, any_value(number));
+        }
+    }
+
+    /// One block of `n` samples; false where the outputs or meters differ.
+    ::testing::AssertionResult run(uint32_t n) {
+        const auto channels = static_cast<size_t>(product_.channels());
+        Audio in(channels, std::vector<float>(n));
+        const float peak = below(8) == 0 ? 0.0f : 1.0f;
+        std::uniform_real_distribution<float> level(-peak, peak);
+        for (auto& channel : in) {
+            std::generate(channel.begin(), channel.end(), [&] { return level(random_); });
+        }
+        Audio expected(channels, std::vector<float>(n));
+        plain_.run(in, expected, static_cast<int>(n));
+        run_product(in, n);
+        return compare(expected, n);
+    }
+
+    uint32_t below(uint32_t bound) {
+        return std::uniform_int_distribution<uint32_t>(0, bound - 1)(random_);
+    }
+
+  private:
+    void set(uint32_t number, float value) {
+        product_.port(number) = value;
+        plain_.port[number] = value;
+    }
+
+    // Within the port's range, as hosts send it: ends of the range and fractions included.
+    float any_value(uint32_t number) {
+        const bool section = number >= section_port(0);
+        const float share = below(10) == 0 ? static_cast<float>(below(2))
+                                           : static_cast<float>(below(10000)) / 9999.0f;
+        if (number == kTrimPort) return -20.0f + 40.0f * share;
+        switch ((number - 2) % kControlCount) {
+            case kEnable:
+                return below(3) == 0 ? 0.0f : 1.0f;
+            case kType:
+                return static_cast<float>(below(section ? 19 : 14)) +
+                       (below(4) == 0 ? 0.95f : 0.0f);
+            case kGain:
+                return below(6) == 0 ? 0.0f : -18.0f + 36.0f * share;
+            case kFrequency:
+                return 20.0f * std::pow(top_frequency(section) / 20.0f, share);
+            default:
+                return 0.1f * std::pow(1000.0f, share);
+        }
+    }
+
+    // Of the port's range what stays below Nyquist, a section's steep low-pass included.
+    float top_frequency(bool section) const {
+        const auto rate = static_cast<float>(product_.rate());
+        return section ? std::min(15000.0f, 0.3f * rate) : std::min(20000.0f, 0.47f * rate);
+    }
+
+    // Buffers as hosts lay them: of their own, in place, or in place and crossed.
+    void run_product(const Audio& in, uint32_t n) {
+        const size_t channels = in.size();
+        buffers_ = in;
+        buffers_.resize(2 * channels, std::vector<float>(n, 7.0f));
+        for (auto& buffer : buffers_) buffer.resize(n + 1, 7.0f);  // with a sentinel
+        const uint32_t layout = below(3);
+        outputs_.clear();
+        for (size_t c = 0; c < channels; ++c) {
+            const size_t out = layout == 0 ? channels + c : layout == 1 ? c : channels - 1 - c;
+            outputs_.push_back(buffers_[out].data());
+            const auto number = kFirstAudioPort + 2 * static_cast<uint32_t>(c);
+            product_.connect(number, buffers_[c].data());
+            product_.connect(number + 1, buffers_[out].data());
+        }
+        product_.run(n);
+    }
+
+    ::testing::AssertionResult compare(const Audio& expected, uint32_t n) {
+        for (size_t c = 0; c < expected.size(); ++c) {
+            for (uint32_t i = 0; i < n; ++i) {
+                if (!std::isfinite(expected[c][i])) {
+                    return ::testing::AssertionFailure() << "the plain engine left the numbers";
+                }
+                if (std::memcmp(&expected[c][i], outputs_[c] + i, sizeof(float)) == 0) continue;
+                return ::testing::AssertionFailure() << "channel " << c << " sample " << i << ": "
+                                                     << outputs_[c][i] << " for " << expected[c][i];
+            }
+            if (outputs_[c][n] != 7.0f) {
+                return ::testing::AssertionFailure() << "wrote beyond the block";
+            }
+        }
+        for (uint32_t number : {kMeterInPort, kMeterOutPort}) {
+            if (product_.port(number) == plain_.port[number]) continue;
+            return ::testing::AssertionFailure()
+                   << "meter " << number << ": " << product_.port(number) << " for "
+                   << plain_.port[number];
+        }
+        return ::testing::AssertionSuccess();
+    }
+
+    std::mt19937 random_;
+    PluginHost product_;
+    reference::Engine plain_;
+    Audio buffers_;
+    std::vector<float*> outputs_;
+};
+
+class RunBits : public testing::TestWithParam<double> {};
+
+TEST_P(RunBits, AreThoseOfThePlainEngine) {
+    constexpr uint32_t kLengths[] = {0, 1, 2, 63, 64, 65, 128, 256, 1000, 1024, 4096, 8192};
+    for (uint32_t seed = 0; seed < 12; ++seed) {
+        SCOPED_TRACE(seed);
+        Session session(seed % 2 == 0 ? 2 : 1, GetParam(), seed);
+        for (int block = 0; block < 60; ++block) {
+            session.turn_controls();
+            const uint32_t n = session.below(2) == 0 ? kLengths[session.below(std::size(kLengths))]
+                                                     : session.below(300);
+            ASSERT_TRUE(session.run(n)) << "block " << block << " of " << n << " samples";
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, RunBits,
+                         testing::Values(32000.0, 44100.0, 48000.0, 60000.5, 60001.0, 88200.0,
+                                         96000.0, 192000.0));
+
+}  // namespace
+}  // namespace brindle::test

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: ISC
+/// The built plugin, loaded and driven as a host does: through its library's entry point alone.
+#pragma once
+
+#include <lv2/atom/atom.h>
+#include <lv2/core/lv2.h>
+#include <lv2/urid/urid.h>
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace brindle::test {
+
+/// One vector of samples for each channel.
+using Audio = std::vector<std::vector<float>>;
+
+/// The plugin's library, loaded on first use; null when `index` has no descriptor.
+const LV2_Descriptor* descriptor(uint32_t index);
+
+/// A host's URID map that remembers what was asked for and in which order.
+class UridMap {
+  public:
+    UridMap();
+    UridMap(const UridMap&) = delete;
+    UridMap& operator=(const UridMap&) = delete;
+
+    LV2_URID operator()(const std::string& uri);
+    const LV2_Feature* feature() const { return &feature_; }
+    const std::vector<std::string>& order() const { return order_; }
+
+  private:
+    std::map<std::string, LV2_URID> ids_;
+    std::vector<std::string> order_;
+    LV2_URID_Map map_;
+    LV2_Feature feature_;
+};
+
+/// An instance with all ports connected. Controls start at 0, so that everything is off.
+class PluginHost {
+  public:
+    /// `channels` 1 or 2; `rate` in Hz.
+    PluginHost(int channels, double rate);
+    ~PluginHost();
+    PluginHost(const PluginHost&) = delete;
+    PluginHost& operator=(const PluginHost&) = delete;
+
+    /// Value of a control port, 2 to 54.
+    float& port(uint32_t number) { return ports_[number]; }
+    void set_band(int band, int type, float gain_db, float freq_hz, float q);
+    void set_section(int section, int type, float gain_db, float freq_hz, float q);
+
+    /// Processes all of `in`, blocks of `block` samples, through buffers of the host's own.
+    Audio process(const Audio& in, uint32_t block = 1024);
+    /// Runs silence until all glides have ended.
+    void settle();
+    /// Response to an impulse of `n` samples, on the first channel, after the glides have ended.
+    std::vector<double> impulse_response(size_t n);
+
+    /// The raw calls, for hosts that misbehave.
+    void connect(uint32_t number, void* data) { descriptor_->connect_port(handle_, number, data); }
+    void run(uint32_t n) { descriptor_->run(handle_, n); }
+    int channels() const { return channels_; }
+    double rate() const { return rate_; }
+    UridMap& map() { return map_; }
+
+    /// The buffers of ports 0 and 1; the host states `notify_capacity` before each processed block.
+    alignas(8) std::array<uint8_t, 8192> control{};
+    alignas(8) std::array<uint8_t, 8192> notify{};
+    uint32_t notify_capacity = 8192 - 8;
+
+  private:
+    void prepare_sequences();
+
+    int channels_;
+    double rate_;
+    UridMap map_;
+    std::array<float, 55> ports_{};
+    const LV2_Descriptor* descriptor_;
+    LV2_Handle handle_;
+};
+
+/// Gain in dB of an impulse response at `hz`.
+double gain_db(const std::vector<double>& response, double hz, double rate);
+
+}  // namespace brindle::test
