@@ -28,23 +28,27 @@ HWY_INLINE V low_pass(V x, V b0, V a1, V a2, V& s1, V& s2) {
     return y;
 }
 
-/// A vector of bins from the `first` on over all samples, with their state in registers.
-HWY_INLINE void advance_tile(AnalyserBins& bins, size_t first, const double* v, size_t count) {
-    const D d;
-    const V step_cos = hn::Load(d, &bins.step_cos[first]);
-    const V step_sin = hn::Load(d, &bins.step_sin[first]);
-    const V b0 = hn::Load(d, &bins.b0[first]);
-    const V a1 = hn::Load(d, &bins.a1[first]);
-    const V a2 = hn::Load(d, &bins.a2[first]);
-    V re = hn::Load(d, &bins.re[first]);
-    V im = hn::Load(d, &bins.im[first]);
-    V re_s1 = hn::Load(d, &bins.re_s1[first]);
-    V re_s2 = hn::Load(d, &bins.re_s2[first]);
-    V im_s1 = hn::Load(d, &bins.im_s1[first]);
-    V im_s2 = hn::Load(d, &bins.im_s2[first]);
-    V power = hn::Load(d, &bins.power[first]);
-    for (size_t i = 0; i < count; ++i) {
-        const V x = hn::Set(d, v[i]);
+/// One vector of bins, from the `first` on, with all of their recursion in registers.
+struct Tile {
+    V step_cos, step_sin, re, im;
+    V b0, a1, a2, re_s1, re_s2, im_s1, im_s2;
+    V power;
+
+    HWY_INLINE Tile(const AnalyserBins& bins, size_t first)
+        : step_cos(hn::Load(D(), &bins.step_cos[first])),
+          step_sin(hn::Load(D(), &bins.step_sin[first])),
+          re(hn::Load(D(), &bins.re[first])),
+          im(hn::Load(D(), &bins.im[first])),
+          b0(hn::Load(D(), &bins.b0[first])),
+          a1(hn::Load(D(), &bins.a1[first])),
+          a2(hn::Load(D(), &bins.a2[first])),
+          re_s1(hn::Load(D(), &bins.re_s1[first])),
+          re_s2(hn::Load(D(), &bins.re_s2[first])),
+          im_s1(hn::Load(D(), &bins.im_s1[first])),
+          im_s2(hn::Load(D(), &bins.im_s2[first])),
+          power(hn::Load(D(), &bins.power[first])) {}
+
+    HWY_INLINE void advance(V x) {
         const V turned = hn::Sub(hn::Mul(re, step_cos), hn::Mul(im, step_sin));
         im = hn::Add(hn::Mul(re, step_sin), hn::Mul(im, step_cos));
         re = turned;
@@ -52,19 +56,31 @@ HWY_INLINE void advance_tile(AnalyserBins& bins, size_t first, const double* v, 
         const V y_im = low_pass(hn::Mul(x, im), b0, a1, a2, im_s1, im_s2);
         power = hn::Add(power, hn::Add(hn::Mul(y_re, y_re), hn::Mul(y_im, y_im)));
     }
-    hn::Store(re, d, &bins.re[first]);
-    hn::Store(im, d, &bins.im[first]);
-    hn::Store(re_s1, d, &bins.re_s1[first]);
-    hn::Store(re_s2, d, &bins.re_s2[first]);
-    hn::Store(im_s1, d, &bins.im_s1[first]);
-    hn::Store(im_s2, d, &bins.im_s2[first]);
-    hn::Store(power, d, &bins.power[first]);
-}
 
+    HWY_INLINE void store(AnalyserBins& bins, size_t first) const {
+        hn::Store(re, D(), &bins.re[first]);
+        hn::Store(im, D(), &bins.im[first]);
+        hn::Store(re_s1, D(), &bins.re_s1[first]);
+        hn::Store(re_s2, D(), &bins.re_s2[first]);
+        hn::Store(im_s1, D(), &bins.im_s1[first]);
+        hn::Store(im_s2, D(), &bins.im_s2[first]);
+        hn::Store(power, D(), &bins.power[first]);
+    }
+};
+
+/// Two tiles at a time: each waits on its own recursion, so that one fills the other's pauses.
 void advance_bins(AnalyserBins& bins, const double* v, size_t count) noexcept {
     const size_t lanes = hn::Lanes(D());
-    for (size_t first = 0; first < kPlotBins; first += lanes) {
-        advance_tile(bins, first, v, count);
+    for (size_t first = 0; first < kPlotBins; first += 2 * lanes) {
+        Tile low(bins, first);
+        Tile high(bins, first + lanes);
+        for (size_t i = 0; i < count; ++i) {
+            const V x = hn::Set(D(), v[i]);
+            low.advance(x);
+            high.advance(x);
+        }
+        low.store(bins, first);
+        high.store(bins, first + lanes);
     }
 }
 
