@@ -15,6 +15,7 @@ constexpr double kFirstBinHz = 20.0;
 constexpr double kBinsPerOctave = 24.0;
 /// Cutoff of a bin's low-pass, as a share of the distance to the next bin.
 constexpr double kCutoffShare = 0.707;
+constexpr double kMaxCutoffShareOfRate = 0.49;
 /// The square root of two as it stands in the low-pass, in single precision.
 constexpr double kSqrt2 = 1.4142135381698608;
 constexpr double kNoiseScale = 4.6566e-22;
@@ -27,9 +28,11 @@ double bin_hz(size_t bin) {
     return kFirstBinHz * std::exp2(static_cast<double>(bin) / kBinsPerOctave);
 }
 
-/// Second-order Butterworth low-pass by the bilinear transform with prewarped cutoff.
+/// Second-order Butterworth low-pass by the bilinear transform with prewarped cutoff, which is
+/// held below half the rate, beyond which the filter would be unstable.
 void design_low_pass(AnalyserBins& bins, size_t bin, double dt) {
-    const double cutoff_hz = kCutoffShare * (bin_hz(bin + 1) - bin_hz(bin));
+    const double cutoff_hz =
+        std::min(kCutoffShare * (bin_hz(bin + 1) - bin_hz(bin)), kMaxCutoffShareOfRate / dt);
     const double t =
         std::tan(static_cast<double>(static_cast<float>(cutoff_hz)) * std::numbers::pi * dt);
     const double n = 1.0 / (t * t + kSqrt2 * t + 1.0);
