@@ -11,3 +11,7 @@ find_package(OpenGL REQUIRED COMPONENTS OpenGL EGL)
 pkg_check_modules(PUGL REQUIRED IMPORTED_TARGET pugl-0)
 pkg_check_modules(X11 REQUIRED IMPORTED_TARGET x11)
 pkg_check_modules(XTST REQUIRED IMPORTED_TARGET xtst)
+pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
+pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
+find_file(BRINDLE_FONT LiberationSans-Regular.ttf PATHS /usr/share/fonts
+          PATH_SUFFIXES truetype/liberation truetype/liberation2 REQUIRED)

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: ISC
+/// The pictures of the built bundle, read as the editor reads them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "gl/bitmap.h"
+#include "gl/glyph_table.h"
+
+namespace brindle {
+namespace {
+
+struct Ink {
+    int left = 10000;
+    int right = -1;
+    int bottom = 10000;
+    int top = -1;
+};
+
+uint8_t AlphaAt(const Bitmap& image, int x, int y) {
+    return image.pixels.at(
+        (static_cast<size_t>(y) * static_cast<size_t>(image.width) + static_cast<size_t>(x)) * 4 +
+        3);
+}
+
+/// The rectangle of all that is more than faint, in pixels.
+Ink FindInk(const Bitmap& image) {
+    Ink ink;
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            if (AlphaAt(image, x, y) >= 64) {
+                ink = {std::min(ink.left, x), std::max(ink.right, x + 1), std::min(ink.bottom, y),
+                       std::max(ink.top, y + 1)};
+            }
+        }
+    }
+    return ink;
+}
+
+Bitmap LoadPicture(const std::string& name) {
+    Bitmap image;
+    EXPECT_TRUE(LoadBitmap((std::string(BRINDLE_BUNDLE "/res/") + name).c_str(), image)) << name;
+    return image;
+}
+
+TEST(Pictures, GlyphsStandInTheirAdvances) {
+    for (int character = kFirstGlyph; character < kFirstGlyph + static_cast<int>(kGlyphCount);
+         ++character) {
+        SCOPED_TRACE(character);
+        const Bitmap glyph = LoadPicture("chars/char_" + std::to_string(character));
+        ASSERT_GT(glyph.width, 0);
+        EXPECT_EQ(glyph.width, glyph.height);
+        const Ink ink = FindInk(glyph);
+        if (character == ' ') {
+            EXPECT_EQ(ink.right, -1);
+            continue;
+        }
+        // Ink stays within the advance; underscores meet.
+        const float advance = kGlyphAdvances[static_cast<size_t>(character - kFirstGlyph)] *
+                              static_cast<float>(glyph.width) / 2.0f;
+        EXPECT_LE(static_cast<float>(ink.right - ink.left), advance + 3.0f);
+        EXPECT_GT(ink.left, 0);
+        EXPECT_GT(ink.bottom, 0);
+        EXPECT_LT(ink.right, glyph.width);
+        EXPECT_LT(ink.top, glyph.height);
+    }
+}
+
+TEST(Pictures, SymmetricCharactersAreCentred) {
+    for (const char character : {'0', '8', 'A', 'H', 'I', 'O', 'T', 'o', 'v', '|', '+', '\x7f'}) {
+        SCOPED_TRACE(character);
+        const Bitmap glyph = LoadPicture("chars/char_" + std::to_string(int{character}));
+        const Ink ink = FindInk(glyph);
+        EXPECT_NEAR(ink.left + ink.right, glyph.width, 1.0);
+        if (std::isupper(character) != 0) {
+            EXPECT_NEAR(ink.bottom + ink.top, glyph.height, 2.0);
+        }
+    }
+}
+
+TEST(Pictures, NothingIsDarkWhereItIsTransparent) {
+    for (const char* name : {"images/img_150.bmp", "images/img_160.bmp", "images/img_318.bmp",
+                             "images/img_102.bmp", "chars/char_65"}) {
+        const Bitmap image = LoadPicture(name);
+        for (size_t i = 0; i < image.pixels.size(); i += 4) {
+            ASSERT_EQ(image.pixels[i], 255) << name;
+        }
+    }
+}
+
+TEST(Pictures, ChainsHalveAndKeepTheirArea) {
+    const double disc = 3.14159265 / 4.0;  // of the square
+    struct Chain {
+        int first;
+        int levels;
+        double covered;
+    };
+    for (const Chain& chain :
+         {Chain{150, 6, disc}, Chain{160, 6, disc * 0.9385}, Chain{250, 4, disc * 0.9385},
+          Chain{318, 4, disc * (1.0 - 0.5625)}}) {
+        int32_t width = 0;
+        for (int level = 0; level < chain.levels; ++level) {
+            const std::string number = std::to_string(chain.first + level);
+            SCOPED_TRACE(number);
+            const Bitmap image = LoadPicture("images/img_" + number + ".bmp");
+            if (level > 0) {
+                EXPECT_EQ(image.width * 2, width);
+            }
+            width = image.width;
+            double covered = 0.0;
+            for (size_t i = 3; i < image.pixels.size(); i += 4) {
+                covered += image.pixels[i] / 255.0;
+            }
+            EXPECT_NEAR(covered / (double{1.0} * width * width), chain.covered, 0.003);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace brindle

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: ISC
+#include "tools/glyph_outlines.h"
+
+#include <ft2build.h>
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+#include "gl/glyph_table.h"
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+
+namespace brindle {
+namespace {
+
+constexpr long kSubpixels = 64;  ///< of FreeType's coordinates
+
+/// How far a character is widened or narrowed to the table's advance, which is the font's own for
+/// digits only; the rest of the difference becomes space on both sides.
+constexpr double kMaxStretch = 0.1;
+
+/// Weight added to all strokes, in text units: light text on dark ground looks thin when small.
+constexpr double kExtraWeight = 0.03;
+
+void Check(FT_Error error, const std::string& what) {
+    if (error != 0) {
+        throw std::runtime_error(what);
+    }
+}
+
+}  // namespace
+
+GlyphOutlines::GlyphOutlines(const std::string& font_path) {
+    Check(FT_Init_FreeType(&library_), "FreeType does not start");
+    Check(FT_New_Face(library_, font_path.c_str(), 0, &face_), "cannot read font " + font_path);
+    const double em_pixels = kEmSize * kGlyphSize / 2.0;
+    Check(FT_Set_Char_Size(face_, 0, std::lround(em_pixels * kSubpixels), 72, 72),
+          "the font cannot be scaled");
+    Load('H');
+    FT_BBox capital;
+    FT_Outline_Get_CBox(&face_->glyph->outline, &capital);
+    baseline_ = (kGlyphSize * kSubpixels - capital.yMax) / 2;
+}
+
+GlyphOutlines::~GlyphOutlines() {
+    FT_Done_Face(face_);
+    FT_Done_FreeType(library_);
+}
+
+void GlyphOutlines::Load(int character) {
+    // Hinting would move stems to whole pixels of the picture, which are not those of the screen.
+    Check(FT_Load_Char(face_, static_cast<FT_ULong>(character), FT_LOAD_NO_HINTING),
+          "the font lacks character " + std::to_string(character));
+}
+
+Raster GlyphOutlines::Draw(int character) {
+    Load(character);
+    FT_GlyphSlot slot = face_->glyph;
+    const double advance = static_cast<double>(slot->linearHoriAdvance) / 65536.0;  // pixels
+    const double wanted =
+        kGlyphAdvances[static_cast<size_t>(character - kFirstGlyph)] * kGlyphSize / 2.0;
+    const double stretch = std::clamp(wanted / advance, 1.0 - kMaxStretch, 1.0 + kMaxStretch);
+    const FT_Matrix widen = {std::lround(stretch * 65536.0), 0, 0, 65536};
+    FT_Outline_Transform(&slot->outline, &widen);
+    // Added weight grows an outline to the right and upwards.
+    const long weight = std::lround(kExtraWeight * kGlyphSize / 2.0 * kSubpixels);
+    FT_Outline_Embolden(&slot->outline, weight);
+    const long left = std::lround((kGlyphSize - advance * stretch) / 2.0 * kSubpixels);
+    FT_Outline_Translate(&slot->outline, left - weight / 2, baseline_ - weight / 2);
+    FT_BBox ink;
+    FT_Outline_Get_CBox(&slot->outline, &ink);
+    if (ink.xMin < 0 || ink.yMin < 0 || ink.xMax > kGlyphSize * kSubpixels ||
+        ink.yMax > kGlyphSize * kSubpixels) {
+        throw std::runtime_error("character " + std::to_string(character) +
+                                 " reaches over its picture");
+    }
+    std::vector<unsigned char> coverage(size_t{kGlyphSize} * kGlyphSize);
+    FT_Bitmap bitmap{};
+    bitmap.rows = kGlyphSize;
+    bitmap.width = kGlyphSize;
+    bitmap.pitch = kGlyphSize;
+    bitmap.buffer = coverage.data();
+    bitmap.num_grays = 256;
+    bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
+    Check(FT_Outline_Get_Bitmap(library_, &slot->outline, &bitmap), "an outline cannot be drawn");
+    Raster raster{kGlyphSize, {}};
+    for (int row = kGlyphSize - 1; row >= 0; --row) {
+        for (int column = 0; column < kGlyphSize; ++column) {
+            raster.texels.push_back(
+                {255,
+                 coverage[static_cast<size_t>(row) * kGlyphSize + static_cast<size_t>(column)]});
+        }
+    }
+    return raster;
+}
+
+}  // namespace brindle
