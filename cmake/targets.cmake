@@ -68,6 +68,6 @@ function(brindle_fuzzer target)
                 ${PROJECT_SOURCE_DIR} ${arg_SOURCES} ${arg_FLAGS} -o ${program}
         DEPENDS ${arg_SOURCES} ${headers}
         VERBATIM)
-    add_custom_target(${target} ALL DEPENDS ${program})
+    add_custom_target(${target}_program ALL DEPENDS ${program})
     add_test(NAME ${target} COMMAND ${program} -runs=${arg_RUNS} -seed=1 -verbosity=0)
 endfunction()
