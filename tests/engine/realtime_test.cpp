@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: ISC
+// What run does on the audio thread beside computing: nothing. This program's own allocation and
+// locking functions take the place of the C library's and count their calls while a guard is up; a
+// child process whose system calls are forbidden shows that none is made.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <linux/audit.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <lv2/atom/util.h>
+#include <pthread.h>
+#include <semaphore.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <mutex>
+#include <random>
+#include <vector>
+
+#include "lv2/brindle.h"
+#include "tests/support/plugin_host.h"
+
+namespace {
+
+bool guarded = false;
+int forbidden_calls = 0;
+
+void note_call() {
+    if (guarded) ++forbidden_calls;
+}
+
+template <typename Function>
+Function* next(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+extern "C" {
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+void* __libc_memalign(size_t alignment, size_t size);
+void __libc_free(void* block);
+
+void* malloc(size_t size) {
+    note_call();
+    return __libc_malloc(size);
+}
+void* calloc(size_t count, size_t size) {
+    note_call();
+    return __libc_calloc(count, size);
+}
+void* realloc(void* block, size_t size) {
+    note_call();
+    return __libc_realloc(block, size);
+}
+void* aligned_alloc(size_t alignment, size_t size) {
+    note_call();
+    return __libc_memalign(alignment, size);
+}
+void* memalign(size_t alignment, size_t size) {
+    note_call();
+    return __libc_memalign(alignment, size);
+}
+int posix_memalign(void** block, size_t alignment, size_t size) {
+    note_call();
+    *block = __libc_memalign(alignment, size);
+    return *block ? 0 : ENOMEM;
+}
+void free(void* block) {
+    note_call();
+    __libc_free(block);
+}
+int pthread_mutex_lock(pthread_mutex_t* mutex) {
+    static auto* const real = next<int(pthread_mutex_t*)>("pthread_mutex_lock");
+    note_call();
+    return real(mutex);
+}
+int pthread_mutex_trylock(pthread_mutex_t* mutex) {
+    static auto* const real = next<int(pthread_mutex_t*)>("pthread_mutex_trylock");
+    note_call();
+    return real(mutex);
+}
+int pthread_rwlock_rdlock(pthread_rwlock_t* lock) {
+    static auto* const real = next<int(pthread_rwlock_t*)>("pthread_rwlock_rdlock");
+    note_call();
+    return real(lock);
+}
+int pthread_rwlock_wrlock(pthread_rwlock_t* lock) {
+    static auto* const real = next<int(pthread_rwlock_t*)>("pthread_rwlock_wrlock");
+    note_call();
+    return real(lock);
+}
+int sem_wait(sem_t* semaphore) {
+    static auto* const real = next<int(sem_t*)>("sem_wait");
+    note_call();
+    return real(semaphore);
+}
+}
+
+namespace brindle::test {
+namespace {
+
+enum Verdict { kQuiet = 0, kCalledForbidden = 1, kCouldNotGuard = 2, kMadeSystemCall = 3 };
+
+// From here on any system call but the one that ends the process kills it.
+bool forbid_system_calls() {
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_exit_group, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_KILL_PROCESS),
+    };
+    const sock_fprog filter = {std::size(program), program};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
+// Runs `work` in a child under guard and tells what it did.
+int verdict_on(const std::function<void()>& work) {
+    const pid_t child = fork();
+    if (child == 0) {
+        if (!forbid_system_calls()) _exit(kCouldNotGuard);
+        guarded = true;
+        work();
+        guarded = false;
+        _exit(forbidden_calls == 0 ? kQuiet : kCalledForbidden);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (WIFSIGNALED(status)) return WTERMSIG(status) == SIGSYS ? kMadeSystemCall : -1;
+    return WEXITSTATUS(status);
+}
+
+TEST(Guard, NoticesWhatItForbids) {
+    std::mutex mutex;
+    EXPECT_EQ(verdict_on([] {}), kQuiet);
+    EXPECT_EQ(verdict_on([] {
+                  int* volatile number = new int;
+                  delete number;
+              }),
+              kCalledForbidden);
+    EXPECT_EQ(verdict_on([] { std::vector<float> v(100); }), kCalledForbidden);
+    EXPECT_EQ(verdict_on([&mutex] { std::lock_guard lock(mutex); }), kCalledForbidden);
+    EXPECT_EQ(verdict_on([] { getppid(); }), kMadeSystemCall);
+    EXPECT_EQ(verdict_on([] { std::fputs("x\n", stderr); }), kMadeSystemCall);
+}
+
+// Puts a request of the editor on the control port.
+void request(PluginHost& host, const char* type) {
+    struct {
+        LV2_Atom_Sequence head;
+        LV2_Atom_Event event;
+        LV2_Atom_Object_Body body;
+    } message{};
+    message.head.atom = {sizeof message - sizeof(LV2_Atom), host.map()(LV2_ATOM__Sequence)};
+    message.event.body = {sizeof message.body, host.map()(LV2_ATOM__Object)};
+    message.body.otype = host.map()(type);
+    std::memcpy(host.control.data(), &message, sizeof message);
+}
+
+class RealTime : public testing::TestWithParam<int> {};
+
+// Both with the analyser at work; all buffers are the host's, and so are the random numbers.
+TEST_P(RealTime, RunAllocatesLocksAndCallsNothing) {
+    constexpr uint32_t kBlock = 700;
+    PluginHost host(GetParam(), 48000.0);
+    std::mt19937 random(23);
+    std::uniform_real_distribution<float> level(-1.0f, 1.0f);
+    std::vector<std::vector<float>> buffers(4, std::vector<float>(kBlock));
+    for (auto& buffer : buffers) {
+        std::generate(buffer.begin(), buffer.end(), [&] { return level(random); });
+    }
+    for (uint32_t i = 0; i < 4; ++i) host.connect(kFirstAudioPort + i, buffers[i].data());
+    request(host, kEnableUiUri);
+
+    for (bool turning : {false, true}) {
+        SCOPED_TRACE(turning ? "controls moving" : "controls at rest");
+        const int verdict = verdict_on([&] {
+            for (int block = 0; block < 200; ++block) {
+                for (uint32_t port = 2; turning && port <= kTrimPort; ++port) {
+                    const float values[] = {1.0f, static_cast<float>(block % 19),
+                                            level(random) * 18, 2000.0f + level(random) * 1900,
+                                            1.0f + level(random) / 2};
+                    host.port(port) = port == kTrimPort ? 0.0f : values[(port - 2) % 5];
+                }
+                host.run(kBlock - static_cast<uint32_t>(block));
+            }
+        });
+        EXPECT_EQ(verdict, kQuiet);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Variants, RealTime, testing::Values(1, 2));
+
+}  // namespace
+}  // namespace brindle::test

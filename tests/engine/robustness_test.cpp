@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: ISC
+// Hosts that misbehave: what the loaded plugin does with values and calls that it never should get.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "lv2/brindle.h"
+#include "tests/support/plugin_host.h"
+
+namespace brindle::test {
+namespace {
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInf = std::numeric_limits<float>::infinity();
+
+Audio noise(int channels, size_t n, uint32_t seed) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> level(-1.0f, 1.0f);
+    Audio audio(static_cast<size_t>(channels), std::vector<float>(n));
+    for (auto& channel : audio) {
+        std::generate(channel.begin(), channel.end(), [&] { return level(random); });
+    }
+    return audio;
+}
+
+bool all_finite(const Audio& audio) {
+    return std::all_of(audio.begin(), audio.end(), [](const std::vector<float>& channel) {
+        return std::all_of(channel.begin(), channel.end(),
+                           [](float v) { return std::isfinite(v); });
+    });
+}
+
+void set_usual_controls(PluginHost& host) {
+    host.set_section(0, 2, 0.0f, 40.0f, 1.0f);
+    host.set_section(1, 17, 0.0f, 3000.0f, 2.0f);
+    for (int band = 0; band < kBandCount; ++band) {
+        host.set_band(band, 5 + band % 5, 6.0f - 2.0f * static_cast<float>(band),
+                      80.0f * std::exp2(static_cast<float>(band)), 0.8f);
+    }
+    host.port(kTrimPort) = -3.0f;
+}
+
+TEST(Entry, OffersTheTwoVariantsOnly) {
+    ASSERT_NE(descriptor(0), nullptr);
+    ASSERT_NE(descriptor(1), nullptr);
+    EXPECT_STREQ(descriptor(0)->URI, kMonoUri);
+    EXPECT_STREQ(descriptor(1)->URI, kStereoUri);
+    EXPECT_EQ(descriptor(2), nullptr);
+    EXPECT_EQ(descriptor(0xffffffffu), nullptr);
+    EXPECT_EQ(descriptor(0)->extension_data(LV2_CORE__InputPort), nullptr);
+}
+
+TEST(Entry, RefusesAHostWithoutUridMapInOneLine) {
+    const LV2_Feature other = {LV2_CORE__hardRTCapable, nullptr};
+    const LV2_Feature* features[] = {&other, nullptr};
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(descriptor(0)->instantiate(descriptor(0), 48000.0, "", features), nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Brindle error: Host does not support urid:map\n");
+}
+
+TEST(Entry, TakesTheLaterOfTwoMapsAndAsksForItsKeysInOrder) {
+    UridMap first, second;
+    const LV2_Feature* features[] = {first.feature(), second.feature(), nullptr};
+    LV2_Handle handle = descriptor(1)->instantiate(descriptor(1), 48000.0, "", features);
+    ASSERT_NE(handle, nullptr);
+    descriptor(1)->cleanup(handle);
+    EXPECT_TRUE(first.order().empty());
+    const std::vector<std::string> keys = {
+        LV2_ATOM__eventTransfer, kEnableUiUri, kDisableUiUri, kMessageUri,
+        kSampleRateUri,          kPlotIdUri,   kPlotArrayUri};
+    ASSERT_GE(second.order().size(), keys.size());
+    EXPECT_TRUE(std::equal(keys.begin(), keys.end(), second.order().end() - 7));
+}
+
+TEST(Entry, IgnoresPortsOutsideTheTableAndOnesWithoutABuffer) {
+    for (int channels : {1, 2}) {
+        PluginHost host(channels, 48000.0);
+        float beyond = 1.0f;
+        for (uint32_t number : {kStereoPortCount, kStereoPortCount + 1, 1u << 16, 0xffffffffu}) {
+            host.connect(number, &beyond);
+        }
+        const Audio in = noise(channels, 2048, 3);
+        const Audio connected = host.process(in);
+        host.connect(kControlPort, nullptr);
+        host.connect(kNotifyPort, nullptr);
+        for (uint32_t number = 2; number < kFirstAudioPort; ++number) host.connect(number, nullptr);
+        EXPECT_TRUE(all_finite(host.process(in)));
+        for (uint32_t number = kFirstAudioPort; number < kStereoPortCount; ++number) {
+            host.connect(number, nullptr);
+            host.run(512);
+        }
+        EXPECT_EQ(beyond, 1.0f);
+    }
+}
+
+TEST(Controls, ThatAreNoNumberLeaveTheLastValueInForce) {
+    for (float bad : {kNan, kInf, -kInf}) {
+        SCOPED_TRACE(bad);
+        PluginHost host(2, 48000.0), undisturbed(2, 48000.0);
+        set_usual_controls(host);
+        set_usual_controls(undisturbed);
+        const Audio in = noise(2, 30000, 5);
+        ASSERT_EQ(host.process(in), undisturbed.process(in));
+        for (uint32_t number = 2; number <= kTrimPort; ++number) host.port(number) = bad;
+        EXPECT_EQ(host.process(in), undisturbed.process(in));
+    }
+}
+
+// Whatever stands on the ports, at rates where most frequencies lie beyond Nyquist and others:
+// first one kind of nonsense everywhere, then arbitrary mixtures, with time to glide there.
+TEST(Controls, OfAnyValueLeaveFiniteInputFinite) {
+    const float kBad[] = {kNan,  kInf,   -kInf, 0.0f, -1.0f,    1e30f, -1e30f,
+                          3e38f, 1e-30f, 1e9f,  0.5f, 20000.0f, 9.2f,  17.0f};
+    for (double rate : {8000.0, 22050.0, 44100.0, 768000.0}) {
+        SCOPED_TRACE(rate);
+        PluginHost host(1, rate);
+        std::mt19937 random(7);
+        const Audio in = noise(1, 16384, 11);
+        for (int round = 0; round < 60; ++round) {
+            const auto type = static_cast<float>(round % 19);
+            for (uint32_t number = 2; number <= kTrimPort; ++number) {
+                const auto kind = (number - 2) % kControlCount;
+                const size_t pick = round < 14 ? static_cast<size_t>(round) : random() % 14;
+                host.port(number) = kind == kType ? type : kind == kEnable ? 1.0f : kBad[pick];
+            }
+            ASSERT_TRUE(all_finite(host.process(in))) << "round " << round;
+            ASSERT_TRUE(std::isfinite(host.port(kMeterInPort)));
+            ASSERT_TRUE(std::isfinite(host.port(kMeterOutPort)));
+        }
+    }
+}
+
+TEST(Controls, AreTruncatedAfterATenthIsAdded) {
+    const std::pair<float, float> kRows[] = {{2.95f, 3.0f}, {2.85f, 2.0f}, {0.95f, 1.0f}};
+    for (const auto& [value, meant] : kRows) {
+        SCOPED_TRACE(value);
+        PluginHost host(1, 48000.0), plain(1, 48000.0);
+        for (PluginHost* h : {&host, &plain}) h->set_band(0, 0, 0.0f, 500.0f, 1.0f);
+        host.port(band_port(0) + kType) = value;
+        plain.port(band_port(0) + kType) = meant;
+        const Audio in = noise(1, 8192, 13);
+        EXPECT_EQ(host.process(in), plain.process(in));
+    }
+}
+
+// Bursts that end in mid-block between ticks; the other channel must not notice.
+TEST(Bursts, EndWithinOneControlTickAndLeaveTheOtherChannelAlone) {
+    constexpr size_t kTick = 64, kStart = 2000, kEnd = 2500;
+    for (float bad : {kNan, kInf, -kInf}) {
+        for (size_t channel : {0u, 1u}) {
+            SCOPED_TRACE(testing::Message() << bad << " on channel " << channel);
+            PluginHost host(2, 48000.0), undisturbed(2, 48000.0);
+            set_usual_controls(host);
+            set_usual_controls(undisturbed);
+            host.settle();
+            undisturbed.settle();
+            Audio in = noise(2, 24000, 17);
+            // Silence before the tick that ends the burst: there the other has nothing to clear.
+            std::fill_n(in[channel].begin(), kEnd + kTick, 0.0f);
+            const Audio expected = undisturbed.process(in, 480);
+            for (size_t i = kStart; i < kEnd; i += 3) in[channel][i] = bad;
+            const Audio out = host.process(in, 480);
+
+            EXPECT_EQ(out[1 - channel], expected[1 - channel]);
+            for (size_t i = kEnd + kTick; i < out[channel].size(); ++i) {
+                ASSERT_NEAR(out[channel][i], expected[channel][i], 1e-4f) << "sample " << i;
+            }
+            for (uint32_t meter : {kMeterInPort, kMeterOutPort}) {
+                EXPECT_GT(host.port(meter), 0.01f);
+                EXPECT_LT(host.port(meter), 20.0f);
+            }
+        }
+    }
+}
+
+// Squares beyond the range of a float must not hold the meters for ever.
+TEST(Bursts, OfHugeSamplesPassTheMetersToo) {
+    PluginHost host(1, 48000.0);
+    host.process({std::vector<float>(4096, 1e30f)});
+    host.port(kMeterInPort) = kNan;
+    host.port(kMeterOutPort) = kInf;
+    host.process({std::vector<float>(96000, 0.5f)});
+    EXPECT_NEAR(host.port(kMeterInPort), 0.25f, 0.01f);
+    EXPECT_NEAR(host.port(kMeterOutPort), 0.25f, 0.01f);
+}
+
+}  // namespace
+}  // namespace brindle::test
