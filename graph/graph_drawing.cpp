@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: ISC
+#include "graph/graph_drawing.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "gl/drawing.h"
+#include "gl/gl.h"
+
+namespace brindle {
+namespace {
+
+/// The lines of the grid and their labels.
+struct Level {
+    float db;
+    const char* label;
+};
+constexpr Level kLevels[] = {{18, "18"}, {15, "15"},  {12, "12"},  {9, "9"},
+                             {6, "6"},   {3, "3"},    {-3, "3"},   {-6, "6"},
+                             {-9, "9"},  {-12, "12"}, {-15, "15"}, {-18, "18"}};
+
+constexpr GLColor kClearBlack{0.0f, 0.0f, 0.0f, 0.0f};
+
+/// Primitives without texture until the end of a scope.
+struct PlainPrimitives {
+    explicit PlainPrimitives(GLenum mode) {
+        glDisable(GL_TEXTURE_2D);
+        glBegin(mode);
+    }
+    ~PlainPrimitives() {
+        glEnd();
+        glEnable(GL_TEXTURE_2D);
+    }
+    PlainPrimitives(const PlainPrimitives&) = delete;
+    PlainPrimitives& operator=(const PlainPrimitives&) = delete;
+};
+
+/// A rectangle between glBegin(GL_QUADS) and glEnd.
+void EmitRect(float left, float bottom, float right, float top) {
+    glVertex2f(left, top);
+    glVertex2f(right, top);
+    glVertex2f(right, bottom);
+    glVertex2f(left, bottom);
+}
+void EmitKey(float x, float y, float hw, float hh) {
+    EmitRect(x - hw, y - hh, x + hw, y + hh);
+}
+
+/// Rectangles that fade from one edge to the opposite one.
+void EmitFadeX(float from, float to, float hh) {
+    kBlack.Apply();
+    glVertex2f(from, hh);
+    glVertex2f(from, -hh);
+    kClearBlack.Apply();
+    glVertex2f(to, -hh);
+    glVertex2f(to, hh);
+}
+void EmitFadeY(const GLColor& color, float from, float to, float hw) {
+    color.Apply();
+    glVertex2f(-hw, from);
+    glVertex2f(hw, from);
+    color.ApplyFaded(0.0f);
+    glVertex2f(hw, to);
+    glVertex2f(-hw, to);
+}
+
+bool IsBlackKey(int semitonesAboveDSharp) {
+    constexpr std::array kBlack = {true,  false, false, true,  false, true,
+                                   false, true,  false, false, true,  false};
+    return kBlack[static_cast<size_t>(semitonesAboveDSharp % 12)];
+}
+
+void EmitWhiteKeys(const GraphLook& look) {
+    constexpr float kKeysOfOctave = 1.7142857f;  // twelve semitones for seven keys
+    constexpr int kKeys = 70;
+    const float pitch = 7.685f * look.m * kKeysOfOctave;
+    const float y = -68.0f * look.m - look.hh;
+    const float hw = 3.0f * kKeysOfOctave * look.m;
+    const float hh = 10.0f * look.m;
+    const float border = 1.5f * look.m;
+    for (int key = 0; key < kKeys; ++key) {
+        const float x = pitch / 2.0f - 5.0f * look.m - look.hw + static_cast<float>(key) * pitch;
+        look.foreground.ApplyDimmed(0.65f);
+        EmitKey(x, y, hw, hh);
+        look.foreground.ApplyDimmed(0.5f);
+        EmitKey(x, y, hw - border, hh - border);
+    }
+}
+
+void EmitBlackKeys(const GraphLook& look) {
+    constexpr int kSemitones = 120;
+    const float pitch = 7.685f * look.m;
+    const float y = -63.0f * look.m - look.hh;
+    const float hw = 3.5f * look.m;
+    const float hh = 5.0f * look.m;
+    const float border = 1.5f * look.m;
+    for (int u = 0; u < kSemitones; ++u) {
+        if (!IsBlackKey(u)) continue;
+        const float x = hw / 2.0f - 5.0f * look.m - look.hw + static_cast<float>(u) * pitch;
+        look.foreground.ApplyDimmed(0.15f);
+        EmitKey(x, y, hw, hh);
+        look.background.Apply();
+        EmitKey(x, y, hw - border, hh - border);
+    }
+}
+
+/// A strip between two heights of each point, given as shares of the curve's own height.
+void DrawFillStrip(std::span<const float> heights, float x0, float dx, float lowerShare,
+                   float lowerBrightness, float upperShare, float upperBrightness) {
+    const PlainPrimitives strip(GL_QUAD_STRIP);
+    float x = x0;
+    for (const float y : heights) {
+        kSage.ApplyDimmed(lowerBrightness);
+        glVertex2f(x, lowerShare * y);
+        kSage.ApplyDimmed(upperBrightness);
+        glVertex2f(x, upperShare * y);
+        x += dx;
+    }
+}
+
+/// Draws only between two heights until the end of a scope.
+struct VerticalClip {
+    explicit VerticalClip(float hh) {
+        const double below[] = {0.0, 1.0, 0.0, static_cast<double>(hh)};
+        const double above[] = {0.0, -1.0, 0.0, static_cast<double>(hh)};
+        glClipPlane(GL_CLIP_PLANE0, below);
+        glClipPlane(GL_CLIP_PLANE1, above);
+        glEnable(GL_CLIP_PLANE0);
+        glEnable(GL_CLIP_PLANE1);
+    }
+    ~VerticalClip() {
+        glDisable(GL_CLIP_PLANE0);
+        glDisable(GL_CLIP_PLANE1);
+    }
+    VerticalClip(const VerticalClip&) = delete;
+    VerticalClip& operator=(const VerticalClip&) = delete;
+};
+
+/// How visible an analyser level is, 0 to 1. What is not a number is invisible.
+float Opacity(float db) {
+    const float alpha = db / 40.0f + 1.0f;
+    return alpha > 0.0f ? std::min(alpha, 1.0f) : 0.0f;
+}
+
+void DrawSpectrumRow(const SpectrumHistory::Row& row, float y, const GraphLook& look) {
+    if (std::none_of(row.begin(), row.end(), [](float db) { return Opacity(db) > 0.0f; })) return;
+    const float dx = 2.0f * look.hw / static_cast<float>(row.size());
+    const PlainPrimitives line(GL_LINE_STRIP);
+    float x = dx / 2.0f - look.hw;
+    for (const float db : row) {
+        look.foreground.ApplyFaded(Opacity(db));
+        glVertex2f(x, y);
+        x += dx;
+    }
+}
+
+}  // namespace
+
+void DrawKeyboard(const GraphLook& look) {
+    const PlainPrimitives quads(GL_QUADS);
+    EmitWhiteKeys(look);
+    EmitBlackKeys(look);
+}
+
+void DrawLevelLines(const GraphLook& look) {
+    look.foreground.ApplyFaded(0.4f);
+    const PlainPrimitives quads(GL_QUADS);
+    for (const Level& level : kLevels) {
+        const float y = level.db * look.hh / kGraphRangeDb;
+        EmitRect(-look.hw, y - 2.0f * look.m, look.hw, y);
+    }
+}
+
+void DrawLevelLabels(const GLResources* resources, const GraphLook& look) {
+    const float glyph = 8.0f * look.m;
+    const float gap = 6.0f * look.m;
+    const auto draw = [&](const Level& level, float x, int alignment) {
+        const MatrixScope matrix;
+        glTranslatef(x, level.db * look.hh / kGraphRangeDb, 0.0f);
+        glScalef(glyph, glyph, 1.0f);
+        DrawText(resources, level.label, alignment);
+    };
+    look.foreground.ApplyFaded(0.6f);
+    for (const Level& level : kLevels) {
+        draw(level, -look.hw - gap, kAlignRight);
+        draw(level, look.hw + gap, kAlignLeft);
+    }
+}
+
+void DrawResponse(std::span<const float> heights, const GraphLook& look) {
+    const VerticalClip clip(look.hh - look.m);
+    const float dx = 2.0f * look.hw / static_cast<float>(heights.size());
+    const float x0 = dx / 2.0f - look.hw;
+    // Brightest at seven tenths of the height, darker towards the middle and the curve.
+    DrawFillStrip(heights, x0, dx, 0.0f, 0.3f, 0.7f, 1.5f);
+    DrawFillStrip(heights, x0, dx, 0.7f, 1.5f, 1.0f, 0.3f);
+
+    glLineWidth(6.0f);
+    look.foreground.Apply();
+    {
+        // The line ends one point before the area does.
+        const PlainPrimitives line(GL_LINE_STRIP);
+        float x = x0;
+        for (const float y : heights.first(heights.size() - 1)) {
+            glVertex2f(x, y);
+            x += dx;
+        }
+    }
+    glLineWidth(1.0f);
+}
+
+void DrawEdgeShading(const GraphLook& look) {
+    const float hh = look.hh + 0.05f;
+    const float edge = look.hh + 0.01f;
+    const PlainPrimitives quads(GL_QUADS);
+    EmitFadeX(-look.hw, -look.hw + 0.02f, hh);
+    EmitFadeX(look.hw, look.hw - 0.02f, hh);
+    EmitFadeY(kBlack, edge, edge / 2.0f, look.hw);
+    EmitFadeY(kBlack, -edge, -edge / 2.0f, look.hw);
+}
+
+void DrawSpectrum(const SpectrumHistory& history, const GraphLook& look) {
+    constexpr int kRowsDrawn = 48;
+    const float rise = 0.92f * look.m;
+    float y = -56.0f * look.m - look.hh;
+    glLineWidth(2.0f);
+    for (int age = 0; age < kRowsDrawn; ++age) {
+        const int row = (history.newest - age + kPlotRows) % kPlotRows;
+        DrawSpectrumRow(history.rows[static_cast<size_t>(row)], y, look);
+        glLineWidth(1.0f);
+        y += rise;
+    }
+    const PlainPrimitives quads(GL_QUADS);
+    EmitFadeY(look.background, -look.hh - 12.0f * look.m, -look.hh - 22.0f * look.m, look.hw);
+}
+
+void DrawRing(float radius, float thickness) {
+    constexpr int kCorners = 48;
+    const PlainPrimitives strip(GL_QUAD_STRIP);
+    for (int i = 0; i <= kCorners; ++i) {
+        const float angle = 2.0f * std::numbers::pi_v<float> * static_cast<float>(i) / kCorners;
+        const float cosine = std::cos(angle);
+        const float sine = std::sin(angle);
+        glVertex2f((radius - thickness) * cosine, (radius - thickness) * sine);
+        glVertex2f(radius * cosine, radius * sine);
+    }
+}
+
+void DrawMarker(float size) {
+    const float half = size / 2.0f;
+    const PlainPrimitives triangle(GL_TRIANGLES);
+    glVertex2f(-half, half);
+    glVertex2f(half, half);
+    glVertex2f(0.0f, -half);
+}
+
+}  // namespace brindle
