@@ -1,0 +1,298 @@
+// SPDX-License-Identifier: ISC
+#include "graph/GLView_ParametricEQGrabber.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+#include "engine/band_types.h"
+#include "gl/GLAnimator.h"
+#include "gl/drawing.h"
+#include "graph/scales.h"
+
+namespace brindle {
+namespace {
+
+constexpr uint32_t kFineModifiers = 3;  // Shift, Ctrl
+constexpr float kHighestBandHz = 20000.0f;
+constexpr float kHighestSectionHz = 15000.0f;
+constexpr float kLowestHz = 20.0f;
+constexpr float kSearchGainDb = 10.0f;
+/// How far beside a handle it is still hit, in page units.
+constexpr float kReach = 0.01f;
+/// The strip of markers below the graph, and its part that starts a search, in design pixels.
+constexpr float kStripTop = -34.0f;
+constexpr float kStripBottom = -54.0f;
+constexpr float kSearchTop = -36.0f;
+constexpr float kSearchBottom = -48.0f;
+
+/// The enables of the sections and the bands, in the order in which a search writes them.
+constexpr std::array<uint32_t, GLView_ParametricEQGrabber::kHandleCount> kEnablePorts = {
+    section_port(0), section_port(1), band_port(0), band_port(1), band_port(2),
+    band_port(3),    band_port(4),    band_port(5), band_port(6), band_port(7)};
+
+uint32_t FirstPort(int handle) {
+    return handle < kBandCount ? band_port(handle) : section_port(handle - kBandCount);
+}
+
+/// A type port's value as a code, never below 0.
+int32_t TypeCode(float value) {
+    const float code = value + 0.1f;
+    return code > 0.0f ? static_cast<int32_t>(std::min(code, 1000.0f)) : 0;
+}
+
+/// What a band becomes while it is searched: types with a centre show it best as a band-pass.
+BandType SearchedAs(int32_t code) {
+    const auto type = static_cast<BandType>(code);
+    const bool hasCentre =
+        type == BandType::Bell || type == BandType::Search || type == BandType::Notch;
+    return hasCentre ? BandType::Search : type;
+}
+
+/// A value in 0 to 1, or which end it is beyond. What is not a number counts as below.
+struct Reached {
+    float position;
+    bool inside;
+};
+Reached Limit(float position) {
+    if (!(position >= 0.0f)) return {0.0f, false};
+    if (position > 1.0f) return {1.0f, false};
+    return {position, true};
+}
+
+}  // namespace
+
+GLView_ParametricEQGrabber::GLView_ParametricEQGrabber(GLView_ParametricEQ& parentGraph,
+                                                       int handleIndex)
+    : GLView_Slider(false, -18.0f, 18.0f),
+      index(std::clamp(handleIndex, 0, kHandleCount - 1)),
+      firstPort(FirstPort(index)),
+      graph_(parentGraph) {
+    port = firstPort + kFrequency;
+    char title[sizeof infoTitle];
+    if (IsBand()) {
+        std::snprintf(title, sizeof title, "Band %d", index + 1);
+    } else {
+        std::snprintf(title, sizeof title, "Section %c", index == kBandCount ? 'A' : 'B');
+    }
+    GLView_Slider::SetInfoTitle(title);
+    GLView_Slider::SetInfoText("drag: frequency and gain, wheel: Q, hold the marker: solo");
+}
+
+void GLView_ParametricEQGrabber::SetWriter(const HostWriter& hostWriter) {
+    writer = hostWriter;
+}
+
+void GLView_ParametricEQGrabber::SetTouch(const LV2UI_Touch* touch) {
+    GLView_Slider::SetTouch(touch, firstPort + kFrequency);
+    gainGesture_.Bind(touch, firstPort + kGain);
+}
+
+bool GLView_ParametricEQGrabber::IsOn() {
+    return GetParameter(firstPort + kEnable) != 0.0f;
+}
+
+GLColor GLView_ParametricEQGrabber::BandColor() const {
+    return IsBand() ? kSage : kAmber;
+}
+
+float GLView_ParametricEQGrabber::KnownValue(uint32_t controlPort) {
+    return graph_.restored.Find(controlPort, GetEventTime()).value_or(GetParameter(controlPort));
+}
+
+GLPoint GLView_ParametricEQGrabber::Place() {
+    const float fn = Limit(PositionOfBandHz(GetParameter(firstPort + kFrequency))).position;
+    const auto heights = graph_.Heights();
+    const auto last = static_cast<float>(heights.size()) - 1.0f;
+    const auto i = static_cast<size_t>(std::clamp(fn * (last + 1.0f), 1.0f, last));
+    return {2.0f * graph_.hw * fn - graph_.hw, std::max(heights[i], -graph_.hh)};
+}
+
+void GLView_ParametricEQGrabber::ParameterChanged(uint32_t changedPort) {
+    if (changedPort == firstPort + kFrequency) ReanchorX();
+    if (changedPort == firstPort + kGain) ReanchorY();
+}
+
+bool GLView_ParametricEQGrabber::HitTest(GLPoint point) {
+    if (!visible || !IsOn()) return false;
+    const float m = GetPixelSize();
+    const float reach = hw + kReach;
+    const GLPoint place = Place();
+    const bool onHandle = std::hypot(point.x - place.x, point.y - place.y) < reach;
+    const bool onMarker = point.y > kStripBottom * m - graph_.hh &&
+                          point.y < kStripTop * m - graph_.hh &&
+                          std::abs(point.x - place.x) < reach;
+    if (!onHandle && !onMarker) return false;
+    graph_.selectedHandle = index;
+    return true;
+}
+
+void GLView_ParametricEQGrabber::MouseDown(GLPoint point, GLPoint pagePoint) {
+    const float m = GetPixelSize();
+    const bool onMarker =
+        point.y > kSearchBottom * m - graph_.hh && point.y < kSearchTop * m - graph_.hh;
+    draggedHz_ = GetParameter(firstPort + kFrequency);
+    draggedDb_ = KnownValue(firstPort + kGain);
+    // A second button must not take what a search has muted for the user's settings.
+    if (onMarker && GetCapturedView() == nullptr) BeginSearch();
+    GLView_Slider::MouseDown(point, pagePoint);
+    gainGesture_.Begin();
+}
+
+void GLView_ParametricEQGrabber::MouseUp(GLPoint point) {
+    EndSearch();
+    gainGesture_.End();
+    GLView_Slider::MouseUp(point);
+}
+
+void GLView_ParametricEQGrabber::SetCaptured(bool on) {
+    if (!on) {
+        EndSearch();
+        gainGesture_.End();
+    }
+    GLView_Slider::SetCaptured(on);
+}
+
+void GLView_ParametricEQGrabber::Close() {
+    EndSearch();
+    GLView_Slider::Close();
+}
+
+float GLView_ParametricEQGrabber::DragSpeed() {
+    float speed = sensitivity;
+    if (IsSearching()) speed *= 0.25f;
+    if ((GetModifiers() & kFineModifiers) != 0) speed *= 0.1f;
+    return speed;
+}
+
+void GLView_ParametricEQGrabber::MouseDragTo(GLPoint pagePoint) {
+    if (!(GetPageWidth() > 0.0f && GetPageHeight() > 0.0f)) return;
+    const float speed = DragSpeed();
+    DragFrequency(pagePoint.x, speed);
+    if (!IsSearching()) DragGain(pagePoint.y, speed);
+}
+
+void GLView_ParametricEQGrabber::DragFrequency(float pagePointX, float speed) {
+    const float step = speed * (pagePointX - dragLast.x) * 0.3f * (1200.0f / GetPageWidth());
+    const Reached reached = Limit(step + PositionOfBandHz(draggedHz_));
+    if (reached.inside) {
+        dragLast.x = pagePointX;
+        draggedHz_ = BandHzAt(reached.position);
+    } else {
+        draggedHz_ = reached.position > 0.0f ? kHighestBandHz : kLowestHz;
+    }
+    if (!IsBand()) draggedHz_ = std::min(draggedHz_, kHighestSectionHz);
+    writer.Write(firstPort + kFrequency, draggedHz_);
+}
+
+void GLView_ParametricEQGrabber::DragGain(float pagePointY, float speed) {
+    const float step = 800.0f / GetPageHeight() * speed * (pagePointY - dragLast.y);
+    const Reached reached = Limit(PositionOfGainDb(draggedDb_) - step);
+    if (reached.inside) dragLast.y = pagePointY;
+    draggedDb_ = GainDbAt(reached.position);
+    writer.Write(firstPort + kGain, draggedDb_);
+}
+
+void GLView_ParametricEQGrabber::Scroll(float delta) {
+    const float step = (GetModifiers() & kFineModifiers) != 0 ? 0.005f : 0.05f;
+    const float moved = PositionOfQ(GetParameter(firstPort + kQ)) + step * delta;
+    writer.Write(firstPort + kQ, QAt(Limit(moved).position));
+}
+
+void GLView_ParametricEQGrabber::BeginSearch() {
+    const float type = KnownValue(firstPort + kType);
+    searchType_ = TypeCode(type);
+    searchGainDb_ = KnownValue(firstPort + kGain);
+    if (IsBand()) {
+        writer.Write(firstPort + kType, static_cast<float>(SearchedAs(searchType_)));
+        writer.Write(firstPort + kGain, kSearchGainDb);
+    }
+    for (size_t i = 0; i < kEnablePorts.size(); ++i) {
+        if (kEnablePorts[i] == firstPort + kEnable) continue;
+        searchEnables_[i] = KnownValue(kEnablePorts[i]) != 0.0f;
+        writer.Write(kEnablePorts[i], 0.0f);
+    }
+}
+
+void GLView_ParametricEQGrabber::EndSearch() {
+    if (!IsSearching()) return;
+    graph_.restored.Begin(GetEventTime());
+    if (IsBand()) {
+        Restore(firstPort + kType, static_cast<float>(searchType_));
+        Restore(firstPort + kGain, searchGainDb_);
+    }
+    for (size_t i = 0; i < kEnablePorts.size(); ++i) {
+        if (kEnablePorts[i] == firstPort + kEnable) continue;
+        Restore(kEnablePorts[i], searchEnables_[i] ? 1.0f : 0.0f);
+    }
+    searchType_ = kNoSearch;
+}
+
+void GLView_ParametricEQGrabber::Restore(uint32_t controlPort, float value) {
+    graph_.restored.Add(controlPort, value);
+    writer.Write(controlPort, value);
+}
+
+void GLView_ParametricEQGrabber::Draw() {
+    if (!IsOn()) return;
+    const GraphLook look = graph_.Look();
+    const GLPoint place = Place();
+    glTranslatef(place.x, place.y, 0.0f);
+    BandColor().Apply();
+    DrawDisc(GetResources(), hw + look.m, hw + look.m);
+    look.background.Apply();
+    DrawDisc(GetResources(), hw - 2.0f * look.m, hw - 2.0f * look.m);
+    look.foreground.Apply();
+    glScalef(8.0f * look.m, 8.0f * look.m, 1.0f);
+    DrawText(GetResources(), label, kAlignCentre);
+}
+
+void GLView_ParametricEQGrabber::DrawFront() {
+    if (!IsOn()) return;
+    const GraphLook look = graph_.Look();
+    const GLPoint place = Place();
+    if (graph_.selectedHandle == index) DrawSelection(look, place);
+
+    glTranslatef(place.x, -44.0f * look.m - graph_.hh, 0.0f);
+    BandColor().Apply();
+    DrawMarker(18.0f * look.m);
+    look.background.Apply();
+    DrawMarker(12.0f * look.m);
+}
+
+void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint place) {
+    constexpr float kPulsePeriod_ms = 1000.0f;
+    {
+        const MatrixScope matrix;
+        glTranslatef(place.x, place.y, 0.0f);
+        look.foreground.ApplyFaded(0.2f + 0.2f * Pulse(kPulsePeriod_ms));
+        DrawRing(hh, look.m);
+        DrawRing(hh - 4.0f * look.m, look.m);
+    }
+    {
+        const float bottom = -graph_.hh - 36.0f * look.m;
+        const MatrixScope matrix;
+        glTranslatef(place.x, (place.y + bottom) / 2.0f, 0.0f);
+        BandColor().ApplyFaded(0.7f);
+        DrawRect(look.m / 2.0f, (place.y - bottom) / 2.0f);
+    }
+    DrawReadout(look, place.x);
+}
+
+void GLView_ParametricEQGrabber::DrawReadout(const GraphLook& look, float placeX) {
+    constexpr float kLineStep = 1.7f;
+    const float freq_hz = GetParameter(firstPort + kFrequency);
+    char number[48];
+    std::snprintf(number, sizeof number, "%3.0f", static_cast<double>(freq_hz));
+
+    const MatrixScope matrix;
+    glTranslatef(placeX, -88.0f * look.m - graph_.hh, 0.0f);
+    glScalef(7.0f * look.m, 7.0f * look.m, 1.0f);
+    look.foreground.Apply();
+    DrawText(GetResources(), NoteName(freq_hz).c_str(), kAlignCentre);
+    glTranslatef(0.0f, -kLineStep, 0.0f);
+    DrawText(GetResources(), number, kAlignCentre);
+}
+
+}  // namespace brindle

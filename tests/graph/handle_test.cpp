@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: ISC
+// What handles write when they are dragged, scrolled, and searched with.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "graph/GLView_ParametricEQSelector.h"
+#include "graph/GLView_ParametricFilterSelector.h"
+#include "tests/graph/graph_fixture.h"
+
+namespace brindle {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+struct Handles : testing::Test, GraphFixture {
+    Handles() { page.eventTime = 100000; }
+
+    /// The writes of a search: everything but the handle's own enable is set to these values.
+    static std::vector<HostCall> Enables(uint32_t own, const std::array<float, 10>& values) {
+        const uint32_t ports[] = {42, 47, 2, 7, 12, 17, 22, 27, 32, 37};
+        std::vector<HostCall> calls;
+        for (size_t i = 0; i < 10; ++i) {
+            if (ports[i] != own) calls.push_back(Wrote(ports[i], values[i]));
+        }
+        return calls;
+    }
+    static constexpr std::array<float, 10> kMuted = {};
+    static constexpr std::array<float, 10> kBandsOn = {0, 0, 1, 1, 1, 1, 1, 1, 1, 1};
+
+    std::vector<HostCall> TakeWrites() {
+        std::vector<HostCall> writes;
+        for (const HostCall& call : host.calls) {
+            if (call.kind != HostCall::kTouch && call.kind != HostCall::kRelease) {
+                writes.push_back(call);
+            }
+        }
+        Echo();
+        host.calls.clear();
+        echoed = 0;
+        return writes;
+    }
+};
+
+TEST_F(Handles, FollowThePointer) {
+    for (const float width : {1000.0f, 2000.0f}) {
+        for (const bool late : {false, true}) {
+            SCOPED_TRACE(testing::Message() << width << " wide, host reports late: " << late);
+            page.pageWidth = width;
+            page.pageHeight = 0.6f * width;
+            Set(3, {1.0f, 9.0f, 0.0f, 800.0f, 1.0f});
+            echoes = !late;
+            const GLPoint start = PressHandle(3);
+            GLPoint pixel = start;
+            for (int step = 0; step < 60; ++step) {
+                pixel.x += step < 40 ? 5.0f : -5.0f;
+                pixel.y -= step < 40 ? 1.0f : -1.0f;
+                Drag(pixel);
+                if (late) continue;
+                const GLPoint handle = InPixels(handles[3]->Place());
+                ASSERT_NEAR(handle.x, pixel.x, 2.0f);
+                ASSERT_NEAR(handle.y, pixel.y, 2.0f);
+            }
+            echoes = true;
+            Release();
+            const GLPoint handle = InPixels(handles[3]->Place());
+            EXPECT_NEAR(handle.x, start.x + 100.0f, 2.0f);
+            EXPECT_NEAR(handle.y, start.y - 20.0f, 2.0f);
+        }
+    }
+}
+
+TEST_F(Handles, ADragStepFollowsTheFormula) {
+    const GLPoint start = PressHandle(3);  // 800 Hz, 0 dB
+    Drag({start.x + 10.0f, start.y - 6.0f});
+    // 10 px x 0.003 x 0.3 x 1200/1000 of three decades; 6 px x 0.003 x 800/600 of 36 dB.
+    EXPECT_NEAR(Value(3, kFrequency), 800.0f * std::pow(1000.0f, 0.0108f), 0.01f);
+    EXPECT_NEAR(Value(3, kGain), 0.024f * 36.0f, 1e-4f);
+    page.modifiers = 2;
+    Drag({start.x + 20.0f, start.y - 12.0f});
+    EXPECT_NEAR(Value(3, kFrequency), 800.0f * std::pow(1000.0f, 0.0108f + 0.00108f), 0.01f);
+    EXPECT_NEAR(Value(3, kGain), (0.024f + 0.0024f) * 36.0f, 1e-4f);
+    page.modifiers = 4;  // Alt is not fine
+    Drag({start.x + 30.0f, start.y - 12.0f});
+    EXPECT_NEAR(Value(3, kFrequency), 800.0f * std::pow(1000.0f, 2 * 0.0108f + 0.00108f), 0.01f);
+}
+
+TEST_F(Handles, StopAtTheEndsOfTheirRanges) {
+    GLPoint pixel = PressHandle(3);
+    Drag({pixel.x + 5000.0f, pixel.y - 5000.0f});
+    EXPECT_EQ(Value(3, kFrequency), 20000.0f);
+    EXPECT_EQ(Value(3, kGain), 18.0f);
+    Drag({pixel.x - 5000.0f, pixel.y + 5000.0f});
+    EXPECT_EQ(Value(3, kFrequency), 20.0f);
+    EXPECT_EQ(Value(3, kGain), -18.0f);
+    Drag({pixel.x + 10.0f, pixel.y - 6.0f});  // measured from the last place in range
+    EXPECT_NEAR(Value(3, kFrequency), 20.0f * std::pow(1000.0f, 0.0108f), 0.01f);
+    EXPECT_NEAR(Value(3, kGain), -18.0f + 0.024f * 36.0f, 1e-4f);
+    Release();
+
+    Set(9, {1.0f, 5.0f, 0.0f, 14000.0f, 1.0f});
+    pixel = PressHandle(9);
+    Drag({pixel.x + 20.0f, pixel.y});
+    EXPECT_EQ(Value(9, kFrequency), 15000.0f);
+    Drag({pixel.x + 5000.0f, pixel.y});
+    EXPECT_EQ(Value(9, kFrequency), 15000.0f);
+}
+
+TEST_F(Handles, AnnounceTheControlsThatTheyWrite) {
+    const GLPoint pixel = PressHandle(3);
+    Drag({pixel.x + 1.0f, pixel.y});
+    Release();
+    ASSERT_EQ(host.calls.size(), 6u);
+    EXPECT_THAT((std::vector{host.calls[0], host.calls[1]}),
+                testing::UnorderedElementsAre(Touched(20), Touched(19)));
+    EXPECT_EQ(host.calls[2].port, 20u);
+    EXPECT_EQ(host.calls[3], Wrote(19, 0.0f));
+    EXPECT_THAT((std::vector{host.calls[4], host.calls[5]}),
+                testing::UnorderedElementsAre(Released(20), Released(19)));
+}
+
+TEST_F(Handles, TheWheelTurnsQ) {
+    handles[3]->Scroll(2.0f);
+    ASSERT_EQ(host.calls.size(), 1u);
+    EXPECT_EQ(host.calls[0].port, 21u);
+    EXPECT_NEAR(host.calls[0].value, std::pow(1000.0f, 0.1f), 1e-4f);
+    page.modifiers = 1;
+    handles[3]->Scroll(-1.0f);
+    EXPECT_NEAR(host.calls[1].value, std::pow(1000.0f, -0.005f), 1e-4f);
+    handles[3]->Scroll(1000.0f);
+    EXPECT_NEAR(host.calls[2].value, 100.0f, 1e-3f);
+    handles[3]->Scroll(-1000.0f);
+    EXPECT_NEAR(host.calls[3].value, 0.1f, 1e-6f);
+}
+
+TEST_F(Handles, ASearchMutesTheRestAndPutsItBack) {
+    Set(1, {0.0f, 5.0f, 2.0f, 200.0f, 1.0f});
+    Set(2, {1.0f, 9.0f, -4.5f, 400.0f, 2.0f});
+    Set(8, {1.0f, 2.0f, 0.0f, 30.0f, 1.0f});
+    const std::array<float, 10> before = {1, 0, 1, 0, 1, 1, 1, 1, 1, 1};
+
+    const GLPoint pixel = PressMarker(2);
+    std::vector<HostCall> expected = {Wrote(13, 10.0f), Wrote(14, 10.0f)};
+    for (const HostCall& call : Enables(12, kMuted)) expected.push_back(call);
+    EXPECT_THAT(TakeWrites(), ElementsAreArray(expected));
+    EXPECT_TRUE(handles[2]->IsSearching());
+
+    Drag({pixel.x + 40.0f, pixel.y - 40.0f});  // a quarter as fast, and no gain
+    EXPECT_THAT(
+        TakeWrites(),
+        ElementsAre(testing::AllOf(
+            testing::Field(&HostCall::port, 15u),
+            testing::Field(&HostCall::value,
+                           testing::FloatNear(400.0f * std::pow(1000.0f, 0.0108f), 0.01f)))));
+    Release();
+    expected = {Wrote(13, 9.0f), Wrote(14, -4.5f)};
+    for (const HostCall& call : Enables(12, before)) expected.push_back(call);
+    EXPECT_THAT(TakeWrites(), ElementsAreArray(expected));
+    EXPECT_FALSE(handles[2]->IsSearching());
+    Release();
+    EXPECT_THAT(TakeWrites(), ElementsAre());
+}
+
+TEST_F(Handles, ASearchKeepsTypesWithoutACentreAndLeavesSectionsAsTheyAre) {
+    Set(0, {1.0f, 5.0f, 3.0f, 100.0f, 1.0f});
+    PressMarker(0);
+    EXPECT_THAT(TakeWrites()[0], Wrote(3, 5.0f));
+    Release();
+    EXPECT_THAT(TakeWrites()[0], Wrote(3, 5.0f));
+
+    Set(8, {1.0f, 13.0f, 6.0f, 60.0f, 1.0f});
+    page.eventTime += 10000;
+    PressMarker(8);
+    EXPECT_THAT(TakeWrites(), ElementsAreArray(Enables(42, kMuted)));
+    Release();
+    EXPECT_THAT(TakeWrites(), ElementsAreArray(Enables(42, kBandsOn)));
+}
+
+TEST_F(Handles, OnlyTheMiddleOfTheMarkerStripSearches) {
+    const float m = page.pixelSize;
+    const float x = handles[2]->Place().x;
+    for (const float y : {-35.0f, -49.0f, -53.0f}) {
+        Press({x, -graph->hh + y * m});
+        EXPECT_FALSE(handles[2]->IsSearching()) << y;
+        Release();
+    }
+    EXPECT_THAT(TakeWrites(), ElementsAre());
+}
+
+/// However a search ends, everything is as before it.
+TEST_F(Handles, NoSearchLeavesThePluginMuted) {
+    using Ending = void (*)(Handles&);
+    const std::pair<const char*, Ending> endings[] = {
+        {"another view takes the pointer", [](Handles& t) { t.graph->GLView::SetCaptured(true); }},
+        {"the page takes all roles away", [](Handles& t) { t.page.ReleaseAll(); }},
+        {"the editor closes", [](Handles& t) { t.page.Close(); }},
+        {"a second button on the same marker",
+         [](Handles& t) {
+             t.PressMarker(2);
+             t.Release();
+         }},
+        {"a second button on another marker",
+         [](Handles& t) {
+             t.PressMarker(5);
+             t.Release();
+         }},
+        {"pressed again before the host has reported",
+         [](Handles& t) {
+             t.echoes = false;
+             t.Release();
+             t.page.eventTime += 90;
+             t.PressMarker(2);
+             t.page.eventTime += 90;
+             t.Release();
+             t.page.eventTime += 90;
+             t.PressMarker(5);
+             t.Release();
+         }},
+    };
+    for (const bool late : {false, true}) {
+        for (const auto& [name, end] : endings) {
+            SCOPED_TRACE(testing::Message() << name << ", host reports late: " << late);
+            Set(2, {1.0f, 12.0f, -4.5f, 400.0f, 2.0f});
+            Set(8, {1.0f, 2.0f, 0.0f, 30.0f, 1.0f});
+            Set(9, {0.0f, 5.0f, 0.0f, 15000.0f, 1.0f});
+            page.eventTime += 10000;
+            const auto before = page.parameters;
+            echoes = !late;
+            PressMarker(2);
+            if (!late) Echo();
+            EXPECT_TRUE(handles[2]->IsSearching());
+            end(*this);
+            page.ReleaseAll();
+            Echo();
+            EXPECT_EQ(page.parameters, before);
+        }
+    }
+}
+
+TEST(TypeSelector, ShowsTheShortLabelNearestInTheTable) {
+    FakePage page;
+    auto* band = new GLView_ParametricEQSelector(3);
+    auto* section = new GLView_ParametricFilterSelector(43);
+    page.AddChild(band);
+    page.AddChild(section);
+    const std::pair<float, const char*> labels[] = {
+        {5.0f, "Lo Sh"},  {8.995f, "Bell"}, {8.9f, "Hsh2"}, {12.7f, "Notch"},
+        {99.0f, "Notch"}, {-1.0f, "Flat"},  {NAN, "Flat"},
+    };
+    for (const auto& [value, label] : labels) {
+        page.Report(3, value);
+        EXPECT_STREQ(band->ShortLabel(), label) << value;
+    }
+    page.Report(43, 17.0f);
+    EXPECT_STREQ(section->ShortLabel(), "Wd Notch");
+    page.Report(43, 1e30f);
+    EXPECT_STREQ(section->ShortLabel(), "Wd Notch");
+}
+
+}  // namespace
+}  // namespace brindle
