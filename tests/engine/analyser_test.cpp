@@ -86,13 +86,6 @@ TEST(Analyser, TwoSinesKeepTheirDifference) {
     EXPECT_NEAR(newest(*analyser)[100], -30.0, 0.01);
 }
 
-TEST(Analyser, ShowsTheLevelOfASineWithoutNormalisation) {
-    auto analyser = make(48000.0);
-    analyser->normalise = false;
-    play(*analyser, 3.0, sine(centre_hz(120), 0.1));
-    EXPECT_NEAR(newest(*analyser)[120], -20.0, 0.01);
-}
-
 /// Up to the limit of the lift every loudest bin reads -10 dB; a sine of amplitude A has the mean
 /// power A²/4 in its bin.
 TEST(Analyser, LiftsQuietMaterialByAtMost36Decibels) {

@@ -1,286 +1,306 @@
 // SPDX-License-Identifier: ISC
-// Requests of the editor and the rows sent to it, byte by byte.
-#include "engine/messages.h"
-
-#include <gmock/gmock.h>
+// The conversation between editor and engine as a host passes it on: requests on the control port
+// of the loaded plugin, analyser rows on its notify port.
 #include <gtest/gtest.h>
 #include <lv2/atom/util.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
 #include "lv2/brindle.h"
+#include "tests/engine/reference_analyser.h"
+#include "tests/support/plugin_host.h"
 
-namespace brindle {
+namespace brindle::test {
 namespace {
 
-/// Numbers URIs from 1 in the order in which they are first asked for.
-class UriMap {
-  public:
-    LV2_URID_Map* feature() { return &feature_; }
-    LV2_URID operator[](const std::string& uri) {
-        for (size_t i = 0; i < uris.size(); ++i) {
-            if (uris[i] == uri) {
-                return static_cast<LV2_URID>(i + 1);
-            }
-        }
-        uris.push_back(uri);
-        return static_cast<LV2_URID>(uris.size());
-    }
-    std::vector<std::string> uris;
+using Words = std::vector<uint32_t>;
+constexpr uint32_t kJunk = 0xdeadbeef;
 
-  private:
-    LV2_URID_Map feature_ = {
-        this, [](void* self, const char* uri) { return (*static_cast<UriMap*>(self))[uri]; }};
-};
-
-struct Messages : testing::Test {
-    Messages() {
-        map_uris(uris, map.feature());
-        lv2_atom_forge_init(&forge, map.feature());
-    }
-    UriMap map;
-    EqUris uris = {};
-    LV2_Atom_Forge forge = {};
-};
-
-TEST_F(Messages, UrisAreMappedOnceEachInTheAgreedOrder) {
-    UriMap fresh;
-    EqUris table = {};
-    map_uris(table, fresh.feature());
-    const std::string atom = "http://lv2plug.in/ns/ext/atom#";
-    const std::string own = "urn:brindle-audio:plugins/lv2/Brindle#";
-    EXPECT_THAT(fresh.uris,
-                testing::ElementsAre(atom + "Blank", atom + "Object", atom + "Vector",
-                                     atom + "Float", atom + "Int", atom + "eventTransfer",
-                                     own + "enableui", own + "disableui", own + "brindle",
-                                     own + "samplerate", own + "plot_id", own + "plot_array"));
-    EXPECT_EQ(table.atom_blank, 1u);
-    EXPECT_EQ(table.disable_ui, 8u);
-    EXPECT_EQ(table.plot_array, 12u);
-}
-
-/// A sequence in memory of exactly its size, so that reading beyond it is noticed by the
-/// sanitizers, `shift` bytes off alignment.
+/// A sequence as 32-bit words, of which the events may be as wrong as they like.
 class Sequence {
   public:
-    explicit Sequence(LV2_URID type = 0, uint32_t unit = 0) : words_{0, type, unit, 0} {}
-
-    /// Adds an event with a body of `words` and pads it to eight bytes.
-    Sequence& event(LV2_URID type, const std::vector<uint32_t>& words) {
-        return event(type, words, static_cast<uint32_t>(4 * words.size()));
-    }
-    /// The same with a size in its head that need not be true.
-    Sequence& event(LV2_URID type, const std::vector<uint32_t>& words, uint32_t size) {
-        words_.insert(words_.end(), {0, 0, size, type});
+    /// Adds an event with a body of `words`; the size in its head, 4 bytes a word unless given,
+    /// need not be true.
+    Sequence& event(LV2_URID type, const Words& words, std::optional<uint32_t> size = {}) {
+        const auto real_size = static_cast<uint32_t>(4 * words.size());
+        words_.insert(words_.end(), {0, 0, size.value_or(real_size), type});
         words_.insert(words_.end(), words.begin(), words.end());
         words_.resize((words_.size() + 1) / 2 * 2);
         return *this;
     }
     /// Cuts the last `count` bytes off.
-    Sequence& cut(uint32_t count) {
+    Sequence& cut(size_t count) {
         cut_ = count;
         return *this;
     }
-    bool read(const EqUris& uris, bool active, size_t shift = 0) const {
+    Sequence& unit(uint32_t unit) {
+        words_[2] = unit;
+        return *this;
+    }
+    /// The sequence `shift` bytes off alignment, with nothing behind it: the sanitizers notice who
+    /// reads on.
+    std::unique_ptr<uint8_t[]> bytes(LV2_URID type, size_t shift) const {
         const size_t size = 4 * words_.size() - cut_;
-        const std::unique_ptr<uint8_t[]> memory(new uint8_t[shift + size]);
+        const LV2_Atom head = {static_cast<uint32_t>(size - sizeof(LV2_Atom)), type};
+        std::unique_ptr<uint8_t[]> memory(new uint8_t[shift + size]);
         std::memcpy(memory.get() + shift, words_.data(), size);
-        const auto body_size = static_cast<uint32_t>(size - sizeof(LV2_Atom));
-        std::memcpy(memory.get() + shift, &body_size, sizeof body_size);
-        return read_requests(reinterpret_cast<const LV2_Atom_Sequence*>(memory.get() + shift), uris,
-                             active);
+        std::memcpy(memory.get() + shift, &head, sizeof head);
+        return memory;
     }
 
   private:
-    std::vector<uint32_t> words_;
-    uint32_t cut_ = 0;
+    Words words_ = {0, 0, 0, 0};
+    size_t cut_ = 0;
 };
 
-TEST_F(Messages, RequestsSwitchRowsOnAndOff) {
-    const std::vector<uint32_t> enable = {1, uris.enable_ui};
-    const std::vector<uint32_t> disable = {1, uris.disable_ui};
-    const LV2_URID object = uris.atom_object;
+struct RowMessage {
+    int32_t sample_rate;
+    int32_t id;
+    std::vector<float> row;
+};
+
+/// A host with an editor, which processes noise in place and decodes what comes back.
+class EditorHost : public PluginHost {
+  public:
+    EditorHost(int channels, double rate)
+        : PluginHost(channels, rate), audio_(static_cast<size_t>(channels)) {}
+
+    LV2_URID urid(const std::string& uri) { return map()(uri); }
+    Sequence request(const char* uri) {
+        return Sequence().event(urid(LV2_ATOM__Object), {1, urid(uri)});
+    }
+
+    /// A block of `n` samples, different in each channel; returns the first channel's input.
+    std::vector<float> play(uint32_t n, const Sequence& requests = {}, size_t shift = 0) {
+        for (size_t c = 0; c < audio_.size(); ++c) {
+            audio_[c].resize(n);
+            std::generate(audio_[c].begin(), audio_[c].end(), [&] { return level_(random_); });
+            const auto number = kFirstAudioPort + 2 * static_cast<uint32_t>(c);
+            connect(number, audio_[c].data());
+            connect(number + 1, audio_[c].data());
+        }
+        std::vector<float> first = audio_[0];
+        const Words room(notify.size() / 4, kJunk);
+        std::memcpy(notify.data(), room.data(), notify.size());
+        std::memcpy(notify.data(), &notify_capacity, sizeof notify_capacity);
+        const auto control_bytes = requests.bytes(urid(LV2_ATOM__Sequence), shift);
+        connect(kControlPort, control_bytes.get() + shift);
+        run(n);
+        connect(kControlPort, nullptr);
+        return first;
+    }
+    /// Whether rows come after `requests`, when they came before or not.
+    bool rows_after(const Sequence& requests, bool before, size_t shift = 0) {
+        play(1, request(before ? kEnableUiUri : kDisableUiUri));
+        play(512, requests, shift);
+        return message().has_value();
+    }
+
+    Words notify_words(size_t count) const {
+        Words words(count);
+        std::memcpy(words.data(), notify.data(), 4 * count);
+        return words;
+    }
+    bool notified() const { return notify_words(4)[2] != kJunk; }
+
+    std::optional<RowMessage> message() {
+        const auto& sequence = *reinterpret_cast<const LV2_Atom_Sequence*>(notify.data());
+        if (!notified() || sequence.atom.size == sizeof(LV2_Atom_Sequence_Body)) {
+            return std::nullopt;
+        }
+        const LV2_Atom_Event* event = lv2_atom_sequence_begin(&sequence.body);
+        const auto* object = reinterpret_cast<const LV2_Atom_Object*>(&event->body);
+        const LV2_Atom_Int* rate = nullptr;
+        const LV2_Atom_Int* id = nullptr;
+        const LV2_Atom_Vector* vector = nullptr;
+        lv2_atom_object_get_typed(object, urid(kSampleRateUri), &rate, urid(LV2_ATOM__Int),
+                                  urid(kPlotIdUri), &id, urid(LV2_ATOM__Int), urid(kPlotArrayUri),
+                                  &vector, urid(LV2_ATOM__Vector), 0);
+        if (rate == nullptr || id == nullptr || vector == nullptr) {
+            return std::nullopt;
+        }
+        RowMessage message = {rate->body, id->body, std::vector<float>(kPlotBins)};
+        std::memcpy(message.row.data(), vector + 1, kPlotBins * sizeof(float));
+        return message;
+    }
+
+  private:
+    Audio audio_;
+    std::mt19937 random_{5};
+    std::uniform_real_distribution<float> level_{-0.5f, 0.5f};
+};
+
+TEST(Requests, SwitchRowsOnAndOff) {
+    EditorHost host(1, 48000.0);
+    const LV2_URID object = host.urid(LV2_ATOM__Object);
+    const Words enable = {1, host.urid(kEnableUiUri)};
+    const Words disable = {1, host.urid(kDisableUiUri)};
     for (size_t shift : {0u, 1u, 4u, 7u}) {
         SCOPED_TRACE(shift);
-        for (LV2_URID type : {object, uris.atom_blank}) {
-            EXPECT_TRUE(Sequence().event(type, enable).read(uris, false, shift));
-            EXPECT_FALSE(Sequence().event(type, disable).read(uris, true, shift));
+        for (const char* type : {LV2_ATOM__Object, LV2_ATOM__Blank}) {
+            const LV2_URID urid = host.urid(type);
+            EXPECT_TRUE(host.rows_after(Sequence().event(urid, enable), false, shift));
+            EXPECT_FALSE(host.rows_after(Sequence().event(urid, disable), true, shift));
         }
         const auto on_off = Sequence().event(object, enable).event(object, disable);
-        EXPECT_FALSE(on_off.read(uris, false, shift));
+        EXPECT_FALSE(host.rows_after(on_off, false, shift));
         const auto off_on = Sequence().event(object, disable).event(object, enable);
-        EXPECT_TRUE(off_on.read(uris, true, shift));
+        EXPECT_TRUE(host.rows_after(off_on, true, shift));
         // Foreign events of any length stand between, and properties may follow the type.
         const auto among_others = Sequence()
-                                      .event(uris.atom_int, {7})
+                                      .event(host.urid(LV2_ATOM__Int), {7})
                                       .event(77, {0x00643c90}, 3)
-                                      .event(object, {1, uris.enable_ui, 5, 0, 4, 2, 1})
-                                      .event(object, {1, uris.message})
+                                      .event(object, {1, host.urid(kEnableUiUri), 5, 0, 4, 2, 1})
+                                      .event(object, {1, host.urid(kMessageUri)})
                                       .event(77, {1, 2, 3});
-        EXPECT_TRUE(among_others.read(uris, false, shift));
+        EXPECT_TRUE(host.rows_after(among_others, false, shift));
     }
-    EXPECT_TRUE(Sequence(forge.Sequence, 99).event(object, enable).read(uris, false))
+    EXPECT_TRUE(host.rows_after(Sequence().unit(99).event(object, enable), false))
         << "the time of a request does not matter, whatever its unit";
 }
 
-TEST_F(Messages, MalformedSequencesChangeNothing) {
-    const std::vector<uint32_t> enable = {1, uris.enable_ui};
-    const std::vector<uint32_t> disable = {1, uris.disable_ui};
-    const LV2_URID object = uris.atom_object;
-    const auto both = [&](uint32_t size) {
-        return std::pair{Sequence().event(object, enable, size),
-                         Sequence().event(object, disable, size)};
-    };
+TEST(Requests, ThatAreMalformedChangeNothing) {
+    EditorHost host(1, 48000.0);
+    const LV2_URID object = host.urid(LV2_ATOM__Object);
+    const Words enable = {1, host.urid(kEnableUiUri)};
+    const Words disable = {1, host.urid(kDisableUiUri)};
     std::vector<std::pair<Sequence, Sequence>> cases = {
         {Sequence(), Sequence()},
-        {Sequence().event(uris.atom_vector, enable), Sequence().event(0, disable)},
-        {Sequence().event(object, {uris.enable_ui, 0}), Sequence().event(object, {1, 0})},
-        both(4),            // too short for a type
-        both(9),            // runs past the end by a byte
-        both(0xffffffffu),  // and by all that a size can hold
-        both(0xfffffff9u),
-    };
-    for (uint32_t cut = 1; cut <= 32; ++cut) {
-        cases.push_back({Sequence().event(object, enable).cut(cut),
-                         Sequence().event(object, disable).cut(cut)});
+        {Sequence().event(host.urid(LV2_ATOM__Vector), enable), Sequence().event(0, disable)},
+        {Sequence().event(object, {enable[1], 0}), Sequence().event(object, {disable[1], 0})},
+        // What follows a broken event is not read: its place is unknown.
+        {Sequence().event(77, {}, 4096).event(object, enable),
+         Sequence().event(77, {}, 4096).event(object, disable)}};
+    // Too short for a type, past the end by a byte, and by all that a size can hold.
+    for (uint32_t size : {4u, 9u, 0xfffffff9u, 0xffffffffu}) {
+        cases.emplace_back(Sequence().event(object, enable, size),
+                           Sequence().event(object, disable, size));
     }
-    // What follows a broken event is not read either: its place is unknown.
-    cases.push_back({Sequence().event(77, {}, 4096).event(object, enable),
-                     Sequence().event(77, {}, 4096).event(object, disable)});
+    for (size_t cut = 1; cut <= 32; ++cut) {
+        cases.emplace_back(Sequence().event(object, enable).cut(cut),
+                           Sequence().event(object, disable).cut(cut));
+    }
     for (size_t i = 0; i < cases.size(); ++i) {
         SCOPED_TRACE(i);
-        EXPECT_FALSE(cases[i].first.read(uris, false));
-        EXPECT_TRUE(cases[i].second.read(uris, true));
+        EXPECT_FALSE(host.rows_after(cases[i].first, false));
+        EXPECT_TRUE(host.rows_after(cases[i].second, true));
     }
-    EXPECT_TRUE(read_requests(nullptr, uris, true));
-    EXPECT_FALSE(read_requests(nullptr, uris, false));
 }
 
-/// The notify port's buffer with a capacity and whatever hosts leave there, and a guard behind it.
-struct NotifyTest : Messages {
-    static constexpr size_t kWords = 300;
-    static constexpr uint32_t kJunk = 0xdeadbeefu;
-
-    NotifyTest() : analyser(std::make_unique<SpectrumAnalyser>()) {
-        init_analyser(*analyser, 44100.0);
-        analyser->row_index = 77;
-        for (size_t bin = 0; bin < kPlotBins; ++bin) {
-            analyser->rows[77][bin] = -10.0f - static_cast<float>(bin) / 4.0f;
-        }
+TEST(Rows, HaveTheirPlaceToTheByte) {
+    EditorHost host(2, 44100.0);
+    reference::Analyser plain(44100.0);
+    host.notify_capacity = 1080;
+    for (float x : host.play(2049, host.request(kEnableUiUri))) {
+        plain.add(x);
     }
-    LV2_Atom_Sequence* write(uint32_t capacity, bool active) {
-        std::fill(std::begin(words), std::end(words), kJunk);
-        words[0] = capacity;
-        auto* sequence = reinterpret_cast<LV2_Atom_Sequence*>(words);
-        write_notify(forge, sequence, uris, active, 44100, *analyser);
-        return sequence;
-    }
-    void expect_junk_from(size_t word) {
-        for (size_t i = word; i < kWords; ++i) {
-            ASSERT_EQ(words[i], kJunk) << "in word " << i;
-        }
-    }
-    void expect_empty_sequence() {
-        EXPECT_THAT(std::vector<uint32_t>(words, words + 4),
-                    testing::ElementsAre(8, map["http://lv2plug.in/ns/ext/atom#Sequence"], 0, 0));
-        expect_junk_from(4);
-    }
-
-    std::unique_ptr<SpectrumAnalyser> analyser;
-    alignas(8) uint32_t words[kWords];
-};
-
-TEST_F(NotifyTest, RowHasItsPlaceToTheByte) {
-    write(1080, true);
-    const std::string atom = "http://lv2plug.in/ns/ext/atom#";
-    const std::string own = "urn:brindle-audio:plugins/lv2/Brindle#";
-    std::vector<uint32_t> expected = {
+    Words expected = {
         1072,
-        map[atom + "Sequence"],
+        host.urid(LV2_ATOM__Sequence),
         0,
         0,  // size, type, unit, padding
         0,
         0,  // time in frames, 64 bits
         1048,
-        map[atom + "Object"],  // the object's size and type
+        host.urid(LV2_ATOM__Object),  // the object's size and type
         1,
-        map[own + "brindle"],  // its id and type
-        map[own + "samplerate"],
+        host.urid(kMessageUri),  // its id and type
+        host.urid(kSampleRateUri),
         0,  // key and context
         4,
-        map[atom + "Int"],
+        host.urid(LV2_ATOM__Int),
         44100,
         0,  // a value and padding
-        map[own + "plot_id"],
+        host.urid(kPlotIdUri),
         0,  //
         4,
-        map[atom + "Int"],
-        77,
+        host.urid(LV2_ATOM__Int),
+        2,
         0,  //
-        map[own + "plot_array"],
+        host.urid(kPlotArrayUri),
         0,  //
         972,
-        map[atom + "Vector"],
+        host.urid(LV2_ATOM__Vector),  //
         4,
-        map[atom + "Float"],  // size, type, child size, child type
+        host.urid(LV2_ATOM__Float),  // size and type of the vector's children
     };
-    for (int bin = 0; bin < 241; ++bin) {
-        const float level_db = -10.0f - static_cast<float>(bin) / 4.0f;
-        uint32_t bits = 0;
-        std::memcpy(&bits, &level_db, sizeof bits);
-        expected.push_back(bits);
-    }
+    expected.resize(28 + 241);
+    std::memcpy(&expected[28], plain.rows[2].data(), 4 * 241);
     expected.push_back(0);  // padding
-    ASSERT_EQ(expected.size(), 270u);
-    EXPECT_EQ(std::vector<uint32_t>(words, words + 270), expected);
-    expect_junk_from(270);
+    expected.push_back(kJunk);
+    EXPECT_EQ(host.notify_words(271), expected);
 }
 
-TEST_F(NotifyTest, AtomUtilitiesReadTheRow) {
-    const LV2_Atom_Sequence* sequence = write(8192, true);
-    int events = 0;
-    LV2_ATOM_SEQUENCE_FOREACH(sequence, event) {
-        ++events;
-        ASSERT_TRUE(lv2_atom_forge_is_object_type(&forge, event->body.type));
-        const auto* object = reinterpret_cast<const LV2_Atom_Object*>(&event->body);
-        const LV2_Atom_Int* rate = nullptr;
-        const LV2_Atom_Int* id = nullptr;
-        const LV2_Atom_Vector* row = nullptr;
-        EXPECT_EQ(lv2_atom_object_get_typed(object, uris.sample_rate, &rate, uris.atom_int,
-                                            uris.plot_id, &id, uris.atom_int, uris.plot_array, &row,
-                                            uris.atom_vector, 0),
-                  3);
-        ASSERT_TRUE(rate && id && row);
-        EXPECT_EQ(rate->body, 44100);
-        EXPECT_EQ(id->body, 77);
-        ASSERT_EQ(row->atom.size, sizeof(LV2_Atom_Vector_Body) + 241 * sizeof(float));
-        EXPECT_EQ(std::memcmp(row + 1, analyser->rows[77].data(), 241 * sizeof(float)), 0);
-    }
-    EXPECT_EQ(events, 1);
-}
-
-TEST_F(NotifyTest, SequenceIsEmptyWhereTheRowIsNotWantedOrDoesNotFit) {
-    write(8192, false);
-    expect_empty_sequence();
+TEST(Rows, AreLeftOutWhereTheyDoNotFit) {
+    EditorHost host(1, 48000.0);
+    const Words empty = {8, host.urid(LV2_ATOM__Sequence), 0, 0, kJunk, kJunk};
+    host.play(1, host.request(kEnableUiUri));
     for (uint32_t capacity : {16u, 24u, 104u, 1024u, 1072u, 1079u}) {
         SCOPED_TRACE(capacity);
-        write(capacity, true);
-        expect_empty_sequence();
+        host.notify_capacity = capacity;
+        host.play(512);
+        EXPECT_EQ(host.notify_words(6), empty);
+    }
+    for (uint32_t capacity : {0u, 7u, 8u, 15u}) {
+        SCOPED_TRACE(capacity);
+        host.notify_capacity = capacity;
+        host.play(512);
+        EXPECT_EQ(host.notify_words(3), (Words{capacity, kJunk, kJunk}));
+    }
+    host.connect(kNotifyPort, nullptr);
+    host.play(512);
+}
+
+TEST(Rows, AreThoseOfTheFirstInputAndComeInBlocksWithAMeterTick) {
+    for (const auto& [channels, rate, period] :
+         {std::tuple{1, 44100.0, 512}, {2, 48000.0, 512}, {2, 96000.9, 1024}}) {
+        SCOPED_TRACE(rate);
+        EditorHost host(channels, rate);
+        reference::Analyser plain(rate);
+        std::mt19937 random(6);
+        int ticks = 0;
+        int position = 0;
+        for (int block = 0; block < 300; ++block) {
+            const int n = static_cast<int>(random() % 400) + 1;
+            const auto left = host.play(static_cast<uint32_t>(n), host.request(kEnableUiUri));
+            for (float x : left) {
+                plain.add(x);
+            }
+            position += n;
+            // A tick falls on each sample whose number is a multiple of the period.
+            const int ticks_before = ticks;
+            ticks = (position + period - 1) / period;
+            ASSERT_EQ(host.notified(), ticks > ticks_before) << "block " << block;
+            if (host.notified()) {
+                const auto message = host.message();
+                ASSERT_TRUE(message);
+                ASSERT_EQ(message->sample_rate, static_cast<int>(rate));
+                ASSERT_EQ(message->id, plain.row_index);
+                ASSERT_EQ(message->row, plain.rows[static_cast<size_t>(plain.row_index)]);
+            }
+        }
+        EXPECT_GT(plain.row_index, 10);
     }
 }
 
-TEST_F(NotifyTest, BufferWithoutRoomForASequenceIsLeftAlone) {
-    for (uint32_t capacity : {0u, 7u, 8u, 15u}) {
-        SCOPED_TRACE(capacity);
-        write(capacity, true);
-        EXPECT_EQ(words[0], capacity);
-        expect_junk_from(1);
-    }
-    write_notify(forge, nullptr, uris, true, 44100, *analyser);
+TEST(Rows, StandStillWhileNoEditorListens) {
+    EditorHost host(2, 48000.0);
+    const auto only_empty = [&host] { return host.notified() && !host.message(); };
+    host.play(4096);
+    EXPECT_TRUE(only_empty());
+    host.play(4096, host.request(kEnableUiUri));
+    EXPECT_EQ(host.message()->id, 2);
+    host.play(8192, host.request(kDisableUiUri));
+    EXPECT_TRUE(only_empty());
+    host.play(1, host.request(kEnableUiUri));
+    EXPECT_EQ(host.message()->id, 3) << "the row that the disabled blocks did not fill";
 }
 
 }  // namespace
-}  // namespace brindle
+}  // namespace brindle::test
