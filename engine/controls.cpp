@@ -15,16 +15,16 @@ struct Limits {
     float low, high;
 };
 
-// 16 stages of 40 dB and a trim of 40 dB stay within the range of a float. Q is held where poles
-// stay inside the unit circle and the designs' exponentials within range. Frequencies are held by
-// the stages, in shares of the sample rate.
+// 16 stages of 40 dB (rounding makes it 44 at worst) and a trim of 40 dB stay within the range of a
+// float. Q is held where poles stay inside the unit circle and the designs' exponentials in range.
+// Frequencies are held by the stages, in shares of the sample rate.
 constexpr Limits kGainLimits = {0.0f, -40.0f, 40.0f};
 constexpr std::array<Limits, kControlCount> kLimits = {{
     {0.0f, -1e6f, 1e6f},       // enable
     {0.0f, -1e6f, 1e6f},       // type
     kGainLimits,               // dB
     {1000.0f, -1e30f, 1e30f},  // Hz
-    {1.0f, 0.025f, 1e4f},      // Q
+    {1.0f, 0.025f, 1e3f},      // Q
 }};
 
 // Bands and sections have their controls in the same order, one after the other.

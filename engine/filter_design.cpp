@@ -53,6 +53,12 @@ MatchedPoles matched_poles(const Prototype& p, double G, double Q) {
     return m;
 }
 
+// Below 2e-5 of the sample rate (20 Hz at 1 MHz) a Bell's numerator is lost in rounding.
+Prototype above_rounding(Prototype p) {
+    p.freq = std::max(p.freq, 2e-5 / p.dt);
+    return p;
+}
+
 MatchedPoles matched_poles_with_gain(const Prototype& p) {
     return matched_poles(p, exp10(p.gain / 40.0), p.q);
 }
@@ -117,8 +123,8 @@ Coefficients design_high_pass12(const Prototype& p) noexcept {
     return {b0, -2.0 * b0, b0, m.a1, m.a2};
 }
 
-Coefficients design_bell(const Prototype& p) noexcept {
-    const MatchedPoles d = matched_poles_with_gain(p);
+Coefficients design_bell(const Prototype& proto) noexcept {
+    const MatchedPoles d = matched_poles_with_gain(above_rounding(proto));
     const double G4 = square(square(d.G));
     const double W = G4 * (16.0 * (d.c - d.s) * d.a2 + square(d.P1) - square(d.P0));
     const double B = (G4 * d.R - d.s * W - square(d.P0)) / (4.0 * square(d.s));
@@ -128,7 +134,8 @@ Coefficients design_bell(const Prototype& p) noexcept {
     return {b0, h / 2.0, -B / (4.0 * b0), d.a1, d.a2};
 }
 
-Coefficients design_search(const Prototype& p) noexcept {
+Coefficients design_search(const Prototype& proto) noexcept {
+    const Prototype p = above_rounding(proto);
     const MatchedPoles d = matched_poles_with_gain(p);
     const double v = 2.0 * p.freq * p.dt;  // frequency as a share of Nyquist
     const double at_nyquist = -0.5 * d.P1 * v / d.Q;

@@ -12,7 +12,7 @@ namespace brindle {
 struct Prototype {
     double gain;     ///< dB, -40 to 40
     double freq;     ///< Hz, above zero and below half the sample rate
-    double q;        ///< 0.025 to 10000
+    double q;        ///< 0.025 to 1000
     double damping;  ///< signed damping k of the shelves' s² + k·s + 1
     double dt;       ///< 1 / sample rate, seconds
 };
