@@ -200,36 +200,23 @@ TEST(Rows, HaveTheirPlaceToTheByte) {
     for (float x : host.play(2049, host.request(kEnableUiUri))) {
         plain.add(x);
     }
-    Words expected = {
-        1072,
-        host.urid(LV2_ATOM__Sequence),
-        0,
-        0,  // size, type, unit, padding
-        0,
-        0,  // time in frames, 64 bits
-        1048,
-        host.urid(LV2_ATOM__Object),  // the object's size and type
-        1,
-        host.urid(kMessageUri),  // its id and type
-        host.urid(kSampleRateUri),
-        0,  // key and context
-        4,
-        host.urid(LV2_ATOM__Int),
-        44100,
-        0,  // a value and padding
-        host.urid(kPlotIdUri),
-        0,  //
-        4,
-        host.urid(LV2_ATOM__Int),
-        2,
-        0,  //
-        host.urid(kPlotArrayUri),
-        0,  //
-        972,
-        host.urid(LV2_ATOM__Vector),  //
-        4,
-        host.urid(LV2_ATOM__Float),  // size and type of the vector's children
-    };
+    const LV2_URID atom_int = host.urid(LV2_ATOM__Int);
+    Words expected;
+    for (const Words& part : {
+             Words{1072, host.urid(LV2_ATOM__Sequence), 0, 0},  // size, type, unit, padding
+             Words{0, 0},                                       // time in frames, 64 bits
+             Words{1048, host.urid(LV2_ATOM__Object)},          // size and type
+             Words{1, host.urid(kMessageUri)},                  // the object's id and type
+             Words{host.urid(kSampleRateUri), 0},               // key and context
+             Words{4, atom_int, 44100, 0},                      // size, type, value, padding
+             Words{host.urid(kPlotIdUri), 0},                   // key and context
+             Words{4, atom_int, 2, 0},                          // size, type, value, padding
+             Words{host.urid(kPlotArrayUri), 0},                // key and context
+             Words{972, host.urid(LV2_ATOM__Vector)},           // size and type
+             Words{4, host.urid(LV2_ATOM__Float)},              // the same of a child
+         }) {
+        expected.insert(expected.end(), part.begin(), part.end());
+    }
     expected.resize(28 + 241);
     std::memcpy(&expected[28], plain.rows[2].data(), 4 * 241);
     expected.push_back(0);  // padding
