@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: ISC
 /// The pictures of the built bundle, read as the editor reads them.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "gl/bitmap.h"
@@ -37,6 +42,11 @@ Ink FindInk(const Bitmap& image) {
         }
     }
     return ink;
+}
+
+std::string Bytes(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 Bitmap LoadPicture(const std::string& name) {
@@ -116,6 +126,25 @@ TEST(Pictures, ChainsHalveAndKeepTheirArea) {
             EXPECT_NEAR(covered / (double{1.0} * width * width), chain.covered, 0.003);
         }
     }
+}
+
+TEST(Pictures, AreTheSameWheneverTheyAreMade) {
+    namespace fs = std::filesystem;
+    const fs::path bundle = BRINDLE_BUNDLE "/res";
+    const fs::path again = fs::temp_directory_path() / ("brindle-" + std::to_string(getpid()));
+    const std::string command =
+        std::string(BRINDLE_MAKE_PICTURES " " BRINDLE_FONT " ") + again.string();
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    int files = 0;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(again)) {
+        if (entry.is_regular_file()) {
+            ++files;
+            EXPECT_EQ(Bytes(entry.path()), Bytes(bundle / fs::relative(entry.path(), again)))
+                << entry.path();
+        }
+    }
+    EXPECT_EQ(files, 21 + static_cast<int>(kGlyphCount));
+    fs::remove_all(again);
 }
 
 }  // namespace

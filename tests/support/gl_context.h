@@ -7,10 +7,8 @@
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 
-#include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -60,8 +58,7 @@ class GLContext {
         glDeleteTextures(1, &texture_);
         eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
         eglDestroyContext(display_, context_);
-        eglTerminate(display_);
-        eglReleaseThread();
+        // The display stays: it belongs to the process, and the driver with it.
     }
     GLContext(const GLContext&) = delete;
     GLContext& operator=(const GLContext&) = delete;
@@ -133,41 +130,5 @@ class GLContext {
     GLuint framebuffer_ = 0;
     GLuint texture_ = 0;
 };
-
-/// Writes a picture as BMP, for people to look at. False where the file cannot be written.
-inline bool WriteBitmap(const Picture& picture, const std::string& path) {
-    std::ofstream file(path, std::ios::binary);
-    const auto put = [&file](uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i) {
-            file.put(static_cast<char>(value >> (8 * i)));
-        }
-    };
-    const auto width = static_cast<uint32_t>(picture.width);
-    const auto height = static_cast<uint32_t>(picture.height);
-    put(0x4D42, 2);
-    put(54 + width * height * 4, 4);
-    put(0, 4);
-    put(54, 4);
-    put(40, 4);
-    put(width, 4);
-    put(height, 4);
-    put(1, 2);
-    put(32, 2);
-    put(0, 4);
-    put(width * height * 4, 4);
-    for (int i = 0; i < 4; ++i) {
-        put(0, 4);
-    }
-    for (int y = picture.height - 1; y >= 0; --y) {
-        for (int x = 0; x < picture.width; ++x) {
-            const Pixel pixel = picture.At(x, y);
-            put(pixel.blue, 1);
-            put(pixel.green, 1);
-            put(pixel.red, 1);
-            put(pixel.alpha, 1);
-        }
-    }
-    return file.good();
-}
 
 }  // namespace brindle
