@@ -254,11 +254,20 @@ void GLView_ParametricEQGrabber::DrawFront() {
     const GLPoint place = Place();
     if (graph_.selectedHandle == index) DrawSelection(look, place);
 
-    glTranslatef(place.x, -44.0f * look.m - graph_.hh, 0.0f);
+    DrawMarkerAt(place.x, look);
+}
+
+void GLView_ParametricEQGrabber::DrawMarkerAt(float placeX, const GraphLook& look) {
+    constexpr float kSize = 18.0f;
+    constexpr float kInnerSize = 12.0f;
+    // From the middle of the marker's height, 0.866 of its size, up to its centre.
+    constexpr float kRise = kSize * (0.5773503f - 0.4330127f);
+    const MatrixScope matrix;
+    glTranslatef(placeX, (-44.0f + kRise) * look.m - graph_.hh, 0.0f);
     BandColor().Apply();
-    DrawMarker(18.0f * look.m);
+    DrawMarker(kSize * look.m);
     look.background.Apply();
-    DrawMarker(12.0f * look.m);
+    DrawMarker(kInnerSize * look.m);
 }
 
 void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint place) {
@@ -271,11 +280,12 @@ void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint pl
         DrawRing(hh - 4.0f * look.m, look.m);
     }
     {
+        const float top = place.y - hw - look.m;  // the label stays free
         const float bottom = -graph_.hh - 36.0f * look.m;
         const MatrixScope matrix;
-        glTranslatef(place.x, (place.y + bottom) / 2.0f, 0.0f);
+        glTranslatef(place.x, (top + bottom) / 2.0f, 0.0f);
         BandColor().ApplyFaded(0.7f);
-        DrawRect(look.m / 2.0f, (place.y - bottom) / 2.0f);
+        DrawRect(look.m / 2.0f, (top - bottom) / 2.0f);
     }
     DrawReadout(look, place.x);
 }

@@ -66,6 +66,7 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     void BeginSearch();
     void EndSearch();
     void Restore(uint32_t controlPort, float value);
+    void DrawMarkerAt(float placeX, const GraphLook& look);
     void DrawSelection(const GraphLook& look, GLPoint place);
     void DrawReadout(const GraphLook& look, float placeX);
 

@@ -120,6 +120,16 @@ void DrawFillStrip(std::span<const float> heights, float x0, float dx, float low
     }
 }
 
+/// A piece of a line between glBegin(GL_LINES) and glEnd, longer at both ends by `overlap`: the
+/// smoothed ends of neighbours would else leave a seam.
+void EmitPiece(float x0, float y0, float x1, float y1, float overlap) {
+    const float share = overlap / std::hypot(x1 - x0, y1 - y0);
+    const float extraX = (x1 - x0) * share;
+    const float extraY = (y1 - y0) * share;
+    glVertex2f(x0 - extraX, y0 - extraY);
+    glVertex2f(x1 + extraX, y1 + extraY);
+}
+
 /// Draws only between two heights until the end of a scope.
 struct VerticalClip {
     explicit VerticalClip(float hh) {
@@ -144,14 +154,18 @@ float Opacity(float db) {
     return alpha > 0.0f ? std::min(alpha, 1.0f) : 0.0f;
 }
 
-void DrawSpectrumRow(const SpectrumHistory::Row& row, float y, const GraphLook& look) {
+/// One row between two heights. Rows are as high as lines of one pixel at the design size, and
+/// meet at any other.
+void DrawSpectrumRow(const SpectrumHistory::Row& row, float bottom, float top,
+                     const GraphLook& look) {
     if (std::none_of(row.begin(), row.end(), [](float db) { return Opacity(db) > 0.0f; })) return;
     const float dx = 2.0f * look.hw / static_cast<float>(row.size());
-    const PlainPrimitives line(GL_LINE_STRIP);
+    const PlainPrimitives strip(GL_QUAD_STRIP);
     float x = dx / 2.0f - look.hw;
     for (const float db : row) {
         look.foreground.ApplyFaded(Opacity(db));
-        glVertex2f(x, y);
+        glVertex2f(x, bottom);
+        glVertex2f(x, top);
         x += dx;
     }
 }
@@ -200,12 +214,11 @@ void DrawResponse(std::span<const float> heights, const GraphLook& look) {
     glLineWidth(6.0f);
     look.foreground.Apply();
     {
+        const PlainPrimitives line(GL_LINES);
         // The line ends one point before the area does.
-        const PlainPrimitives line(GL_LINE_STRIP);
-        float x = x0;
-        for (const float y : heights.first(heights.size() - 1)) {
-            glVertex2f(x, y);
-            x += dx;
+        for (size_t i = 0; i + 2 < heights.size(); ++i) {
+            const float x = x0 + static_cast<float>(i) * dx;
+            EmitPiece(x, heights[i], x + dx, heights[i + 1], look.m);
         }
     }
     glLineWidth(1.0f);
@@ -224,13 +237,12 @@ void DrawEdgeShading(const GraphLook& look) {
 void DrawSpectrum(const SpectrumHistory& history, const GraphLook& look) {
     constexpr int kRowsDrawn = 48;
     const float rise = 0.92f * look.m;
-    float y = -56.0f * look.m - look.hh;
-    glLineWidth(2.0f);
+    const float newest = -56.0f * look.m - look.hh;
     for (int age = 0; age < kRowsDrawn; ++age) {
         const int row = (history.newest - age + kPlotRows) % kPlotRows;
-        DrawSpectrumRow(history.rows[static_cast<size_t>(row)], y, look);
-        glLineWidth(1.0f);
-        y += rise;
+        const float y = newest + static_cast<float>(age) * rise;
+        const float bottom = age == 0 ? newest - look.m : y - rise / 2.0f;
+        DrawSpectrumRow(history.rows[static_cast<size_t>(row)], bottom, y + rise / 2.0f, look);
     }
     const PlainPrimitives quads(GL_QUADS);
     EmitFadeY(look.background, -look.hh - 12.0f * look.m, -look.hh - 22.0f * look.m, look.hw);
@@ -249,11 +261,16 @@ void DrawRing(float radius, float thickness) {
 }
 
 void DrawMarker(float size) {
-    const float half = size / 2.0f;
-    const PlainPrimitives triangle(GL_TRIANGLES);
-    glVertex2f(-half, half);
-    glVertex2f(half, half);
-    glVertex2f(0.0f, -half);
+    constexpr float kInnerRadius = 0.28867513f;  // of a triangle with sides of 1
+    const float hw = size / 2.0f;
+    const float top = size * kInnerRadius;
+    // The smoothed outline softens the edges of the area.
+    for (const GLenum mode : {GL_TRIANGLES, GL_LINE_LOOP}) {
+        const PlainPrimitives triangle(mode);
+        glVertex2f(-hw, top);
+        glVertex2f(hw, top);
+        glVertex2f(0.0f, -2.0f * top);
+    }
 }
 
 }  // namespace brindle

@@ -48,8 +48,8 @@ void DrawSpectrum(const SpectrumHistory& history, const GraphLook& look);
 /// A circle line around the origin in the current colour.
 void DrawRing(float radius, float thickness);
 
-/// A triangle around the origin in the current colour, as wide and high as `size`, that points
-/// down.
+/// A triangle in the current colour that points down, its three sides `size` long and its centre,
+/// the same distance from all of them, at the origin.
 void DrawMarker(float size);
 
 }  // namespace brindle
