@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: ISC
-// What it costs to bring the response curves up to date.
+// What it costs to bring the response curves up to date, and to draw the graph with software GL.
 #include <benchmark/benchmark.h>
 
 #include <array>
 
+#include "gl/GLResources.h"
+#include "gl/settings.h"
 #include "graph/response_kernel.h"
 #include "graph/type_curves.h"
+#include "tests/graph/graph_fixture.h"
+#include "tests/support/gl_context.h"
 
 namespace {
 
@@ -60,5 +64,59 @@ void Kernel(benchmark::State& state) {
 }
 BENCHMARK(Kernel<AddResponse>)->ArgName("factors")->Arg(1)->Arg(4);
 BENCHMARK(Kernel<AddResponseScalar>)->ArgName("factors")->Arg(1)->Arg(4);
+
+/// The whole update after one band's parameter changed: its own curve, those of the bands above it
+/// (none above the last, seven above the first) and the total.
+void UpdateAfterBand(benchmark::State& state) {
+    GraphFixture fixture;
+    const uint32_t port = band_port(static_cast<int>(state.range(0))) + kGain;
+    for (auto _ : state) {
+        fixture.graph->ParameterChanged(port);
+        fixture.graph->UpdateCurves();
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(UpdateAfterBand)->ArgName("band")->Arg(7)->Arg(0);
+
+/// Sections and total: no band is evaluated again.
+void UpdateAfterSection(benchmark::State& state) {
+    GraphFixture fixture;
+    fixture.Set(8, {1.0f, 4.0f, 0.0f, 40.0f, 1.0f});
+    fixture.Set(9, {1.0f, 12.0f, 6.0f, 9000.0f, 1.0f});
+    for (auto _ : state) {
+        fixture.graph->ParameterChanged(section_port(0));
+        fixture.graph->UpdateCurves();
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(UpdateAfterSection);
+
+/// One pass over the graph and its handles at the layers' size, finished by GL. Back and main pass
+/// run when something has changed, the front pass in each frame.
+template <void (GLView::*kPass)()>
+void Pass(benchmark::State& state) {
+    GLContext gl(2000, 1200);
+    resourceDirectory = BRINDLE_BUNDLE "/";
+    GraphFixture fixture;
+    GLResources resources(fixture.page.interfaceScale);
+    fixture.page.resources = &resources;
+    for (auto& row : fixture.graph->spectrum.rows) row.fill(-20.0f);
+    for (int band = 0; band < kBandCount; ++band) {
+        fixture.Set(band, {1.0f, 9.0f, band % 2 == 0 ? 9.0f : -9.0f,
+                           60.0f * static_cast<float>(1 << band), 2.0f});
+    }
+    fixture.graph->selectedHandle = 2;
+    gl.Clear();
+    glScalef(600.0f, 600.0f, 1.0f);
+    for (auto _ : state) {
+        glPushMatrix();
+        (fixture.graph->*kPass)();
+        glPopMatrix();
+        glFinish();
+    }
+}
+BENCHMARK(Pass<&GLView::DrawBack>)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Pass<&GLView::Draw>)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Pass<&GLView::DrawFront>)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
