@@ -80,13 +80,14 @@ TEST(Entry, TakesTheLaterOfTwoMapsAndAsksForItsKeysInOrder) {
 
 TEST(Entry, IgnoresPortsOutsideTheTableAndOnesWithoutABuffer) {
     for (int channels : {1, 2}) {
-        PluginHost host(channels, 48000.0);
+        PluginHost host(channels, 48000.0), undisturbed(channels, 48000.0);
         float beyond = 1.0f;
         for (uint32_t number : {kStereoPortCount, kStereoPortCount + 1, 1u << 16, 0xffffffffu}) {
             host.connect(number, &beyond);
         }
         const Audio in = noise(channels, 2048, 3);
-        const Audio connected = host.process(in);
+        EXPECT_EQ(host.process(in), undisturbed.process(in));
+        EXPECT_EQ(host.port(kMeterOutPort), undisturbed.port(kMeterOutPort));
         host.connect(kControlPort, nullptr);
         host.connect(kNotifyPort, nullptr);
         for (uint32_t number = 2; number < kFirstAudioPort; ++number) host.connect(number, nullptr);
@@ -179,10 +180,14 @@ TEST(Bursts, EndWithinOneControlTickAndLeaveTheOtherChannelAlone) {
     }
 }
 
-// Squares beyond the range of a float must not hold the meters for ever.
-TEST(Bursts, OfHugeSamplesPassTheMetersToo) {
+// Nor must squares beyond the range of a float, or what a host left in the ports.
+TEST(Bursts, DoNotHoldTheMeters) {
     PluginHost host(1, 48000.0);
-    host.process({std::vector<float>(4096, 1e30f)});
+    for (float sample : {kNan, kInf, 1e30f}) {
+        host.process({std::vector<float>(4096, sample)});
+        EXPECT_TRUE(std::isfinite(host.port(kMeterInPort))) << sample;
+        EXPECT_TRUE(std::isfinite(host.port(kMeterOutPort))) << sample;
+    }
     host.port(kMeterInPort) = kNan;
     host.port(kMeterOutPort) = kInf;
     host.process({std::vector<float>(96000, 0.5f)});
