@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: ISC
+#include "host/info.h"
+
+#include <cstdio>
+#include <map>
+#include <string>
+
+#include "host/settings.h"
+#include "lv2/brindle.h"
+
+namespace brindle {
+namespace {
+
+/// "0 Flat, 1 LP 6dB/oct, ..."
+std::string list(const std::vector<ControlInfo::Choice>& choices) {
+    std::string text;
+    for (const ControlInfo::Choice& choice : choices) {
+        text += (text.empty() ? "" : ", ") + short_number(choice.value) + ' ' + choice.label;
+    }
+    return text;
+}
+
+}  // namespace
+
+void print_info(const Bundle& bundle) {
+    std::printf("%s  %s\n", kMonoUri, bundle.plugin_name(1).c_str());
+    std::printf("%s  %s\n", kStereoUri, bundle.plugin_name(2).c_str());
+    std::printf("in %s\n\nControls:\n", bundle.path().c_str());
+    std::printf("  port  %-12s  %7s  %7s  %7s  %-4s  %s\n", "symbol", "from", "to", "default",
+                "unit", "name");
+    std::map<std::string, std::string> symbols_by_choices;
+    for (const ControlInfo& control : bundle.controls()) {
+        std::printf("  %4u  %-12s  %7s  %7s  %7s  %-4s  %s\n", control.index,
+                    control.symbol.c_str(), short_number(control.minimum).c_str(),
+                    short_number(control.maximum).c_str(), short_number(control.normal).c_str(),
+                    control.unit.c_str(), control.name.c_str());
+        if (control.choices.empty()) continue;
+        std::string& symbols = symbols_by_choices[list(control.choices)];
+        symbols += (symbols.empty() ? "" : ", ") + control.symbol;
+    }
+    std::printf("\nValues by name:\n");
+    for (const auto& [choices, symbols] : symbols_by_choices) {
+        std::printf("  %s:\n      %s\n", symbols.c_str(), choices.c_str());
+    }
+    std::printf("\nPresets:\n");
+    for (const std::string& name : bundle.preset_names()) std::printf("  %s\n", name.c_str());
+}
+
+}  // namespace brindle

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <lilv/lilv.h>
+#include <lv2/atom/atom.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "host/bundle.h"
+
+namespace brindle {
+
+/// One running instance of the plugin with all its port buffers.
+class Plugin {
+  public:
+    /// The variant for `channels` (1 or 2) at `rate` [Hz], controls at their defaults; audio is
+    /// passed in blocks of up to `block` frames. `bundle` outlives the instance. Throws UserError
+    /// where the library cannot be loaded or refuses.
+    Plugin(Bundle& bundle, int channels, double rate, uint32_t block);
+    ~Plugin();
+    Plugin(const Plugin&) = delete;
+    Plugin& operator=(const Plugin&) = delete;
+
+    [[nodiscard]] int channels() const { return channels_; }
+    [[nodiscard]] double rate() const { return rate_; }
+
+    /// A control port's value; taken over by the next block. `port` is a control port's number.
+    void set(uint32_t port, float value) { values_[port] = value; }
+    void set(const ControlValues& values);
+    [[nodiscard]] float get(uint32_t port) const { return values_[port]; }
+
+    /// Runs interleaved audio of any length; `in` and `out` may be the same. Real-time safe.
+    void process(const float* in, float* out, size_t frames);
+
+    /// Runs silence until the plugin has arrived at its controls' values. It glides there by at
+    /// least 2 % of the remaining way each 64 samples (128 at high rates), so after 2^17 samples
+    /// (2.7 s at 48 kHz), which are 1024 such steps or more, 1e-9 of the way is left.
+    void settle();
+
+  private:
+    /// A buffer of whole 64-bit words for an atom port, as large as the bundle asks for.
+    struct MessagePort {
+        uint32_t index;
+        bool is_input;
+        std::vector<uint64_t> buffer;
+        [[nodiscard]] LV2_Atom_Sequence* sequence() {
+            return reinterpret_cast<LV2_Atom_Sequence*>(buffer.data());
+        }
+    };
+
+    void connect_ports(const Bundle& bundle, const LilvPlugin* description);
+    void prepare_messages();
+    void run_block(const float* in, float* out, uint32_t frames);
+
+    int channels_;
+    double rate_;
+    uint32_t block_;
+    LV2_URID sequence_type_;
+    LV2_URID chunk_type_;
+    InstancePtr instance_;
+    std::vector<float> values_;  ///< by port number, zero for ports that have none
+    std::vector<MessagePort> message_ports_;
+    std::vector<std::vector<float>> inputs_;  ///< by channel, `block_` frames each
+    std::vector<std::vector<float>> outputs_;
+};
+
+}  // namespace brindle

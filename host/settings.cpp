@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: ISC
+#include "host/settings.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <optional>
+
+#include "host/user_error.h"
+
+namespace brindle {
+namespace {
+
+std::optional<float> number_in(const std::string& text) {
+    float value = 0.0f;
+    const char* end = text.data() + text.size();
+    const char* start = text.data() + (text.starts_with('+') ? 1 : 0);
+    const auto result = std::from_chars(start, end, value);
+    if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
+    return value;
+}
+
+std::optional<float> choice_in(const ControlInfo& control, const std::string& text) {
+    for (const ControlInfo::Choice& choice : control.choices) {
+        if (strcasecmp(choice.label.c_str(), text.c_str()) == 0) return choice.value;
+    }
+    const bool is_switch = control.whole && control.maximum == 1.0f;
+    if (is_switch && text == "on") return 1.0f;
+    if (is_switch && text == "off") return 0.0f;
+    return std::nullopt;
+}
+
+/// What the control takes, as the end of a sentence.
+std::string accepted(const ControlInfo& control) {
+    std::string text = control.whole ? "a whole number from " : "a number from ";
+    text += short_number(control.minimum) + " to " + short_number(control.maximum);
+    if (!control.unit.empty()) text += ' ' + control.unit;
+    for (const ControlInfo::Choice& choice : control.choices) {
+        text += (choice.value == control.minimum ? " or one of " : ", ") + choice.label;
+    }
+    return text + '.';
+}
+
+float value_in(const ControlInfo& control, const std::string& text) {
+    std::optional<float> value = choice_in(control, text);
+    if (!value) value = number_in(text);
+    // Written so that NaN is refused as well.
+    if (!value || !(*value >= control.minimum && *value <= control.maximum) ||
+        (control.whole && *value != std::floor(*value))) {
+        throw UserError('"' + text + "\" is no value for " + control.symbol + ", which takes " +
+                        accepted(control));
+    }
+    return *value;
+}
+
+}  // namespace
+
+std::string short_number(float value) {
+    std::array<char, 64> text{};
+    const auto result =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
+    return {text.data(), result.ptr};
+}
+
+ControlValues Settings::resolve(Bundle& bundle) const {
+    ControlValues values;
+    if (!preset.empty()) values = bundle.preset(preset);
+    const std::vector<ControlInfo> controls = bundle.controls();
+    for (const std::string& assignment : assignments) {
+        const size_t equals = assignment.find('=');
+        if (equals == std::string::npos) {
+            throw UserError("\"" + assignment + "\" does not have the form SYMBOL=VALUE.");
+        }
+        const std::string symbol = assignment.substr(0, equals);
+        const auto control = std::find_if(controls.begin(), controls.end(),
+                                          [&](const auto& each) { return each.symbol == symbol; });
+        if (control == controls.end()) {
+            throw UserError("there is no control \"" + symbol + "\"; \"brindle info\" lists them.");
+        }
+        values.emplace_back(control->index, value_in(*control, assignment.substr(equals + 1)));
+    }
+    return values;
+}
+
+}  // namespace brindle
