@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: ISC
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "tests/host/program.h"
+
+namespace brindle::test {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr int kFloatWav = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
+constexpr int kShortWav = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+
+double db(double ratio) {
+    return 20.0 * std::log10(ratio);
+}
+
+using RenderCommand = ProgramTest;
+
+// Level changes that follow from what the controls mean, without a measured response.
+TEST_F(RenderCommand, AToneChangesByWhatTheControlsSay) {
+    struct Case {
+        const char* settings;
+        double freq_hz, gain_db;
+    };
+    const Case cases[] = {
+        {"--set trim=-6", 440.0, -6.0},
+        {"--set b5_gain=12 --set b5_q=4", 1000.0, 12.0},
+        {"--set b5_gain=-9", 1000.0, -9.0},
+        {"--set 'b5_type=hi shelf' --set b5_gain=6 --set b5_freq=200", 15000.0, 6.0},
+        {"--set b5_gain=12 --set b5_enable=off", 1000.0, 0.0},
+    };
+    for (int channels : {1, 2}) {
+        for (const Case& each : cases) {
+            SCOPED_TRACE(each.settings + std::string(channels == 1 ? " mono" : " stereo"));
+            save("in.wav", tone(each.freq_hz, 0.1, 2.0, 48000, channels, kFloatWav));
+            const Outcome outcome =
+                brindle(std::string("render in.wav out.wav ") + each.settings, "rm -f out.wav");
+            ASSERT_EQ(outcome.status, 0) << outcome.err;
+            const Sound out = load("out.wav");
+            EXPECT_NEAR(db(level_at(out, each.freq_hz, 0) / 0.1), each.gain_db, 0.02);
+            if (channels == 2) {
+                EXPECT_LT(level_at(out, each.freq_hz, 1), 1e-6);
+            }
+        }
+    }
+}
+
+// Dither and rounding stay below half a 16-bit step, so default settings give the file itself.
+TEST_F(RenderCommand, DefaultSettingsGiveA16BitFileBackSampleBySample) {
+    for (const char* name : {"in.wav", "in.flac"}) {
+        SCOPED_TRACE(name);
+        const bool flac = std::string(name) == "in.flac";
+        save(name,
+             noise(0.999, 30011, 44100, 2, flac ? SF_FORMAT_FLAC | SF_FORMAT_PCM_16 : kShortWav));
+        const std::string out = std::string("out") + (flac ? ".flac" : ".wav");
+        ASSERT_EQ(brindle(std::string("render ") + name + ' ' + out).status, 0);
+        EXPECT_EQ(load(out).samples, load(name).samples);
+    }
+}
+
+TEST_F(RenderCommand, KeepsRateChannelsLengthAndFormat) {
+    struct Case {
+        const char* name;
+        int format, rate_hz, channels;
+    };
+    const Case cases[] = {
+        {"a.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_24, 96000, 2},
+        {"b.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_U8, 8000, 1},
+        {"c.wav", SF_FORMAT_WAVEX | SF_FORMAT_FLOAT, 192000, 2},
+        {"d.wav", SF_FORMAT_WAV | SF_FORMAT_ULAW, 22050, 1},
+        {"e.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 48000, 1},
+        {"f.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 44100, 2},
+        {"g.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, 32000, 1},
+        {"h.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_32, 768000, 1},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        save(each.name, tone(1000.0, 0.5, 1.2, each.rate_hz, each.channels, each.format));
+        const std::string out = std::string("out-") + each.name;
+        const Outcome outcome =
+            brindle(std::string("render --set trim=-6 ") + each.name + ' ' + out);
+        ASSERT_EQ(outcome.status, 0) << outcome.err;
+        const Sound before = load(each.name);
+        const Sound after = load(out);
+        EXPECT_EQ(after.info.format, before.info.format);
+        EXPECT_EQ(after.info.samplerate, each.rate_hz);
+        EXPECT_EQ(after.info.channels, each.channels);
+        EXPECT_EQ(after.info.frames, before.info.frames);
+        EXPECT_NEAR(db(level_at(after, 1000.0, 0) / level_at(before, 1000.0, 0)), -6.0, 0.1);
+    }
+}
+
+TEST_F(RenderCommand, AnExtensionOfAnotherContainerConverts) {
+    save("in.wav", tone(1000.0, 0.5, 1.2, 48000, 1, kShortWav));
+    ASSERT_EQ(brindle("render in.wav out.flac").status, 0);
+    ASSERT_EQ(brindle("render in.wav out.ogg").status, 0);
+    EXPECT_EQ(load("out.flac").info.format, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
+    EXPECT_EQ(load("out.flac").samples, load("in.wav").samples);
+    EXPECT_EQ(load("out.ogg").info.format, SF_FORMAT_OGG | SF_FORMAT_VORBIS);
+}
+
+TEST_F(RenderCommand, TheBlockLengthDoesNotMatter) {
+    save("in.wav", noise(0.5, 10007, 48000, 2, kFloatWav));
+    for (const char* block : {"1", "64", "1000", "65536"}) {
+        const std::string arguments =
+            std::string("render in.wav ") + block + ".wav --preset Snare --block " + block;
+        ASSERT_EQ(brindle(arguments).status, 0);
+        EXPECT_EQ(load(std::string(block) + ".wav").samples, load("1.wav").samples) << block;
+    }
+}
+
+TEST_F(RenderCommand, TheGlidesEndBeforeTheFirstSampleUnlessToldNotTo) {
+    save("in.wav", tone(1000.0, 0.5, 0.01, 48000, 1, kFloatWav));
+    // Sections start switched on and glide to off; flat ones do so unheard.
+    const std::string settings = " --set trim=-20 --set seca_type=Flat --set secb_type=Flat ";
+    ASSERT_EQ(brindle("render in.wav settled.wav" + settings).status, 0);
+    ASSERT_EQ(brindle("render in.wav gliding.wav --no-settle" + settings).status, 0);
+    const Sound in = load("in.wav");
+    const Sound settled = load("settled.wav");
+    const Sound gliding = load("gliding.wav");
+    for (size_t i = 0; i < in.samples.size(); ++i) {
+        ASSERT_NEAR(settled.samples[i], 0.1f * in.samples[i], 3e-6f) << i;
+    }
+    // The first step of 2 % of the way is all that has happened in the first 64 samples.
+    EXPECT_NEAR(gliding.samples[12], (0.98f + 0.02f * 0.1f) * in.samples[12], 3e-6f);
+}
+
+TEST_F(RenderCommand, SamplesBeyondFullScaleAreClippedAndReported) {
+    save("in.wav", tone(1000.0, 0.5, 1.0, 48000, 1, kShortWav));
+    const Outcome outcome = brindle("render in.wav out.wav --set trim=12");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("clipped"), HasSubstr("6.0 dB")));
+    const Sound in = load("in.wav");
+    const Sound out = load("out.wav");
+    for (size_t i = 0; i < in.samples.size(); ++i) {
+        const float wanted = std::clamp(in.samples[i] * std::pow(10.0f, 0.6f), -1.0f, 1.0f);
+        ASSERT_NEAR(out.samples[i], wanted, 1e-4f) << i;
+    }
+    save("float.wav", tone(1000.0, 0.5, 1.0, 48000, 1, kFloatWav));
+    EXPECT_THAT(brindle("render float.wav loud.wav --set trim=12").err, Not(HasSubstr("clipped")));
+    EXPECT_NEAR(db(level_at(load("loud.wav"), 1000.0, 0) / 0.5), 12.0, 0.01);
+}
+
+TEST_F(RenderCommand, AnEmptyFileGivesAnEmptyFile) {
+    save("in.wav", noise(0.5, 0, 48000, 1, kShortWav));
+    const Outcome outcome = brindle("render in.wav out.wav");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(load("out.wav").info.frames, 0);
+}
+
+TEST_F(RenderCommand, OnlyATerminalSeesProgress) {
+    save("in.wav", noise(0.5, 48000, 48000, 1, kShortWav));
+    const Outcome piped = brindle("render in.wav piped.wav");
+    EXPECT_EQ(piped.err, "");
+    const Outcome terminal =
+        shell(std::string("script -qec '") + BRINDLE_PROGRAM + " render in.wav out.wav' /dev/null");
+    EXPECT_THAT(terminal.out, AllOf(HasSubstr("Rendering ["), HasSubstr("100 %")));
+}
+
+TEST_F(RenderCommand, AFullDiskLeavesNothingBehind) {
+    save("in.wav", noise(0.5, 200000, 48000, 2, kShortWav));
+    for (const char* name : {"out.wav", "out.flac", "out.ogg"}) {
+        SCOPED_TRACE(name);
+        const Outcome outcome =
+            brindle(std::string("render in.wav ") + name, "ulimit -f 20");  // blocks of 512 bytes
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err,
+                  std::string("brindle: cannot write ") + name + ": File too large.\n");
+        EXPECT_THAT(files(), ElementsAre("in.wav"));
+    }
+}
+
+// A request to stop that is pending across exec comes before the first block for certain.
+TEST_F(RenderCommand, AnInterruptionLeavesNothingBehind) {
+    save("in.wav", noise(0.5, 200000, 48000, 2, kShortWav));
+    const std::string script =
+        "import os, signal; signal.pthread_sigmask(signal.SIG_BLOCK, [signal.SIGTERM]); "
+        "os.kill(os.getpid(), signal.SIGTERM); "
+        "os.execv(\"" BRINDLE_PROGRAM "\", [\"brindle\", \"render\", \"in.wav\", \"out.wav\"])";
+    const Outcome outcome = shell("python3 -c '" + script + "'");
+    EXPECT_EQ(outcome.status, 128 + SIGTERM);
+    EXPECT_EQ(outcome.err, "brindle: interrupted.\n");
+    EXPECT_THAT(files(), ElementsAre("in.wav"));
+}
+
+}  // namespace
+}  // namespace brindle::test
