@@ -100,7 +100,7 @@ std::string Bundle::plugin_name(int channels) const {
 std::string Bundle::path() const {
     const char* bundle = lilv_node_as_uri(lilv_plugin_get_bundle_uri(plugin(1)));
     char* folder = lilv_file_uri_parse(bundle, nullptr);
-    const std::string path = folder ? folder : "";
+    std::string path = folder ? folder : "";
     lilv_free(folder);
     return path;
 }

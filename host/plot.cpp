@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <memory>
 
 #include "host/output_file.h"
@@ -23,9 +24,9 @@ constexpr double kRight = 976.0;
 constexpr double kTop = 72.0;
 constexpr double kBottom = 488.0;
 
-constexpr double kLowHz = 20.0;
-constexpr double kHighHz = 20000.0;
-constexpr double kStepDb = 6.0;
+constexpr int kLowHz = 20;
+constexpr int kHighHz = 20000;
+constexpr int kStepDb = 6;
 
 constexpr const char* kEllipsis = "\u2026";
 constexpr const char* kMinus = "\u2212";
@@ -53,11 +54,12 @@ enum class Align { Left, Center, Right };
 
 /// The plane of the plot: frequencies and gains to positions.
 struct Axes {
-    double low_db;
-    double high_db;
+    int low_db;
+    int high_db;
 
     static double x(double freq_hz) {
-        return kLeft + (kRight - kLeft) * std::log(freq_hz / kLowHz) / std::log(kHighHz / kLowHz);
+        return kLeft +
+               (kRight - kLeft) * std::log(freq_hz / kLowHz) / std::log(1.0 * kHighHz / kLowHz);
     }
     [[nodiscard]] double y(double gain_db) const {
         return kBottom - (kBottom - kTop) * (gain_db - low_db) / (high_db - low_db);
@@ -105,28 +107,28 @@ std::string shortened(cairo_t* context, std::string text, double size) {
 
 /// Whole steps that hold the curve: never less than +-18 dB, never more than 72 dB down.
 Axes axes_for(const std::vector<ResponsePoint>& points) {
-    Axes axes = {-18.0, 18.0};
+    constexpr double kSpare = 0.1;  // of a step, so that the curve does not touch the edge
+    int low = -3;
+    int high = 3;
     for (const ResponsePoint& point : points) {
-        axes.high_db = std::max(axes.high_db, kStepDb * std::ceil(point.gain_db / kStepDb + 0.1));
-        axes.low_db = std::min(axes.low_db, kStepDb * std::floor(point.gain_db / kStepDb - 0.1));
+        low = std::min(low, static_cast<int>(std::floor(point.gain_db / kStepDb - kSpare)));
+        high = std::max(high, static_cast<int>(std::ceil(point.gain_db / kStepDb + kSpare)));
     }
-    axes.low_db = std::max(axes.low_db, -72.0);
-    return axes;
+    return {kStepDb * std::max(low, -12), kStepDb * high};
 }
 
 void draw_frequency_grid(cairo_t* context) {
-    for (double decade = 10.0; decade < kHighHz; decade *= 10.0) {
+    for (int decade = 10; decade <= kHighHz; decade *= 10) {
         for (int digit = 1; digit <= 9; ++digit) {
-            const double freq_hz = decade * digit;
+            const int freq_hz = decade * digit;
             if (freq_hz < kLowHz || freq_hz > kHighHz) continue;
             const bool labelled = digit == 1 || digit == 2 || digit == 5;
             const double x = Axes::x(freq_hz);
             draw_line(context, x, kTop, x, kBottom, labelled ? kGrid : kFineGrid, 1.0);
             if (!labelled) continue;
-            const bool kilo = freq_hz >= 1000.0;
-            const int number = static_cast<int>(std::lround(kilo ? freq_hz / 1000.0 : freq_hz));
-            draw_text(context, x, kBottom + 20.0, std::to_string(number) + (kilo ? "k" : ""), 13.0,
-                      kFaintInk, Align::Center);
+            const std::string label =
+                freq_hz < 1000 ? std::to_string(freq_hz) : std::to_string(freq_hz / 1000) + 'k';
+            draw_text(context, x, kBottom + 20.0, label, 13.0, kFaintInk, Align::Center);
         }
     }
     draw_text(context, (kLeft + kRight) / 2.0, kHeight - 12.0, "Frequency [Hz]", 13.0, kFaintInk,
@@ -134,14 +136,13 @@ void draw_frequency_grid(cairo_t* context) {
 }
 
 void draw_gain_grid(cairo_t* context, const Axes& axes) {
-    for (double gain_db = axes.low_db; gain_db <= axes.high_db; gain_db += kStepDb) {
-        const bool is_zero = gain_db == 0.0;
+    for (int gain_db = axes.low_db; gain_db <= axes.high_db; gain_db += kStepDb) {
+        const bool is_zero = gain_db == 0;
         const double y = axes.y(gain_db);
         draw_line(context, kLeft, y, kRight, y, is_zero ? kZero : kGrid, is_zero ? 1.5 : 1.0);
-        const std::string sign = gain_db > 0.0 ? "+" : gain_db < 0.0 ? kMinus : "";
-        draw_text(context, kLeft - 8.0, y + 4.5,
-                  sign + std::to_string(std::lround(std::abs(gain_db))), 13.0, kFaintInk,
-                  Align::Right);
+        const std::string sign = gain_db > 0 ? "+" : gain_db < 0 ? kMinus : "";
+        draw_text(context, kLeft - 8.0, y + 4.5, sign + std::to_string(std::abs(gain_db)), 13.0,
+                  kFaintInk, Align::Right);
     }
     cairo_save(context);
     cairo_translate(context, 18.0, (kTop + kBottom) / 2.0);
@@ -157,7 +158,8 @@ void draw_curve(cairo_t* context, const Axes& axes, const std::vector<ResponsePo
     cairo_clip(context);
     // Far outside, positions would exceed what Cairo's fixed-point numbers hold.
     const auto y = [&](const ResponsePoint& point) {
-        return axes.y(std::clamp(point.gain_db, axes.low_db - kStepDb, axes.high_db + kStepDb));
+        return axes.y(
+            std::clamp<double>(point.gain_db, axes.low_db - kStepDb, axes.high_db + kStepDb));
     };
     for (const ResponsePoint& point : points) {
         cairo_line_to(context, Axes::x(point.freq_hz), y(point));
