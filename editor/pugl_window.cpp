@@ -21,6 +21,7 @@ constexpr int kButtons = 3;       // those above are wheels, or a mouse's side b
 
 /// The window's state, and what Pugl calls with it as handle.
 struct PuglWindow::Impl {
+    PuglWindow& window;
     PuglView* view = nullptr;
     Window parent = 0;
     Display* display = nullptr;  ///< Pugl's own connection; null until its first callback
@@ -31,12 +32,14 @@ struct PuglWindow::Impl {
     WindowSize reported;
     uint32_t eventTime = 0;
 
+    explicit Impl(PuglWindow& owner) : window(owner) {}
+
     static Impl& Of(PuglView* view) { return *static_cast<Impl*>(puglGetHandle(view)); }
 
     void ReportSize() {
         if (callbacks != nullptr && reported != watch->GetSize()) {
             reported = watch->GetSize();
-            callbacks->reshape(handle, reported.width, reported.height);
+            callbacks->reshape(window, reported.width, reported.height);
         }
     }
 
@@ -61,14 +64,14 @@ struct PuglWindow::Impl {
         Impl& impl = Of(view);
         impl.ReportSize();
         if (impl.callbacks != nullptr) {
-            impl.callbacks->display(impl.handle);
+            impl.callbacks->display(impl.window);
         }
     }
 
     static void OnMotion(PuglView* view, int x, int y) {
         const Impl& impl = Of(view);
         if (impl.callbacks != nullptr) {
-            impl.callbacks->motion(impl.handle, x, y);
+            impl.callbacks->motion(impl.window, x, y);
         }
     }
 
@@ -76,7 +79,7 @@ struct PuglWindow::Impl {
         Impl& impl = Of(view);
         impl.TakeEvent(press ? ButtonPress : ButtonRelease);
         if (impl.callbacks != nullptr && button <= kButtons) {
-            impl.callbacks->mouse(impl.handle, button, press, x, y);
+            impl.callbacks->mouse(impl.window, button, press, x, y);
         }
     }
 
@@ -84,7 +87,7 @@ struct PuglWindow::Impl {
         Impl& impl = Of(view);
         const InputEvent event = impl.TakeEvent(ButtonPress);
         if (impl.callbacks != nullptr) {
-            impl.callbacks->scroll(impl.handle, event.x, event.y, dx, dy);
+            impl.callbacks->scroll(impl.window, event.x, event.y, dx, dy);
         }
     }
 
@@ -92,7 +95,7 @@ struct PuglWindow::Impl {
         Impl& impl = Of(view);
         impl.TakeEvent(press ? KeyPress : KeyRelease);
         if (impl.callbacks != nullptr) {
-            impl.callbacks->keyboard(impl.handle, press, character);
+            impl.callbacks->keyboard(impl.window, press, character);
         }
     }
 
@@ -100,26 +103,25 @@ struct PuglWindow::Impl {
         Impl& impl = Of(view);
         impl.TakeEvent(press ? KeyPress : KeyRelease);
         if (impl.callbacks != nullptr) {
-            impl.callbacks->special(impl.handle, press, key);
+            impl.callbacks->special(impl.window, press, key);
         }
     }
 };
 
-PuglWindow::PuglWindow(std::unique_ptr<Impl> newImpl) : impl(std::move(newImpl)) {}
+PuglWindow::PuglWindow() : impl(std::make_unique<Impl>(*this)) {}
 
 std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* title, int width,
                                                int height) {
     if (!CanOpenWindow(parent)) {
         return nullptr;
     }
-    auto impl = std::make_unique<Impl>();
-    impl->parent = parent;
-    impl->view = puglCreate(static_cast<PuglNativeWindow>(parent), title, width, height, true);
-    if (impl->view == nullptr) {
+    std::unique_ptr<PuglWindow> window(new PuglWindow);
+    PuglView* view = puglCreate(static_cast<PuglNativeWindow>(parent), title, width, height, true);
+    if (view == nullptr) {
         return nullptr;
     }
-    PuglView* view = impl->view;
-    std::unique_ptr<PuglWindow> window(new PuglWindow(std::move(impl)));
+    window->impl->view = view;
+    window->impl->parent = parent;
     puglSetHandle(view, window->impl.get());
     puglSetReshapeFunc(view, Impl::OnFirstReshape);
 
@@ -146,7 +148,9 @@ PuglWindow::~PuglWindow() {
     if (impl->context != nullptr && glXGetCurrentContext() == impl->context) {
         glXMakeCurrent(impl->display, None, nullptr);
     }
-    puglDestroy(impl->view);
+    if (impl->view != nullptr) {
+        puglDestroy(impl->view);
+    }
 }
 
 void PuglWindow::SetCallbacks(const PuglCallbacks* callbacks, void* handle) {
@@ -173,6 +177,21 @@ void PuglWindow::ProcessEvents() {
 
 void PuglWindow::PostRedisplay() {
     puglPostRedisplay(impl->view);
+}
+
+void* PuglWindow::GetHandle() const {
+    return impl->handle;
+}
+
+bool PuglWindow::MakeCurrent() {
+    impl->watch->ReadAhead();
+    if (!impl->watch->IsGone() &&
+        glXMakeCurrent(impl->display, static_cast<Window>(GetNativeWindow()), impl->context) !=
+            False) {
+        return true;
+    }
+    glXMakeCurrent(impl->display, None, nullptr);
+    return false;
 }
 
 uint32_t PuglWindow::GetEventTime() const {

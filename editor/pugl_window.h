@@ -6,19 +6,20 @@
 
 namespace brindle {
 
-/// What a window calls while it processes events, with its GL context current in `display`.
+class PuglWindow;
+
+/// What a window calls while it processes events. Its GL context is current in `display` only.
 /// Positions are window pixels from the top left corner, outside of the window too while a button
-/// is held. `modifiers`: 1 Shift, 2 Ctrl, 4 Alt, 8 Super, as they were before the event.
+/// is held.
 struct PuglCallbacks {
-    void (*display)(void* handle);
+    void (*display)(PuglWindow& window);
     /// Before the first frame, and whenever the window's own size has changed.
-    void (*reshape)(void* handle, int width, int height);
-    void (*motion)(void* handle, int x, int y);
-    /// `button` 1..3. Times are of the X server's clock, in milliseconds.
-    void (*mouse)(void* handle, int button, bool press, int x, int y);
-    void (*scroll)(void* handle, int x, int y, float dx, float dy);
-    void (*keyboard)(void* handle, bool press, uint32_t character);
-    void (*special)(void* handle, bool press, int key);
+    void (*reshape)(PuglWindow& window, int width, int height);
+    void (*motion)(PuglWindow& window, int x, int y);
+    void (*mouse)(PuglWindow& window, int button, bool press, int x, int y);  ///< button 1..3
+    void (*scroll)(PuglWindow& window, int x, int y, float dx, float dy);
+    void (*keyboard)(PuglWindow& window, bool press, uint32_t character);
+    void (*special)(PuglWindow& window, bool press, int key);
 };
 
 /// The editor's native window: all calls of Pugl stand behind this class, and with them what the
@@ -40,6 +41,7 @@ class PuglWindow {
 
     /// From now on events go to `callbacks` (borrowed), the size first. Asks for a first frame.
     void SetCallbacks(const PuglCallbacks* callbacks, void* handle);
+    void* GetHandle() const;
     /// The X window. Valid until the parent, or this, is destroyed.
     uintptr_t GetNativeWindow() const;
     /// Dispatches all that has happened, then draws if that was asked for. Does nothing once the
@@ -48,13 +50,18 @@ class PuglWindow {
     /// Asks for a frame at the end of the next `ProcessEvents`.
     void PostRedisplay();
 
-    /// Inside an input callback: the event's time and modifiers (see `PuglCallbacks`).
+    /// Makes the window's GL context current, for work outside of `display`. False where the window
+    /// has gone; no context is current then.
+    bool MakeCurrent();
+
+    /// Inside the callback of a button, wheel or key: the event's time, ms of the X server's clock.
     uint32_t GetEventTime() const;
+    /// Inside a callback of input: 1 Shift, 2 Ctrl, 4 Alt, 8 Super, as before the event.
     uint32_t GetModifiers() const;
 
   private:
     struct Impl;
-    explicit PuglWindow(std::unique_ptr<Impl> newImpl);
+    PuglWindow();
     std::unique_ptr<Impl> impl;
 };
 

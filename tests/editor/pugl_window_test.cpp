@@ -43,45 +43,45 @@ struct Recorder {
         return ProcessUntil([&] { return frames > before; });
     }
 
-    static Recorder& Of(void* handle) { return *static_cast<Recorder*>(handle); }
+    static Recorder& Of(PuglWindow& from) { return *static_cast<Recorder*>(from.GetHandle()); }
     static std::string At(int x, int y) { return std::to_string(x) + "," + std::to_string(y); }
     static const PuglCallbacks kCallbacks;
 };
 
 const PuglCallbacks Recorder::kCallbacks = {
     .display =
-        [](void* handle) {
-            glClearColor(Of(handle).red, 0.0f, 0.0f, 1.0f);
+        [](PuglWindow& from) {
+            glClearColor(Of(from).red, 0.0f, 0.0f, 1.0f);
             glClear(GL_COLOR_BUFFER_BIT);
-            ++Of(handle).frames;
+            ++Of(from).frames;
         },
     .reshape =
-        [](void* handle, int width, int height) {
-            Of(handle).width = width;
-            Of(handle).height = height;
+        [](PuglWindow& from, int width, int height) {
+            Of(from).width = width;
+            Of(from).height = height;
         },
-    .motion = [](void* handle, int x, int y) { Of(handle).input.push_back("move " + At(x, y)); },
+    .motion = [](PuglWindow& from, int x, int y) { Of(from).input.push_back("move " + At(x, y)); },
     .mouse =
-        [](void* handle, int button, bool press, int x, int y) {
-            Of(handle).input.push_back((press ? "press " : "release ") + std::to_string(button) +
-                                       " " + At(x, y) + " at " +
-                                       std::to_string(Of(handle).window->GetEventTime()));
+        [](PuglWindow& from, int button, bool press, int x, int y) {
+            Of(from).input.push_back((press ? "press " : "release ") + std::to_string(button) +
+                                     " " + At(x, y) + " at " +
+                                     std::to_string(Of(from).window->GetEventTime()));
         },
     .scroll =
-        [](void* handle, int x, int y, float dx, float dy) {
-            Of(handle).input.push_back("scroll " + At(x, y) + " by " +
-                                       At(static_cast<int>(dx), static_cast<int>(dy)));
+        [](PuglWindow& from, int x, int y, float dx, float dy) {
+            Of(from).input.push_back("scroll " + At(x, y) + " by " +
+                                     At(static_cast<int>(dx), static_cast<int>(dy)));
         },
     .keyboard =
-        [](void* handle, bool press, uint32_t character) {
-            Of(handle).input.push_back(std::string(press ? "down " : "up ") +
-                                       static_cast<char>(character));
+        [](PuglWindow& from, bool press, uint32_t character) {
+            Of(from).input.push_back(std::string(press ? "down " : "up ") +
+                                     static_cast<char>(character));
         },
     .special =
-        [](void* handle, bool press, int key) {
-            Of(handle).input.push_back((press ? "special down " : "special up ") +
-                                       std::to_string(key) + " with " +
-                                       std::to_string(Of(handle).window->GetModifiers()));
+        [](PuglWindow& from, bool press, int key) {
+            Of(from).input.push_back((press ? "special down " : "special up ") +
+                                     std::to_string(key) + " with " +
+                                     std::to_string(Of(from).window->GetModifiers()));
         },
 };
 
@@ -223,9 +223,9 @@ TEST(PuglWindow, ParentMayGoBetweenEventsAndFrame) {
         int frames = 0;
     } unlucky{host};
     auto callbacks = Recorder::kCallbacks;
-    callbacks.reshape = [](void*, int, int) {};
-    callbacks.display = [](void* handle) {
-        auto& self = *static_cast<Unlucky*>(handle);
+    callbacks.reshape = [](PuglWindow&, int, int) {};
+    callbacks.display = [](PuglWindow& from) {
+        auto& self = *static_cast<Unlucky*>(from.GetHandle());
         glClear(GL_COLOR_BUFFER_BIT);
         if (++self.frames == 1) {
             self.host.Destroy();  // the frame is now shown in a window that is no more

@@ -1,0 +1,324 @@
+// SPDX-License-Identifier: ISC
+#include "editor/GLView_BaseView.h"
+
+#include <cstdio>
+
+#include "gl/drawing.h"
+#include "gl/settings.h"
+
+namespace brindle {
+namespace {
+
+constexpr int32_t kLayerScale = 2;        // layer pixels to a design point
+constexpr uint32_t kDoubleClickMs = 200;  // presses this far apart are two clicks again
+constexpr float kScalePoints = 800.0f;    // interface points in the height of the view
+
+}  // namespace
+
+GLView_BaseView::GLView_BaseView(int32_t newDesignWidth, int32_t newDesignHeight)
+    : designWidth(newDesignWidth),
+      designHeight(newDesignHeight),
+      viewRight(static_cast<float>(newDesignWidth) / static_cast<float>(newDesignHeight)),
+      viewLeft(-viewRight) {
+    GLView::SetSize(viewRight - viewLeft, viewTop - viewBottom);
+}
+
+GLView_BaseView::~GLView_BaseView() {
+    // The children may still ask the page for its services, which are gone below this class.
+    GLView_BaseView::DeleteChildren();
+}
+
+void GLView_BaseView::SetWindowSize(float width, float height) {
+    windowWidth = static_cast<int32_t>(width);
+    windowHeight = static_cast<int32_t>(height);
+    UpdateLetterbox();
+}
+
+void GLView_BaseView::SetSampleRate(float rate) {
+    sampleRate = rate;
+    hostRate = rate;
+}
+
+void GLView_BaseView::UpdateLetterbox() {
+    const float width = static_cast<float>(windowWidth);
+    const float height = static_cast<float>(windowHeight);
+    const float aspect = static_cast<float>(designWidth) / static_cast<float>(designHeight);
+    const bool narrow = width / height <= aspect;
+    const int32_t frameWidth = narrow ? windowWidth : static_cast<int32_t>(aspect * height);
+    const int32_t frameHeight = narrow ? static_cast<int32_t>(width / aspect) : windowHeight;
+    letterboxX = static_cast<float>(windowWidth - frameWidth) * 0.5f;
+    letterboxY = static_cast<float>(windowHeight - frameHeight) * 0.5f;
+}
+
+GLPoint GLView_BaseView::PixelToTree(GLPoint framePixel) const {
+    const float frameWidth = static_cast<float>(windowWidth) - 2.0f * letterboxX;
+    const float frameHeight = static_cast<float>(windowHeight) - 2.0f * letterboxY;
+    // Upwards the view always spans two units, whatever its bounds.
+    return {viewLeft + framePixel.x / (frameWidth / (viewRight - viewLeft)),
+            viewTop + framePixel.y / (frameHeight * -0.5f)};
+}
+
+void GLView_BaseView::ClearInfo() {
+    SetInfoTitle("");
+    SetInfoText("");
+}
+
+void GLView_BaseView::MouseButton(int32_t button, bool press, float windowX, float windowY) {
+    if (textRenderer == nullptr) {
+        return;
+    }
+    const GLPoint pixel = {static_cast<float>(static_cast<int32_t>(windowX - letterboxX)),
+                           static_cast<float>(static_cast<int32_t>(windowY - letterboxY))};
+    const GLPoint point = PixelToTree(pixel);
+    pressedButton = button;
+    if (!press) {
+        MouseUp(point);
+        return;
+    }
+    doubleClick = eventTime - lastPressTime - 1 < kDoubleClickMs - 1;
+    MouseDown(point, pixel);
+    doubleClick = false;
+    lastPressTime = eventTime;
+}
+
+void GLView_BaseView::MouseDown(GLPoint point, GLPoint pixelPoint) {
+    PrePress();
+    if (modalDialog != nullptr) {
+        if (modalDialog->HitTest(point)) {
+            modalDialog->MouseDown(point, pixelPoint);
+        } else {
+            CloseDialog(true);
+        }
+        return;
+    }
+    GLView::MouseDown(point, pixelPoint);
+}
+
+void GLView_BaseView::MouseUp(GLPoint point) {
+    pressedButton = 0;
+    if (captureView != nullptr) {
+        captureView->MouseUp(point);
+    } else if (modalDialog != nullptr) {
+        modalDialog->MouseUp(point);
+    } else {
+        SetCaptured(false);
+    }
+}
+
+void GLView_BaseView::PointerMotion(float windowX, float windowY) {
+    if (textRenderer != nullptr) {
+        MouseDragTo({windowX - letterboxX, windowY - letterboxY});
+    }
+}
+
+void GLView_BaseView::MouseDragTo(GLPoint pixelPoint) {
+    const GLPoint point = PixelToTree(pixelPoint);
+    if (modalDialog != nullptr) {
+        if (modalDialog->HitTest(point)) {
+            modalDialog->ShowInfoAt(point);
+        } else {
+            SetSelected(false);
+            ClearInfo();
+        }
+    } else if (captureView != nullptr) {
+        captureView->MouseDragTo(pixelPoint);
+    } else {
+        ClearInfo();
+        ShowInfoAt(point);
+    }
+}
+
+void GLView_BaseView::MouseWheel(float delta) {
+    if (textRenderer != nullptr) {
+        Scroll(delta);
+    }
+}
+
+void GLView_BaseView::Scroll(float delta) {
+    if (focusView != nullptr) {
+        focusView->Scroll(delta);
+    }
+}
+
+void GLView_BaseView::Key(bool /*press*/, uint32_t character) {
+    KeyDown(character, 0);
+}
+
+void GLView_BaseView::SpecialKey(bool /*press*/, uint32_t code) {
+    KeyDown(0, code);
+}
+
+void GLView_BaseView::KeyDown(uint32_t /*character*/, uint32_t /*code*/) {
+    if (textRenderer != nullptr) {
+        std::puts("GLView_BaseView::KeyDown, doing nothing");
+    }
+}
+
+void GLView_BaseView::SetParameter(uint32_t index, float value, bool markDirty) {
+    redrawNeeded = redrawNeeded || markDirty;
+    if (index < parameters.size()) {
+        parameters[index] = value;
+    }
+    ParameterChanged(index);
+}
+
+float GLView_BaseView::GetParameter(uint32_t index) {
+    return index < parameters.size() ? parameters[index] : 0.0f;
+}
+
+float GLView_BaseView::GetPageWidth() {
+    return static_cast<float>(windowWidth) - 2.0f * letterboxX;
+}
+
+float GLView_BaseView::GetPageHeight() {
+    return static_cast<float>(windowHeight) - 2.0f * letterboxY;
+}
+
+float GLView_BaseView::GetInterfaceScale() {
+    return (viewTop - viewBottom) / kScalePoints;
+}
+
+float GLView_BaseView::GetPixelSize() {
+    return (viewTop - viewBottom) / static_cast<float>(designHeight);
+}
+
+GLColor GLView_BaseView::GetBackgroundColor() {
+    return hostBackgroundColor;
+}
+
+GLColor GLView_BaseView::GetContrastColor() {
+    return hostContrastColor;
+}
+
+bool GLView_BaseView::IsBoxy() {
+    return themeBoxy;
+}
+
+bool GLView_BaseView::IsFlat() {
+    return themeFlat;
+}
+
+void GLView_BaseView::ShowInfo(const char* title, const char* text) {
+    SetInfoTitle(title);
+    SetInfoText(text);
+}
+
+void GLView_BaseView::OpenDialog(GLView* dialog) {
+    if (modalDialog != nullptr) {
+        CloseDialog(true);
+    }
+    if (dialog != nullptr) {
+        dialog->parent = this;
+        dialog->SetVisible(true);
+        dialog->Close();  // what is in it starts anew
+        modalDialog = dialog;
+    }
+}
+
+void GLView_BaseView::CloseDialog(bool /*outside*/) {
+    if (modalDialog != nullptr) {
+        modalDialog->SetVisible(false);
+        modalDialog = nullptr;
+    }
+}
+
+void GLView_BaseView::SetCapturedView(GLView* view) {
+    captureView = view;
+    redrawNeeded = true;
+}
+
+void GLView_BaseView::SetSelected(bool /*on*/) {
+    focusView = nullptr;
+}
+
+void GLView_BaseView::DrawBackground() {
+    glDisable(GL_TEXTURE_2D);
+    GetBackgroundColor().Apply();
+    glRectf(viewLeft, viewBottom, viewRight, viewTop);
+    glEnable(GL_TEXTURE_2D);
+}
+
+void GLView_BaseView::SetProjection() const {
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(viewLeft, viewRight, viewBottom, viewTop, -1.0, 1.0);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_BLEND);
+    glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE);
+}
+
+void GLView_BaseView::RenderFrame() {
+    if (textRenderer == nullptr) {
+        textRenderer = std::make_unique<GLResources>(GetInterfaceScale());
+        layers.Create(kLayerScale * designWidth, kLayerScale * designHeight);
+    }
+    PreDraw();
+    if (redrawNeeded || layerWidth != windowWidth || layerHeight != windowHeight) {
+        layerWidth = windowWidth;
+        layerHeight = windowHeight;
+        UpdateLetterbox();
+        DrawLayers();
+    }
+    FrameLayers::BindWindow();
+    glDisable(GL_DEPTH_TEST);
+    SetProjection();
+    UpdateLetterbox();
+    glViewport(static_cast<GLint>(letterboxX), static_cast<GLint>(letterboxY),
+               static_cast<GLsizei>(GetPageWidth()), static_cast<GLsizei>(GetPageHeight()));
+    DrawFrameTexture();
+    DrawOverlay();
+}
+
+void GLView_BaseView::DrawLayers() {
+    layers.BindStatic();
+    SetProjection();
+    DrawBackground();
+    {
+        const MatrixScope matrix;
+        DrawBack();
+    }
+    layers.CopyStaticToFrame();
+    layers.BindFrame();
+    SetProjection();
+    {
+        const MatrixScope matrix;
+        Draw();
+    }
+    redrawNeeded = false;
+}
+
+void GLView_BaseView::DrawFrameTexture() const {
+    glDisable(GL_BLEND);
+    glBindTexture(GL_TEXTURE_2D, layers.frameTexture);
+    kWhite.Apply();
+    glBegin(GL_QUADS);
+    glTexCoord2f(0.0f, 1.0f);
+    glVertex2f(viewLeft, viewTop);
+    glTexCoord2f(1.0f, 1.0f);
+    glVertex2f(viewRight, viewTop);
+    glTexCoord2f(1.0f, 0.0f);
+    glVertex2f(viewRight, viewBottom);
+    glTexCoord2f(0.0f, 0.0f);
+    glVertex2f(viewLeft, viewBottom);
+    glEnd();
+    glEnable(GL_BLEND);
+}
+
+void GLView_BaseView::DrawOverlay() {
+    {
+        const MatrixScope matrix;
+        DrawFront();
+    }
+    if (modalDialog != nullptr) {
+        {
+            const MatrixScope matrix;
+            modalDialog->Draw();
+        }
+        const MatrixScope matrix;
+        modalDialog->DrawFront();
+    }
+}
+
+}  // namespace brindle

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "editor/frame_layers.h"
+#include "gl/GLResources.h"
+#include "gl/GLView.h"
+
+namespace brindle {
+
+/// The root of the editor's tree: brings window events to the views they are for, answers the
+/// page services, and renders frames. What moves is drawn over a picture of what stands still,
+/// which is drawn anew only when something marks it out of date (`redrawNeeded`).
+///
+/// Window pixels count from the window's top left corner, frame pixels from that of the letterboxed
+/// frame in it; the tree's y grows upwards. Events are ignored until the first frame. UI thread.
+class GLView_BaseView : public GLView {
+  public:
+    /// A tree of the given design size in points, whose coordinates run from -1 to 1 upwards and as
+    /// far to both sides as the design's proportions make it.
+    GLView_BaseView(int32_t newDesignWidth, int32_t newDesignHeight);
+    /// Has the children go first. Needs the GL context where frames have been rendered.
+    ~GLView_BaseView() override;
+
+    // What the window reports
+    void SetWindowSize(float width, float height);
+    void MouseButton(int32_t button, bool press, float windowX, float windowY);
+    void PointerMotion(float windowX, float windowY);
+    void MouseWheel(float delta);
+    void Key(bool press, uint32_t character);
+    void SpecialKey(bool press, uint32_t code);
+    /// Renders one frame into the window of the current GL context, which it leaves bound.
+    void RenderFrame();
+    void SetSampleRate(float rate);
+    /// Of the event that is passed in next.
+    void SetEventTime(uint32_t time_ms) { eventTime = time_ms; }
+    void SetModifiers(uint32_t newModifiers) { modifiers = newModifiers; }
+
+    // Routing from the root on; `point` in tree units
+    /// `pixelPoint` in whole frame pixels.
+    void MouseDown(GLPoint point, GLPoint pixelPoint) override;
+    void MouseUp(GLPoint point) override;
+    /// `pixelPoint` in frame pixels, which the view that holds the pointer gets as they are.
+    void MouseDragTo(GLPoint pixelPoint) override;
+    void Scroll(float delta) override;
+    virtual void KeyDown(uint32_t character, uint32_t code);
+
+    /// Keeps a port's value, for indices up to 127, and tells the tree of any index.
+    virtual void SetParameter(uint32_t index, float value, bool markDirty);
+    /// The editor is shown; it is about to go.
+    virtual void EditorOpened() {}
+    virtual void EditorClosed() {}
+    /// The root's backdrop in the static layer, under all views: the background colour.
+    virtual void DrawBackground();
+
+    // Page services
+    GLView* Page() override { return this; }
+    float GetParameter(uint32_t index) override;
+    bool IsResetPress() override { return doubleClick; }
+    int32_t GetPressedButton() override { return pressedButton; }
+    uint32_t GetModifiers() override { return modifiers; }
+    uint32_t GetEventTime() override { return eventTime; }
+    GLResources* GetResources() override { return textRenderer.get(); }
+    float GetPageWidth() override;
+    float GetPageHeight() override;
+    float GetInterfaceScale() override;
+    float GetViewRight() override { return viewRight; }
+    float GetViewLeft() override { return viewLeft; }
+    float GetViewTop() override { return viewTop; }
+    float GetViewBottom() override { return viewBottom; }
+    float GetPixelSize() override;
+    GLColor GetBackgroundColor() override;
+    GLColor GetContrastColor() override;
+    bool IsBoxy() override;
+    bool IsFlat() override;
+    /// Both are kept as the root's own help texts, `infoTitle` and `infoText`, and do not mark the
+    /// static layer: who draws them there looks at them in `PreDraw`.
+    void ShowInfo(const char* title, const char* text) override;
+    void OpenDialog(GLView* dialog) override;
+    void CloseDialog(bool outside) override;
+    GLView* GetSelectedView() override { return focusView; }
+    GLView* GetHoverView() override { return hoverView; }
+    GLView* GetCapturedView() override { return captureView; }
+    void SetSelectedView(GLView* view) override { focusView = view; }
+    void SetHoverView(GLView* view) override { hoverView = view; }
+    void SetCapturedView(GLView* view) override;
+    /// Pointing at the root itself selects nothing, whatever `on` says.
+    void SetSelected(bool on) override;
+
+  protected:
+    float sampleRate = 0.0f;                    ///< Hz
+    std::unique_ptr<GLResources> textRenderer;  ///< null until the first frame
+    GLView* focusView = nullptr;                ///< selected: gets the wheel. Observed
+    GLView* hoverView = nullptr;                ///< observed
+    GLView* captureView = nullptr;              ///< holds the pointer. Observed
+    int32_t windowWidth = 0;                    ///< pixels
+    int32_t windowHeight = 0;
+    int32_t layerWidth = 0;  ///< window size for which the static layer was last drawn
+    int32_t layerHeight = 0;
+    int32_t designWidth;  ///< points
+    int32_t designHeight;
+    int32_t pressedButton = 0;   ///< 0 for none
+    uint32_t lastPressTime = 0;  ///< ms
+    bool doubleClick = false;    ///< while a press that is one is dispatched
+    uint32_t eventTime = 0;      ///< ms
+    uint32_t modifiers = 0;      ///< 1 Shift, 2 Ctrl, 4 Alt, 8 Super
+    float viewRight;             ///< bounds of the tree's coordinates
+    float viewLeft;
+    float viewTop = 1.0f;
+    float viewBottom = -1.0f;
+    float letterboxX = 0.0f;  ///< margins beside and above the frame, window pixels
+    float letterboxY = 0.0f;
+    FrameLayers layers;
+    GLView* modalDialog = nullptr;  ///< observed
+    std::array<float, 128> parameters{};
+
+  private:
+    GLPoint PixelToTree(GLPoint framePixel) const;
+    void ClearInfo();
+    void UpdateLetterbox();
+    void DrawLayers();
+    void SetProjection() const;
+    void DrawFrameTexture() const;
+    void DrawOverlay();
+};
+
+}  // namespace brindle

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: ISC
+#include "editor/editor_instance.h"
+
+#include <lv2/options/options.h>
+
+#include <bit>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "editor/GLView_StripEqView.h"
+#include "editor/host_options.h"
+#include "editor/pugl_window.h"
+#include "editor/window_events.h"
+#include "gl/settings.h"
+
+namespace brindle {
+namespace {
+
+constexpr const char* kTitle = "Brindle Console EQ";
+constexpr int kWidth = 1000;
+constexpr int kHeight = 600;
+
+/// The features that are not kept beyond the opening.
+struct HostFeatures {
+    void* parent = nullptr;
+    const LV2UI_Resize* resize = nullptr;
+    const LV2_Options_Option* options = nullptr;
+};
+
+/// Frees the tree with the GL context that its textures belong to, then that with its window.
+void FreeInstance(EditorInstance* instance) {
+    if (instance->puglView != nullptr) {
+        instance->puglView->MakeCurrent();
+    }
+    delete instance->rootView;
+    delete instance->puglView;
+    std::free(instance->pluginUri);
+    std::free(instance->bundlePath);
+    std::free(instance);
+}
+
+struct FreeEditor {
+    void operator()(EditorInstance* instance) const { FreeInstance(instance); }
+};
+using OwnedInstance = std::unique_ptr<EditorInstance, FreeEditor>;
+
+OwnedInstance MakeInstance(const char* pluginUri, const char* bundlePath) {
+    OwnedInstance instance(static_cast<EditorInstance*>(std::calloc(1, sizeof(EditorInstance))));
+    if (instance != nullptr) {
+        instance->pluginUri = strdup(pluginUri);
+        instance->bundlePath = strdup(bundlePath);
+        resourceDirectory = bundlePath;
+    }
+    return instance;
+}
+
+HostFeatures ReadFeatures(EditorInstance& instance, const LV2_Feature* const* features) {
+    HostFeatures host;
+    for (; features != nullptr && *features != nullptr; ++features) {
+        const char* uri = (*features)->URI;
+        void* data = (*features)->data;
+        if (std::strcmp(uri, LV2_UI__parent) == 0) {
+            host.parent = data;
+        } else if (std::strcmp(uri, LV2_UI__resize) == 0) {
+            host.resize = static_cast<const LV2UI_Resize*>(data);
+        } else if (std::strcmp(uri, LV2_URID__map) == 0) {
+            instance.map = static_cast<LV2_URID_Map*>(data);
+        } else if (std::strcmp(uri, LV2_UI__touch) == 0) {
+            instance.touch = static_cast<LV2UI_Touch*>(data);
+        } else if (std::strcmp(uri, LV2_OPTIONS__options) == 0) {
+            host.options = static_cast<const LV2_Options_Option*>(data);
+        }
+    }
+    return host;
+}
+
+void ApplyLooks(const HostOptions& options) {
+    ApplyHostColor(hostBackgroundColor, options.backgroundColor);
+    ApplyHostColor(hostContrastColor, options.contrastColor);
+    themeBoxy = options.boxy;
+    themeFlat = options.flat;
+}
+
+/// The tree; null where its construction fails.
+GLView_StripEqView* MakeRootView(const EditorInstance& instance) {
+    try {
+        return new GLView_StripEqView(instance);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+EditorInstance* Fail(const char* message) {
+    std::fputs(message, stderr);
+    return nullptr;
+}
+
+}  // namespace
+
+EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
+                           LV2UI_Write_Function writeFunction, LV2UI_Controller controller,
+                           LV2UI_Widget* widget, const LV2_Feature* const* features) {
+    OwnedInstance instance = MakeInstance(pluginUri, bundlePath);
+    if (instance == nullptr) {
+        return nullptr;
+    }
+    instance->writeFunction = writeFunction;
+    instance->controller = controller;
+    const HostFeatures host = ReadFeatures(*instance, features);
+    HostOptions options;
+    if (host.options != nullptr && instance->map != nullptr) {
+        options = ReadHostOptions(host.options, instance->map);
+    }
+    if (instance->touch == nullptr) {
+        return Fail("error: Required touch interface extension is not available.\n");
+    }
+    instance->puglView =
+        PuglWindow::Create(reinterpret_cast<uintptr_t>(host.parent), kTitle, kWidth, kHeight)
+            .release();
+    if (instance->puglView == nullptr) {
+        return Fail("error: No window with OpenGL can be opened.\n");
+    }
+    ApplyLooks(options);
+    instance->rootView = MakeRootView(*instance);
+    if (instance->rootView == nullptr) {
+        return nullptr;
+    }
+    instance->rootView->SetSampleRate(options.sampleRate);
+    if (host.resize != nullptr) {
+        host.resize->ui_resize(host.resize->handle, kWidth, kHeight);
+    }
+    if (host.parent == nullptr) {
+        return Fail("error: No parent window provided.\n");
+    }
+    *widget = std::bit_cast<LV2UI_Widget>(instance->puglView->GetNativeWindow());
+    ConnectWindow(*instance->puglView, *instance->rootView);
+    instance->rootView->EditorOpened();
+    return instance.release();
+}
+
+void CloseEditor(EditorInstance* instance) {
+    instance->rootView->EditorClosed();
+    FreeInstance(instance);
+}
+
+void IdleEditor(EditorInstance& instance) {
+    instance.rootView->TakeUnreportedWrites();
+    instance.puglView->ProcessEvents();
+    instance.puglView->PostRedisplay();
+}
+
+}  // namespace brindle

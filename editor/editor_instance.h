@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <lv2/ui/ui.h>
+#include <lv2/urid/urid.h>
+
+#include <cstdint>
+
+namespace brindle {
+
+class GLView_StripEqView;
+class PuglWindow;
+
+/// One opened editor.
+struct EditorInstance {
+    PuglWindow* puglView;          ///< owned; null until the window is made
+    GLView_StripEqView* rootView;  ///< owned; null until the tree is made
+    void* reserved;
+    char* pluginUri;   ///< owned
+    char* bundlePath;  ///< owned
+    LV2UI_Write_Function writeFunction;
+    LV2UI_Controller controller;
+    LV2_URID_Map* map;  ///< the host's features, null where it has none
+    LV2UI_Touch* touch;
+};
+
+/// Opens an editor in the parent window among the features and stores its window in `widget`. Null,
+/// with a line on standard error and nothing left behind, where that cannot be. UI thread, as are
+/// all of these.
+EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
+                           LV2UI_Write_Function writeFunction, LV2UI_Controller controller,
+                           LV2UI_Widget* widget, const LV2_Feature* const* features);
+/// Tells the engine, and frees all that the editor has made. The parent window may be gone.
+void CloseEditor(EditorInstance* instance);
+/// Dispatches window events and asks for the next frame.
+void IdleEditor(EditorInstance& instance);
+
+}  // namespace brindle

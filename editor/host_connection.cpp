@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: ISC
+#include "editor/host_connection.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstring>
+
+namespace brindle {
+namespace {
+
+constexpr uint32_t kFloatProtocol = 0;
+
+/// Stands in for a map that the host does not have.
+LV2_URID MapNothing(LV2_URID_Map_Handle, const char*) {
+    return 0;
+}
+
+}  // namespace
+
+HostConnection::HostConnection(HostWriter newHost, LV2_URID_Map* map)
+    : host(newHost), uris(MapEditorUris(map)) {
+    LV2_URID_Map none = {nullptr, MapNothing};
+    lv2_atom_forge_init(&forge, map != nullptr ? map : &none);
+}
+
+void HostConnection::Write(uint32_t port, float value) {
+    GetWriter().Write(port, value);
+}
+
+void HostConnection::PassOn(LV2UI_Controller connection, uint32_t port, uint32_t size,
+                            uint32_t protocol, const void* buffer) {
+    auto& self = *static_cast<HostConnection*>(connection);
+    if (protocol == kFloatProtocol && size == sizeof(float)) {
+        float value = 0.0f;
+        std::memcpy(&value, buffer, sizeof value);
+        // First of all, as the host may report it back before it returns.
+        self.pending.Written(port, value, Now());
+    }
+    if (self.host.function != nullptr) {
+        self.host.function(self.host.controller, port, size, protocol, buffer);
+    }
+}
+
+void HostConnection::Send(LV2_URID request) {
+    const Request message(forge, request);
+    if (host.function != nullptr) {
+        host.function(host.controller, kControlPort, message.Size(), uris.eventTransfer,
+                      message.Atom());
+    }
+}
+
+std::optional<PlotMessage> HostConnection::ReadPlot(uint32_t format, const void* buffer,
+                                                    uint32_t size) const {
+    // A host without a map has no number for atoms, and its 0 means control values.
+    if (format == 0 || format != uris.eventTransfer) {
+        return std::nullopt;
+    }
+    return ReadPlotMessage(uris, buffer, size);
+}
+
+std::optional<float> HostConnection::ReadControl(uint32_t port, uint32_t format, const void* buffer,
+                                                 uint32_t size) {
+    float value = 0.0f;
+    if (format != kFloatProtocol || buffer == nullptr || size != sizeof value) {
+        return std::nullopt;
+    }
+    std::memcpy(&value, buffer, sizeof value);
+    if (!std::isfinite(value)) {
+        return std::nullopt;
+    }
+    pending.Reported(port);
+    return value;
+}
+
+int64_t HostConnection::Now() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+}  // namespace brindle

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace brindle {
+
+/// The editor's own writes that the host has not reported back. Widgets show what is reported, and
+/// some hosts report no writes of the editor itself; there the written value counts as reported
+/// after a while. UI thread.
+class PendingWrites {
+  public:
+    /// Time without a report after which a host is taken to have none.
+    static constexpr int64_t kWaitMs = 100;
+    static constexpr uint32_t kPorts = 128;  ///< ports from here on are not remembered
+
+    /// `now_ms` is a steady clock's.
+    void Written(uint32_t port, float value, int64_t now_ms);
+    /// The host has reported the port, whatever value it has.
+    void Reported(uint32_t port);
+
+    /// Calls `take(port, value)` for each port whose first unreported write is 100 ms old, with the
+    /// value written last. Those count as reported.
+    template <typename Take>
+    void TakeDue(int64_t now_ms, Take take) {
+        if (count == 0) {
+            return;
+        }
+        for (uint32_t port = 0; port < kPorts; ++port) {
+            if (writes[port].pending && now_ms - writes[port].since_ms >= kWaitMs) {
+                Reported(port);
+                take(port, writes[port].value);
+            }
+        }
+    }
+
+  private:
+    struct Write {
+        bool pending = false;
+        float value = 0.0f;
+        int64_t since_ms = 0;
+    };
+    std::array<Write, kPorts> writes;
+    uint32_t count = 0;
+};
+
+}  // namespace brindle

@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: ISC
+// The editor of the built bundle, opened as hosts open it.
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <lv2/parameters/parameters.h>
+
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+
+#include "tests/support/ui_host.h"
+
+namespace brindle {
+namespace {
+
+using test::UiHost;
+using test::UiWrite;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::Pair;
+
+const LV2UI_Descriptor* Entry(uint32_t index = 0) {
+    static const auto entry = [] {
+        void* library = dlopen(BRINDLE_BUNDLE "brindle.so", RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr) {
+            throw std::runtime_error(dlerror());
+        }
+        return reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor"));
+    }();
+    return entry(index);
+}
+
+/// What the editor printed meanwhile.
+struct Printed {
+    std::string out;
+    std::string err;
+};
+template <typename Action>
+Printed PrintedBy(Action action) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    action();
+    return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+}
+
+/// Resident memory, KiB.
+long ResidentKib() {
+    std::ifstream statm("/proc/self/statm");
+    long total = 0;
+    long resident = 0;
+    statm >> total >> resident;
+    return resident * 4;
+}
+
+TEST(Editor, HasOneDescriptorWithAnIdleInterface) {
+    ASSERT_NE(Entry(), nullptr);
+    EXPECT_EQ(Entry(), Entry());
+    EXPECT_EQ(Entry(1), nullptr);
+    EXPECT_STREQ(Entry()->URI, kEditorUri);
+    EXPECT_NE(Entry()->extension_data(LV2_UI__idleInterface), nullptr);
+    EXPECT_EQ(Entry()->extension_data(LV2_UI__showInterface), nullptr);
+}
+
+TEST(Editor, OpensInTheParentAndAsksForItsSize) {
+    UiHost host(Entry());
+    ASSERT_TRUE(host.Open());
+    EXPECT_TRUE(host.window.IsShown(host.child));
+    EXPECT_TRUE(host.window.HasSize(host.child, 1000, 600));
+    EXPECT_THAT(host.resizes, ElementsAre(Pair(1000, 600)));
+    EXPECT_EQ(host.Idle(), 0);
+}
+
+TEST(Editor, SaysItsTwoMessagesToTheByte) {
+    UiHost host(Entry());
+    ASSERT_TRUE(host.Open());
+    host.IdleTimes(3);
+    host.Close();
+    ASSERT_EQ(host.writes.size(), 2u);
+    const char* types[] = {kEnableUiUri, kDisableUiUri};
+    for (size_t i = 0; i < 2; ++i) {
+        SCOPED_TRACE(types[i]);
+        const uint32_t words[] = {8, host.map(LV2_ATOM__Object), 1, host.map(types[i])};
+        const auto* bytes = reinterpret_cast<const uint8_t*>(words);
+        EXPECT_EQ(host.writes[i].port, 0u);
+        EXPECT_EQ(host.writes[i].protocol, host.map(LV2_ATOM__eventTransfer));
+        EXPECT_THAT(host.writes[i].bytes, testing::ElementsAreArray(bytes, sizeof words));
+    }
+}
+
+TEST(Editor, MapsOptionsThenMessagesInOrder) {
+    UiHost host(Entry());
+    ASSERT_TRUE(host.Open());
+    auto order = host.map.order();
+    // Forge types stand between, mapped in the order of LV2's own header.
+    const std::vector<std::string> options = {LV2_ATOM__Int,
+                                              LV2_ATOM__Bool,
+                                              LV2_ATOM__Float,
+                                              LV2_PARAMETERS__sampleRate,
+                                              LV2_UI__scaleFactor,
+                                              LV2_UI__foregroundColor,
+                                              LV2_UI__backgroundColor,
+                                              "http://lv2plug.in/ns/extensions/ui#contrastingColor",
+                                              "http://ardour.org/lv2/theme/#styleBoxy",
+                                              "http://ardour.org/lv2/theme/#styleFlat"};
+    ASSERT_GE(order.size(), options.size());
+    EXPECT_THAT(std::vector(order.begin(), order.begin() + 10), testing::ElementsAreArray(options));
+    std::erase_if(order, [](const std::string& uri) { return !uri.starts_with("urn:"); });
+    EXPECT_THAT(order, ElementsAre(kMessageUri, kSampleRateUri, kPlotIdUri, kPlotArrayUri,
+                                   kEnableUiUri, kDisableUiUri));
+}
+
+TEST(Editor, TellsTheOptionsThatItUses) {
+    UiHost host(Entry());
+    host.AddOption(LV2_UI__scaleFactor, LV2_ATOM__Float, 2.0f);
+    host.AddOption(LV2_UI__backgroundColor, LV2_ATOM__Int, 0x11223380u);
+    host.AddOption(LV2_UI__backgroundColor, LV2_ATOM__Int, 0x445566ffu, false);
+    host.AddOption(LV2_UI__backgroundColor, LV2_ATOM__Float, 1.0f);
+    host.AddOption(LV2_UI__foregroundColor, LV2_ATOM__Int, 0x778899ffu);
+    host.AddOption(LV2_UI_PREFIX "contrastingColor", LV2_ATOM__Int, 0x0a0b0c0du);
+    host.AddOption(kStyleBoxyUri, LV2_ATOM__Bool, 1);
+    host.AddOption(kStyleFlatUri, LV2_ATOM__Bool, 0);
+    host.AddOption(LV2_PARAMETERS__sampleRate, LV2_ATOM__Float, 44100.0f);
+    host.AddOption("urn:x:unknown", LV2_ATOM__Int, 1);
+    const Printed printed = PrintedBy([&] { EXPECT_TRUE(host.Open()); });
+    std::string ours;
+    std::istringstream lines(printed.out);
+    for (std::string line; std::getline(lines, line);) {
+        ours += line.starts_with("HOST") ? line + "\n" : "";
+    }
+    EXPECT_EQ(ours,
+              "HOST BG COLOR RGBA: 0x11223380\n"
+              "HOST CONTRAST COLOR RGBA: 0xa0b0c0d\n"
+              "HOST THEME BOXY: TRUE\n"
+              "HOST THEME FLAT: FALSE\n"
+              "HOST SAMPLE RATE: 44100.000\n");
+    EXPECT_TRUE(host.window.HasSize(host.child, 1000, 600));
+}
+
+TEST(Editor, ReadsNoOptionsWithoutAMap) {
+    UiHost host(Entry());
+    host.AddOption(kStyleBoxyUri, LV2_ATOM__Bool, 1);
+    host.hasMap = false;
+    const Printed printed = PrintedBy([&] { EXPECT_TRUE(host.Open()); });
+    EXPECT_THAT(printed.out, Not(HasSubstr("HOST")));
+    host.Report(kTrimPort, 3.0f);
+    host.IdleTimes(3);
+}
+
+TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
+    UiHost host(Entry());
+    host.hasTouch = false;
+    EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err,
+                "error: Required touch interface extension is not available.\n");
+    EXPECT_THAT(host.resizes, IsEmpty());
+
+    host.hasTouch = true;
+    host.hasParent = false;
+    EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err,
+                "error: No parent window provided.\n");
+    EXPECT_THAT(host.resizes, ElementsAre(Pair(1000, 600)));
+
+    host.hasParent = true;
+    const std::string display = std::getenv("DISPLAY");
+    setenv("DISPLAY", ":765", 1);
+    EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err, testing::StartsWith("error: "));
+    setenv("DISPLAY", display.c_str(), 1);
+    EXPECT_THAT(host.writes, IsEmpty());
+    EXPECT_TRUE(host.Open());
+}
+
+TEST(Editor, TellsKeysOnStandardError) {
+    UiHost host(Entry());
+    ASSERT_TRUE(host.Open());
+    host.IdleTimes(3);
+    host.window.MovePointer(20, 20);
+    const Printed printed = PrintedBy([&] {
+        host.window.Key(XK_q, true);
+        host.window.Key(XK_q, false);
+        host.window.Key(XK_Control_L, true);
+        host.window.Key(XK_F5, true);
+        host.window.Key(XK_F5, false);
+        host.window.Key(XK_Control_L, false);
+        host.IdleTimes(3);
+        std::fflush(stdout);
+    });
+    EXPECT_EQ(printed.err,
+              "Key q down Modifiers:\n"
+              "Key q up Modifiers:\n"
+              "Special key 23 down Modifiers:\n"
+              "Special key 5 down Modifiers: Ctrl\n"
+              "Special key 5 up Modifiers: Ctrl\n"
+              "Special key 23 up Modifiers: Ctrl\n");
+    EXPECT_THAT(printed.out, HasSubstr("GLView_BaseView::KeyDown, doing nothing\n"));
+}
+
+TEST(Editor, FollowsItsParentsSize) {
+    UiHost host(Entry());
+    ASSERT_TRUE(host.Open());
+    host.window.Resize(1500, 700);
+    EXPECT_TRUE(
+        WaitFor([&] { return host.window.HasSize(host.child, 1500, 700); }, [&] { host.Idle(); }));
+}
+
+TEST(Editor, OpensAndClosesWithoutTrace) {
+    UiHost other(Entry());
+    ASSERT_TRUE(other.Open());
+    UiHost host(Entry());
+    const auto round = [&](bool parentGoesFirst) {
+        ASSERT_TRUE(host.Open());
+        host.Report(kTrimPort, 1.0f);
+        host.IdleTimes(3);
+        other.Idle();
+        if (parentGoesFirst) {
+            host.window.Destroy();
+            host.Idle();
+        }
+        host.Close();
+    };
+    long settled = 0;
+    for (int i = 0; i < 200; ++i) {
+        round(false);
+        if (i == 60) {
+            settled = ResidentKib();
+        }
+    }
+    EXPECT_LT(ResidentKib() - settled, 4096) << "KiB in 140 rounds";
+    round(true);
+    other.IdleTimes(3);
+    EXPECT_TRUE(other.window.IsShown(other.child));
+}
+
+TEST(Editor, IgnoresWhatIsMalformed) {
+    UiHost host(Entry());
+    ASSERT_TRUE(host.Open());
+    alignas(8)
+        const uint32_t lies[] = {0xffffffffu, host.map(LV2_ATOM__Object), 1, host.map(kMessageUri)};
+    const uint32_t atoms = host.map(LV2_ATOM__eventTransfer);
+    host.Deliver(kNotifyPort, atoms, lies, sizeof lies);
+    host.Deliver(kNotifyPort, atoms, lies, 3);
+    host.Deliver(kNotifyPort, atoms, nullptr, 0);
+    host.Deliver(kTrimPort, 0, lies, 2);
+    host.Deliver(kTrimPort, 0, nullptr, 4);
+    host.Deliver(kTrimPort, 4711, lies, sizeof lies);
+    host.Report(0xffffffffu, 1.0f);
+    for (float value : {std::numeric_limits<float>::quiet_NaN(),
+                        std::numeric_limits<float>::infinity(), -1e30f}) {
+        for (uint32_t port = 2; port < kFirstAudioPort; ++port) {
+            host.Report(port, value);
+        }
+    }
+    host.IdleTimes(3);
+}
+
+}  // namespace
+}  // namespace brindle

@@ -1,0 +1,351 @@
+// SPDX-License-Identifier: ISC
+#include "editor/GLView_BaseView.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+#include "editor/window_events.h"
+#include "gl/gl.h"
+#include "gl/settings.h"
+#include "tests/support/host_window.h"
+
+namespace brindle {
+namespace {
+
+using testing::ElementsAre;
+using testing::FloatNear;
+using testing::IsEmpty;
+
+/// A view that takes presses and writes down what reaches it. It counts what is drawn, and fills
+/// itself in a colour of its own in one of the passes.
+struct Probe : GLView {
+    std::vector<std::string> log;
+    GLPoint point;       // of the last event, in the parent's coordinates
+    GLPoint pixelPoint;  // of the last press or drag
+    int drawn[3] = {};   // back, main, front
+    int fillPass = 0;
+    GLColor fill = kRed;
+
+    Probe(float newX, float newY, float width, float height) {
+        SetPosition(newX, newY);
+        SetSize(width, height);
+        SetInfoTitle("Probe");
+        SetInfoText("a probe");
+    }
+    void MouseDown(GLPoint where, GLPoint pixel) override {
+        log.emplace_back(IsResetPress() ? "double" : "down");
+        point = where;
+        pixelPoint = pixel;
+        SetCaptured(true);
+    }
+    void MouseUp(GLPoint where) override {
+        log.emplace_back("up");
+        point = where;
+        SetCaptured(false);
+    }
+    void MouseDragTo(GLPoint pixel) override {
+        log.emplace_back("drag");
+        pixelPoint = pixel;
+    }
+    void Scroll(float delta) override { log.push_back("scroll " + std::to_string(delta)); }
+    void ParameterChanged(uint32_t index) override {
+        log.push_back("port " + std::to_string(index));
+    }
+    void DrawBack() override { Paint(0); }
+    void Draw() override { Paint(1); }
+    void DrawFront() override { Paint(2); }
+
+  private:
+    void Paint(int pass) {
+        ++drawn[pass];
+        if (pass == fillPass) {
+            glDisable(GL_TEXTURE_2D);
+            fill.Apply();
+            glRectf(x - hw, y - hh, x + hw, y + hh);
+            glEnable(GL_TEXTURE_2D);
+        }
+    }
+};
+
+/// A probe that stays where a press found it, as most widgets do not.
+struct Listener : Probe {
+    using Probe::Probe;
+    void MouseDown(GLPoint, GLPoint) override { log.emplace_back("down"); }
+};
+
+// What real presses are: they come at any pace.
+const auto kPress = testing::AnyOf("down", "double");
+
+class RootView : public testing::Test {
+  protected:
+    class Page : public GLView_BaseView {
+      public:
+        Page() : GLView_BaseView(1000, 600) {}
+    };
+
+    void Open(int width = 1000, int height = 600) {
+        hostBackgroundColor = kGrey20;
+        host.Sync();
+        window = PuglWindow::Create(host.GetId(), "Probe", 1000, 600);
+        ASSERT_NE(window, nullptr);
+        ConnectWindow(*window, *page);
+        host.Resize(width, height);
+        ASSERT_TRUE(WaitFor([&] { return host.HasSize(window->GetNativeWindow(), width, height); },
+                            [&] { Process(); }));
+        DrawFrame();
+        DrawFrame();
+    }
+    void Process() {
+        host.Sync();
+        window->ProcessEvents();
+    }
+    void DrawFrame() {
+        window->PostRedisplay();
+        Process();
+    }
+    void MoveTo(int x, int y) {
+        host.MovePointer(x, y);
+        Process();
+    }
+    uint32_t Pixel(int x, int y) { return host.GetPixel(window->GetNativeWindow(), x, y); }
+    template <typename View = Probe>
+    View* Add(float x, float y, float width, float height) {
+        auto* probe = new View(x, y, width, height);
+        page->AddChild(probe);
+        return probe;
+    }
+
+    ~RootView() override {
+        if (window != nullptr) {
+            window->MakeCurrent();
+        }
+        page.reset();
+    }
+
+    HostWindow host;
+    std::unique_ptr<PuglWindow> window;
+    std::unique_ptr<Page> page = std::make_unique<Page>();
+};
+
+TEST_F(RootView, BringsThePointerToTheTreesCoordinatesAtEverySize) {
+    // Window size, and the frame that must stand in its middle.
+    const struct {
+        int width, height, left, top, frameWidth, frameHeight;
+    } cases[] = {
+        {1000, 600, 0, 0, 1000, 600},   {2000, 1200, 0, 0, 2000, 1200},
+        {1300, 600, 150, 0, 1000, 600}, {500, 500, 0, 100, 500, 300},
+        {1000, 700, 0, 50, 1000, 600},
+    };
+    auto* probe = Add(1.0f, 0.5f, 0.2f, 0.2f);
+    Open();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.width << " x " << c.height);
+        host.Resize(c.width, c.height);
+        ASSERT_TRUE(
+            WaitFor([&] { return page->GetPageWidth() == static_cast<float>(c.frameWidth); },
+                    [&] { Process(); }));
+        DrawFrame();
+        EXPECT_EQ(page->GetPageHeight(), static_cast<float>(c.frameHeight));
+        probe->log.clear();
+        // (1, 0.5) lies at 8/10 of the frame's width and a quarter of its height.
+        const int pixelX = c.frameWidth * 8 / 10;
+        const int pixelY = c.frameHeight / 4;
+        MoveTo(c.left + pixelX, c.top + pixelY);
+        EXPECT_EQ(page->GetSelectedView(), probe);
+        host.Press();
+        MoveTo(c.left + pixelX + 31, c.top + pixelY - 7);
+        EXPECT_FLOAT_EQ(probe->point.x, 1.0f);
+        EXPECT_FLOAT_EQ(probe->point.y, 0.5f);
+        EXPECT_FLOAT_EQ(probe->pixelPoint.x, static_cast<float>(pixelX + 31));
+        EXPECT_FLOAT_EQ(probe->pixelPoint.y, static_cast<float>(pixelY - 7));
+        host.Release();
+        Process();
+        EXPECT_THAT(probe->log, ElementsAre(kPress, "drag", "up"));
+
+        MoveTo(c.left, c.top);
+        host.Click();
+        Process();
+        EXPECT_THAT(probe->log, ElementsAre(kPress, "drag", "up"));
+        EXPECT_EQ(page->GetSelectedView(), nullptr);
+        // What is drawn there is the probe too; beside the frame is nothing.
+        EXPECT_EQ(Pixel(c.left + pixelX, c.top + pixelY), 0xff0000u);
+        EXPECT_EQ(Pixel(c.left + 2, c.top + 2), 0x333333u);
+        if (c.left + c.top > 0) {
+            EXPECT_EQ(Pixel(c.left / 2, c.top / 2), 0x000000u);
+        }
+    }
+}
+
+TEST_F(RootView, DragsGoOnOutsideTheWindow) {
+    auto* probe = Add(0.0f, 0.0f, 1.0f, 1.0f);
+    Open();
+    MoveTo(500, 300);
+    host.Press();
+    MoveTo(-20, -15);
+    EXPECT_FLOAT_EQ(probe->pixelPoint.x, -20.0f);
+    EXPECT_FLOAT_EQ(probe->pixelPoint.y, -15.0f);
+    EXPECT_EQ(page->GetPressedButton(), 1);
+    host.Release();
+    Process();
+    EXPECT_EQ(probe->log.back(), "up");
+    EXPECT_GT(probe->point.y, 1.0f);
+    EXPECT_EQ(page->GetPressedButton(), 0);
+    EXPECT_EQ(page->GetCapturedView(), nullptr);
+}
+
+TEST_F(RootView, TellsDoubleClicksByTheTimesOfTheEvents) {
+    auto* probe = Add(0.0f, 0.0f, 1.0f, 1.0f);
+    Open();
+    const uintptr_t id = window->GetNativeWindow();
+    const struct {
+        uint32_t first, second;
+        bool isDouble;
+    } cases[] = {
+        {5000, 5001, true},    {10000, 10199, true},    {20000, 20200, false},
+        {30000, 30000, false}, {0xffffffc0u, 30, true}, {40000, 39999, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.first << " ms, " << c.second << " ms");
+        probe->log.clear();
+        host.SendPress(id, 500, 300, c.first);
+        host.SendPress(id, 500, 300, c.second);
+        Process();
+        EXPECT_THAT(probe->log, ElementsAre("down", c.isDouble ? "double" : "down"));
+        EXPECT_FALSE(page->IsResetPress());
+        EXPECT_EQ(page->GetEventTime(), c.second);
+    }
+}
+
+TEST_F(RootView, TheWheelTurnsTheViewUnderThePointerOnly) {
+    auto* left = Add(-0.8f, 0.0f, 0.5f, 0.5f);
+    auto* right = Add(0.8f, 0.0f, 0.5f, 0.5f);
+    Open();
+    host.MovePointer(-5, -5);
+    host.Click(4);
+    MoveTo(260, 300);
+    EXPECT_STREQ(page->infoTitle, "Probe");
+    EXPECT_STREQ(page->infoText, "a probe");
+    host.Click(4);
+    MoveTo(740, 300);
+    host.Click(5);
+    MoveTo(500, 300);
+    EXPECT_STREQ(page->infoTitle, "");
+    EXPECT_STREQ(page->infoText, "");
+    host.Click(5);
+    Process();
+    EXPECT_THAT(left->log, ElementsAre("scroll 1.000000"));
+    EXPECT_THAT(right->log, ElementsAre("scroll -1.000000"));
+}
+
+TEST_F(RootView, ADialogTakesEveryPressUntilOneBesideItDismissesIt) {
+    auto* below = Add(0.0f, 0.0f, 3.0f, 1.9f);
+    auto* other = Add<Listener>(0.0f, 0.0f, 0.1f, 0.1f);
+    Listener dialog(0.5f, 0.0f, 0.4f, 0.4f);
+    dialog.SetVisible(false);
+    Open();
+    page->OpenDialog(&dialog);
+    EXPECT_EQ(dialog.Page(), page.get());
+    MoveTo(650, 300);
+    EXPECT_EQ(page->GetSelectedView(), &dialog);
+    host.Click();
+    MoveTo(200, 300);
+    EXPECT_EQ(page->GetSelectedView(), nullptr);
+    EXPECT_STREQ(page->infoTitle, "");
+    EXPECT_THAT(dialog.log, ElementsAre("down", "up"));
+    DrawFrame();
+    EXPECT_EQ(dialog.drawn[1], 1);
+    EXPECT_EQ(dialog.drawn[2], 1);
+
+    host.Click();
+    Process();
+    EXPECT_FALSE(dialog.visible);
+    EXPECT_THAT(dialog.log, ElementsAre("down", "up"));
+    EXPECT_THAT(below->log, IsEmpty());
+    host.Click();
+    Process();
+    EXPECT_THAT(below->log, ElementsAre(kPress, "up"));
+
+    page->OpenDialog(&dialog);
+    page->OpenDialog(other);  // a second one puts the first away
+    EXPECT_FALSE(dialog.visible);
+    page->CloseDialog(false);
+    EXPECT_FALSE(other->visible);
+}
+
+TEST_F(RootView, DrawsWhatStandsStillOnlyWhenItIsOutOfDate) {
+    auto* still = Add(-0.8f, 0.0f, 0.5f, 0.5f);
+    auto* moving = Add(0.8f, 0.0f, 0.5f, 0.5f);
+    auto* overlay = Add(0.0f, 0.0f, 0.5f, 0.5f);
+    moving->fillPass = 1;
+    moving->fill = kGreen;
+    overlay->fillPass = 2;
+    overlay->fill = kBlue;
+    Open();
+    EXPECT_FALSE(page->redrawNeeded);
+    const auto backBefore = still->drawn[0];
+    const auto mainBefore = still->drawn[1];
+    const auto frontBefore = still->drawn[2];
+    const auto expectColours = [&](uint32_t leftColor) {
+        EXPECT_EQ(Pixel(260, 300), leftColor);
+        EXPECT_EQ(Pixel(740, 300), 0x00ff00u);
+        EXPECT_EQ(Pixel(500, 300), 0x0000ffu);
+    };
+    still->fill = kYellow;
+    DrawFrame();
+    DrawFrame();
+    EXPECT_EQ(still->drawn[0], backBefore);
+    EXPECT_EQ(still->drawn[1], mainBefore);
+    EXPECT_EQ(still->drawn[2], frontBefore + 2);
+    expectColours(0xff0000u);
+
+    page->SetParameter(3, 1.0f, false);
+    DrawFrame();
+    EXPECT_EQ(still->drawn[0], backBefore);
+    page->SetParameter(3, 1.0f, true);
+    DrawFrame();
+    EXPECT_EQ(still->drawn[0], backBefore + 1);
+    EXPECT_EQ(still->drawn[1], mainBefore + 1);
+    expectColours(0xffff00u);
+    DrawFrame();
+    expectColours(0xffff00u);
+    EXPECT_EQ(still->drawn[0], backBefore + 1);
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+}
+
+TEST_F(RootView, KeepsParametersAndTellsTheTreeOfAll) {
+    auto* probe = Add(0.0f, 0.0f, 1.0f, 1.0f);
+    page->SetParameter(127, 0.5f, false);
+    page->SetParameter(128, 0.5f, false);
+    page->SetParameter(0xffffffffu, 0.5f, false);
+    EXPECT_EQ(probe->GetParameter(127), 0.5f);
+    EXPECT_EQ(probe->GetParameter(128), 0.0f);
+    EXPECT_EQ(probe->GetParameter(0xffffffffu), 0.0f);
+    EXPECT_THAT(probe->log, ElementsAre("port 127", "port 128", "port 4294967295"));
+}
+
+TEST_F(RootView, AnswersQueriesInDesignUnits) {
+    auto* probe = Add(0.0f, 0.0f, 1.0f, 1.0f);
+    EXPECT_FLOAT_EQ(probe->GetPixelSize(), 2.0f / 600.0f);
+    EXPECT_FLOAT_EQ(probe->GetInterfaceScale(), 2.0f / 800.0f);
+    EXPECT_FLOAT_EQ(probe->GetViewRight(), 5.0f / 3.0f);
+    EXPECT_FLOAT_EQ(probe->GetViewLeft(), -5.0f / 3.0f);
+    EXPECT_FLOAT_EQ(probe->GetViewTop(), 1.0f);
+    EXPECT_FLOAT_EQ(probe->GetViewBottom(), -1.0f);
+    EXPECT_EQ(probe->GetResources(), nullptr);
+}
+
+TEST_F(RootView, IgnoresInputBeforeItsFirstFrame) {
+    auto* probe = Add(0.0f, 0.0f, 3.0f, 1.9f);
+    page->SetWindowSize(1000, 600);
+    page->MouseButton(1, true, 500, 300);
+    page->MouseButton(1, false, 500, 300);
+    page->PointerMotion(500, 300);
+    page->MouseWheel(1.0f);
+    EXPECT_THAT(probe->log, IsEmpty());
+    EXPECT_EQ(page->GetSelectedView(), nullptr);
+}
+
+}  // namespace
+}  // namespace brindle

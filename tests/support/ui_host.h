@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: ISC
+/// An editor, opened as a host does: with a parent window, features and options, and records of
+/// all that it asks of its host.
+#pragma once
+
+#include <lv2/atom/atom.h>
+#include <lv2/options/options.h>
+#include <lv2/ui/ui.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "lv2/brindle.h"
+#include "tests/support/host_window.h"
+#include "tests/support/plugin_host.h"
+
+namespace brindle::test {
+
+/// One call of the write function.
+struct UiWrite {
+    uint32_t port = 0;
+    uint32_t protocol = 0;
+    std::vector<uint8_t> bytes;
+
+    float AsFloat() const {
+        float value = 0.0f;
+        if (bytes.size() == sizeof value) {
+            std::memcpy(&value, bytes.data(), sizeof value);
+        }
+        return value;
+    }
+};
+
+class UiHost {
+  public:
+    /// Opens nothing yet. `descriptor` is the editor's; `map` may be shared with the plugin's host.
+    explicit UiHost(const LV2UI_Descriptor* newDescriptor, UridMap* sharedMap = nullptr)
+        : map(sharedMap != nullptr ? *sharedMap : ownMap), descriptor(newDescriptor) {
+        window.Sync();
+    }
+    UiHost(const UiHost&) = delete;
+    UiHost& operator=(const UiHost&) = delete;
+    ~UiHost() { Close(); }
+
+    // What the host offers; change it before opening.
+    bool hasMap = true;
+    bool hasParent = true;
+    bool hasTouch = true;
+    bool hasResize = true;
+    bool hasOptions = true;
+
+    template <typename Value>
+    void AddOption(const char* key, const char* type, Value value, bool ofInstance = true) {
+        static_assert(sizeof value <= 8);
+        LV2_Options_Option option{};
+        option.context = ofInstance ? LV2_OPTIONS_INSTANCE : LV2_OPTIONS_PORT;
+        option.key = map(key);
+        option.size = sizeof value;
+        option.type = map(type);
+        std::memcpy(AddValue(), &value, sizeof value);
+        options.push_back(option);
+    }
+
+    bool Open(const char* bundle = BRINDLE_BUNDLE) {
+        for (size_t i = 0; i < options.size(); ++i) {
+            options[i].value = values[i].data();
+        }
+        options.push_back({});
+        const LV2_Feature parent = {LV2_UI__parent, reinterpret_cast<void*>(window.GetId())};
+        const LV2_Feature touchFeature = {LV2_UI__touch, &touch};
+        const LV2_Feature resizeFeature = {LV2_UI__resize, &resize};
+        const LV2_Feature optionsFeature = {LV2_OPTIONS__options, options.data()};
+        const LV2_Feature idle = {LV2_UI__idleInterface, nullptr};
+        std::vector<const LV2_Feature*> features = {&idle};
+        const auto offer = [&](bool has, const LV2_Feature* feature) {
+            if (has) {
+                features.push_back(feature);
+            }
+        };
+        offer(hasOptions, &optionsFeature);
+        offer(hasResize, &resizeFeature);
+        offer(hasParent, &parent);
+        offer(hasMap, map.feature());
+        offer(hasTouch, &touchFeature);
+        features.push_back(nullptr);
+        LV2UI_Widget widget = nullptr;
+        handle = descriptor->instantiate(descriptor, kStereoUri, bundle, Write, this, &widget,
+                                         features.data());
+        child = reinterpret_cast<uintptr_t>(widget);
+        options.pop_back();
+        return handle != nullptr;
+    }
+    void Close() {
+        if (handle != nullptr) {
+            descriptor->cleanup(handle);
+            handle = nullptr;
+        }
+    }
+    int Idle() {
+        const auto* idle = static_cast<const LV2UI_Idle_Interface*>(
+            descriptor->extension_data(LV2_UI__idleInterface));
+        return idle->idle(handle);
+    }
+    void IdleTimes(int times) {
+        for (int i = 0; i < times; ++i) {
+            Idle();
+            window.Sync();
+        }
+    }
+    void Report(uint32_t port, float value) {
+        descriptor->port_event(handle, port, sizeof value, 0, &value);
+    }
+    void Deliver(uint32_t port, uint32_t format, const void* buffer, uint32_t size) {
+        descriptor->port_event(handle, port, size, format, buffer);
+    }
+    uint32_t GetPixel(int x, int y) { return window.GetPixel(child, x, y); }
+
+  private:
+    UridMap ownMap;
+
+  public:
+    HostWindow window;
+    UridMap& map;
+    LV2UI_Handle handle = nullptr;
+    uintptr_t child = 0;  ///< the editor's X window
+
+    // What the editor asked for, in order.
+    std::vector<UiWrite> writes;
+    std::vector<std::pair<uint32_t, bool>> touches;
+    std::vector<std::pair<int, int>> resizes;
+
+  private:
+    static UiHost& Of(void* self) { return *static_cast<UiHost*>(self); }
+    static void Write(LV2UI_Controller self, uint32_t port, uint32_t size, uint32_t protocol,
+                      const void* buffer) {
+        const auto* bytes = static_cast<const uint8_t*>(buffer);
+        Of(self).writes.push_back({port, protocol, {bytes, bytes + size}});
+    }
+    uint8_t* AddValue() { return values.emplace_back().data(); }
+
+    const LV2UI_Descriptor* descriptor;
+    std::vector<LV2_Options_Option> options;
+    std::vector<std::array<uint8_t, 8>> values;
+    LV2UI_Touch touch = {
+        this, [](void* self, uint32_t port, bool on) { Of(self).touches.emplace_back(port, on); }};
+    LV2UI_Resize resize = {this, [](void* self, int width, int height) {
+                               Of(self).resizes.emplace_back(width, height);
+                               return 0;
+                           }};
+};
+
+}  // namespace brindle::test
