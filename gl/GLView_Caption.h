@@ -10,6 +10,7 @@ namespace brindle {
 class GLView_Caption : public GLView {
   public:
     bool HitTest(GLPoint point) override;
+    void Draw() override;
 
     int alignment = 1;  ///< 0 begins at the left edge, 1 is centred, 2 ends at the right edge
 };

@@ -4,12 +4,42 @@
 #include <algorithm>
 #include <cmath>
 
+#include "gl/drawing.h"
+#include "gl/settings.h"
+
 namespace brindle {
 
 float GLView_DB60Meter::GetFill() const {
     // Neither a NaN nor a negative level is greater than 0.
     const float amplitude = level > 0.0f ? level : 0.0f;
     return std::clamp(std::log10(amplitude + 1e-10f) * 0.333332f + 1.0f, 0.0f, 1.0f);
+}
+
+void GLView_DB60Meter::DrawBack() {
+    constexpr float kMarks_db[] = {0, -3, -6, -12, -20, -30, -40, -50, -60};
+    const GLResources* resources = GetResources();
+    const float s = GetInterfaceScale();
+    glTranslatef(x, y, 0.0f);
+    DrawWell(resources, hw, hh + 6.0f * s, 4.0f * s, lightColor);
+    for (const float mark_db : kMarks_db) {
+        const MatrixScope matrix;
+        glTranslatef(0.0f, 2.0f * hh * ((mark_db + 60.0f) / 60.0f) - hh, 0.0f);
+        shadeColor.ApplyFaded(0.3f);
+        DrawRect(5.0f * s, s);
+    }
+}
+
+void GLView_DB60Meter::DrawFront() {
+    const float s = GetInterfaceScale();
+    glTranslatef(x, y, 0.0f);
+    {
+        const MatrixScope matrix;
+        const float half = hh * GetFill();
+        glTranslatef(0.0f, half - hh, 0.0f);
+        glColor4f(0.8f, 0.9f, 0.0f, 0.6f);
+        DrawRect(5.0f * s, half);
+    }
+    DrawShadow(GetResources(), hw, hh + 6.0f * s, 4.0f * s, true);
 }
 
 }  // namespace brindle

@@ -9,6 +9,9 @@ namespace brindle {
 /// level that it holds at once; ballistics belong to whoever sets it.
 class GLView_DB60Meter : public GLView {
   public:
+    void DrawBack() override;
+    void DrawFront() override;
+
     /// The part of the height that is filled, 0 to 1; 0 for what is no level.
     float GetFill() const;
 

@@ -12,6 +12,7 @@ class GLView_DecoratorBox : public GLView {
     GLView_DecoratorBox();
 
     bool HitTest(GLPoint point) override;
+    void DrawBack() override;
 
     int style = 0;  ///< 0 closed; 1 to 4 open sides, as the framed boxes of the drawing routines
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_Dialog.h"
 
+#include "gl/look.h"
+
 namespace brindle {
 
 GLView_Dialog::GLView_Dialog() : slide({{0.2f, {0.0f, -0.06f}, {0.0f, 0.0f}}}) {}
@@ -8,6 +10,23 @@ GLView_Dialog::GLView_Dialog() : slide({{0.2f, {0.0f, -0.06f}, {0.0f, 0.0f}}}) {
 void GLView_Dialog::Close() {
     slide.Restart();
     GLView::Close();
+}
+
+void GLView_Dialog::DrawBack() {}
+
+void GLView_Dialog::Draw() {
+    const Look look(*this);
+    EnterView(*this);
+    slide.Apply();
+    DrawPopup(look, hw, hh);
+    DrawChildrenBack();
+    DrawChildren();
+}
+
+void GLView_Dialog::DrawFront() {
+    EnterView(*this);
+    slide.Apply();
+    DrawChildrenFront();
 }
 
 }  // namespace brindle

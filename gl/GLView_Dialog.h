@@ -14,6 +14,10 @@ class GLView_Dialog : public GLView {
 
     /// Puts away what pops up inside, and has the box slide in anew when it is shown again.
     void Close() override;
+    void DrawBack() override;
+    /// Box and children with all their passes: a page draws an open dialog last, on its own.
+    void Draw() override;
+    void DrawFront() override;
 
     GLAnimator_Translator slide;
 };

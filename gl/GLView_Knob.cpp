@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "gl/value_display.h"
+
 namespace brindle {
 namespace {
 
@@ -165,6 +167,51 @@ void GLView_Knob::SetCaptured(bool on) {
 void GLView_Knob::Scroll(float delta) {
     const float step = IsFine() ? kFineWheelStep : kWheelStep;
     writer.Write(port, MapValue(Clamp01(normalised + delta * step)));
+}
+
+bool GLView_Knob::IsRound() const {
+    return hh > 0.7f * hw;
+}
+
+ControlFace GLView_Knob::Face(const char* text) {
+    return {hw,    hh,       normalised, NormalisedZero(), text, textSize * GetInterfaceScale(),
+            color, knobColor};
+}
+
+void GLView_Knob::DrawBack() {
+    const Look look(*this);
+    EnterView(*this);
+    const bool round = IsRound();
+    (round ? DrawRoundKnobBack : DrawValueDisplayBack)(look, Face(infoText));
+    {
+        const MatrixScope matrix;
+        const float below = round ? hw + 12.0f * look.s : hh + 7.0f * look.s;
+        glTranslatef(0.0f, -below, 0.0f);
+        color.ApplyFaded(0.6f);
+        DrawFittedText(look, label, kAlignCentre, labelSize * look.s, 3.0f * hw);
+    }
+    DrawChildrenBack();
+}
+
+void GLView_Knob::Draw() {
+    const Look look(*this);
+    EnterView(*this);
+    {
+        const MatrixScope matrix;
+        (IsRound() ? DrawRoundKnob : DrawValueDisplay)(look, Face(infoText));
+    }
+    DrawChildren();
+}
+
+void GLView_Knob::DrawFront() {
+    const Look look(*this);
+    EnterView(*this);
+    if (IsRound()) {
+        DrawRoundKnobState(look, Face(infoText));
+    } else {
+        DrawStateOutline(look, hw, hh);
+    }
+    DrawChildrenFront();
 }
 
 }  // namespace brindle

@@ -11,6 +11,8 @@
 
 namespace brindle {
 
+struct ControlFace;
+
 /// The port of the control that the user is dragging, -1 for none. UI thread.
 inline int32_t activePort = -1;
 
@@ -44,6 +46,9 @@ class GLView_Knob : public GLView {
     void SetUnit(const char* text);
 
     void ParameterChanged(uint32_t index) override;
+    void DrawBack() override;
+    void Draw() override;
+    void DrawFront() override;
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
     void MouseDragTo(GLPoint pagePoint) override;
@@ -84,11 +89,15 @@ class GLView_Knob : public GLView {
     float sensitivity = 0.003f;  ///< normalised change a window pixel
     std::string unit;
 
+  protected:
+    /// The control as it is drawn now, with a text.
+    ControlFace Face(const char* text);
+
   private:
     float Normalise(float value) const;
     bool IsFine();
-    bool IsRound() const;
     void LetGo();
+    bool IsRound() const;
 };
 
 }  // namespace brindle

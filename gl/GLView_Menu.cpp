@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "gl/look.h"
+
 namespace brindle {
 namespace {
 
@@ -58,6 +60,38 @@ bool GLView_Menu::HitTest(GLPoint point) {
         }
     }
     return false;
+}
+
+void GLView_Menu::Draw() {
+    constexpr float kDarkest = 0.6f;
+    constexpr float kFadeStep = 0.02f;
+    if (fade < kDarkest) {
+        fade = std::min(fade + kFadeStep, kDarkest);
+    }
+    const Look look(*this);
+    {
+        const MatrixScope matrix;
+        const float left = GetViewLeft();
+        const float right = GetViewRight();
+        const float bottom = GetViewBottom();
+        const float top = GetViewTop();
+        glTranslatef((left + right) * 0.5f, (bottom + top) * 0.5f, 0.0f);
+        kBlack.ApplyFaded(fade);
+        DrawRect((right - left) * 0.5f, (top - bottom) * 0.5f);
+    }
+    EnterView(*this);
+    {
+        const MatrixScope matrix;
+        const float half = 0.5f * itemOffset;
+        glTranslatef(0.0f, half - 0.5f * kItemHeight * look.s, 0.0f);
+        DrawPopup(look, hw + kMargin * look.s, half + kMargin * look.s);
+    }
+    DrawChildren();
+}
+
+void GLView_Menu::DrawFront() {
+    EnterView(*this);
+    DrawChildrenFront();
 }
 
 }  // namespace brindle

@@ -22,6 +22,8 @@ class GLView_Menu : public GLView_Dialog {
     GLView_Menu_Item* PresentItem();
 
     bool HitTest(GLPoint point) override;
+    void Draw() override;
+    void DrawFront() override;
 
     float fade = 0.0f;        ///< how dark the page behind is, up to 0.6
     float itemOffset = 0.0f;  ///< y of the next entry

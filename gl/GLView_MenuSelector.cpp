@@ -1,7 +1,20 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_MenuSelector.h"
 
+#include "gl/look.h"
+
 namespace brindle {
+namespace {
+
+constexpr float kArrowRoom = 9.0f;  // design points
+
+void DrawEdge(float y, float half_length, float half_thickness) {
+    const MatrixScope matrix;
+    glTranslatef(0.0f, y, 0.0f);
+    DrawRect(half_length, half_thickness);
+}
+
+}  // namespace
 
 GLView_MenuSelector::GLView_MenuSelector() {
     menu.visible = false;
@@ -34,6 +47,47 @@ void GLView_MenuSelector::MouseUp(GLPoint point) {
     if (menu.visible && menu.HitTest(point) && !HitTest(inParent)) {
         menu.MouseUp(point);
     }
+}
+
+void GLView_MenuSelector::DrawBack() {
+    EnterView(*this);
+    DrawKey(Look(*this), hw, hh);
+    DrawChildrenBack();
+}
+
+void GLView_MenuSelector::Draw() {
+    EnterView(*this);
+    if (const GLView_Menu_Item* present = menu.PresentItem()) {
+        DrawEntry(present->label);
+    }
+    DrawFrame();
+    DrawChildren();
+}
+
+void GLView_MenuSelector::DrawFront() {
+    EnterView(*this);
+    DrawStateOutline(Look(*this), hw, hh);
+    DrawChildrenFront();
+}
+
+void GLView_MenuSelector::DrawEntry(const char* text) {
+    const Look look(*this);
+    const MatrixScope matrix;
+    glTranslatef(-0.5f * kArrowRoom * look.s, 0.0f, 0.0f);
+    DrawKeyText(look, text, labelSize * look.s, 2.0f * hw - (kArrowRoom + 4.0f) * look.s, color);
+}
+
+void GLView_MenuSelector::DrawFrame() {
+    const Look look(*this);
+    const float edge = 0.5f * look.s;
+    kWhite.ApplyFaded(look.enabled ? 0.4f : 0.1f);
+    DrawEdge(hh - edge, hw - look.Corner(hh), edge);
+    kBlack.ApplyFaded(0.3f);
+    DrawEdge(edge - hh, hw - look.Corner(hh), edge);
+    const MatrixScope matrix;
+    glTranslatef(hw - 0.5f * (kArrowRoom + 1.0f) * look.s, 0.0f, 0.0f);
+    color.ApplyFaded(look.TextAlpha());
+    DrawFittedText(look, kTriangleGlyph, kAlignCentre, 5.0f * look.s, hw);
 }
 
 }  // namespace brindle

@@ -16,6 +16,16 @@ class GLView_MenuSelector : public GLView {
     /// Appends an entry; `width` is the whole menu's. Ignored while there is no page.
     virtual void AddItem(uint32_t port, float value, float width, const char* text);
 
+    /// The key's face.
+    void DrawBack() override;
+    void Draw() override;
+    void DrawFront() override;
+    /// A text for what is chosen, and the key's bevelled edges with the menu's mark: what `Draw`
+    /// draws around the view's centre, for versions that show another text than the present
+    /// entry's.
+    void DrawEntry(const char* text);
+    void DrawFrame();
+
     /// Opens the menu. The selector keeps the pointer: the release of the press that opened the
     /// menu chooses an entry only where the pointer was dragged onto one.
     void MouseDown(GLPoint point, GLPoint pagePoint) override;

@@ -16,6 +16,7 @@ class GLView_Menu_Item : public GLView {
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     /// Writes again.
     void MouseUp(GLPoint point) override;
+    void Draw() override;
 
     /// True where the port's last reported value is this entry's; both count as the engine reads
     /// them, by the integer part of value + 0.1.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_PopButton.h"
 
+#include "gl/look.h"
+
 namespace brindle {
 
 void GLView_PopButton::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
@@ -21,6 +23,27 @@ void GLView_PopButton::MouseUp(GLPoint point) {
     } else {
         CloseDialog(false);
     }
+}
+
+void GLView_PopButton::DrawBack() {
+    const Look look(*this);
+    EnterView(*this);
+    DrawKey(look, hw, hh);
+    DrawChildrenBack();
+}
+
+void GLView_PopButton::Draw() {
+    const Look look(*this);
+    EnterView(*this);
+    DrawKeyText(look, label, labelSize * look.s, 2.0f * (hw - 3.0f * look.s), color);
+    DrawChildren();
+}
+
+void GLView_PopButton::DrawFront() {
+    const Look look(*this);
+    EnterView(*this);
+    DrawStateOutline(look, hw, hh);
+    DrawChildrenFront();
 }
 
 }  // namespace brindle

@@ -9,6 +9,9 @@ namespace brindle {
 /// which it stands. It acts when it is released over itself.
 class GLView_PopButton : public GLView {
   public:
+    void DrawBack() override;
+    void Draw() override;
+    void DrawFront() override;
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_PresetButton.h"
 
+#include "gl/look.h"
+
 namespace brindle {
 
 GLView_PresetButton::GLView_PresetButton() {
@@ -39,6 +41,28 @@ void GLView_PresetButton::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
 
 void GLView_PresetButton::MouseUp(GLPoint /*point*/) {
     SetCaptured(false);
+}
+
+void GLView_PresetButton::DrawBack() {
+    const Look look(*this);
+    EnterView(*this);
+    DrawKey(look, hw, hh);
+    DrawChildrenBack();
+}
+
+void GLView_PresetButton::Draw() {
+    const Look look(*this);
+    EnterView(*this);
+    const char* shown = label[0] != '\0' || name == nullptr ? label : name;
+    DrawKeyText(look, shown, labelSize * look.s, 2.0f * (hw - 2.0f * look.s), color);
+    DrawChildren();
+}
+
+void GLView_PresetButton::DrawFront() {
+    const Look look(*this);
+    EnterView(*this);
+    DrawStateOutline(look, hw, hh);
+    DrawChildrenFront();
 }
 
 }  // namespace brindle

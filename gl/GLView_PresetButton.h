@@ -23,6 +23,9 @@ class GLView_PresetButton : public GLView {
     /// Through what the values are written.
     void SetWriter(const HostWriter& hostWriter);
 
+    void DrawBack() override;
+    void Draw() override;
+    void DrawFront() override;
     /// Writes the values in the order of their ports and clears the page's info text.
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;

@@ -1,11 +1,83 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_Slider.h"
 
+#include <algorithm>
+
+#include "gl/value_display.h"
+
 namespace brindle {
+namespace {
+
+constexpr float kCapLength = 5.0f;  // design points, half extents
+constexpr float kCapWidth = 9.0f;
+
+/// Turns what is drawn from left to right into bottom to top, for vertical sliders.
+void TurnToAxis(bool horizontal) {
+    if (!horizontal) {
+        glRotatef(90.0f, 0.0f, 0.0f, 1.0f);
+    }
+}
+
+}  // namespace
 
 bool GLView_Slider::HitTest(GLPoint point) {
     ParentToLocal(point);
     return visible && point.x * point.x < hw * hw && point.y * point.y < hh * hh;
+}
+
+void GLView_Slider::DrawBack() {
+    EnterView(*this);
+    {
+        const MatrixScope matrix;
+        DrawTrack();
+    }
+    DrawChildrenBack();
+}
+
+void GLView_Slider::Draw() {
+    EnterView(*this);
+    {
+        const MatrixScope matrix;
+        DrawValue();
+    }
+    DrawChildren();
+}
+
+void GLView_Slider::DrawFront() {
+    EnterView(*this);
+    DrawStateOutline(Look(*this), hw, hh);
+    DrawChildrenFront();
+}
+
+float GLView_Slider::GetTravel() {
+    return (horizontal ? hw : hh) - (kCapLength + 2.0f) * GetInterfaceScale();
+}
+
+void GLView_Slider::DrawTrack() {
+    const Look look(*this);
+    {
+        const MatrixScope matrix;
+        TurnToAxis(horizontal);
+        DrawDisplay(look, GetTravel() + 3.0f * look.s, 3.0f * look.s);
+        DrawGroove(look, color, GetTravel(), NormalisedZero());
+    }
+    const float below = (horizontal ? std::min(hh, kCapWidth * look.s) : hh) + 7.0f * look.s;
+    glTranslatef(0.0f, -below, 0.0f);
+    color.ApplyFaded(0.6f);
+    DrawFittedText(look, label, kAlignCentre, labelSize * look.s, 3.0f * hw);
+}
+
+void GLView_Slider::DrawValue() {
+    Look look(*this);
+    TurnToAxis(horizontal);
+    DrawFill(look, knobColor, GetTravel(), {normalised, NormalisedZero()});
+    glTranslatef(GetTravel() * (2.0f * normalised - 1.0f), 0.0f, 0.0f);
+    const float across = std::min(horizontal ? hh : hw, kCapWidth * look.s);
+    const GLColor accent = look.Accent(knobColor);
+    look.captured = false;  // a cap is moved, not pressed
+    DrawKey(look, kCapLength * look.s, across);
+    Lightened(accent, look.enabled ? 0.4f : 0.0f).Apply();
+    DrawRect(0.75f * look.s, across - 2.0f * look.s);
 }
 
 }  // namespace brindle

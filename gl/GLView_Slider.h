@@ -12,9 +12,16 @@ class GLView_Slider : public GLView_Knob {
     using GLView_Knob::GLView_Knob;
 
     bool HitTest(GLPoint point) override;
+    void DrawBack() override;
+    void Draw() override;
+    void DrawFront() override;
 
     /// Draw around the view's centre what lies beneath the value (back pass), and what shows the
     /// value (main pass).
+    virtual void DrawTrack();
+    virtual void DrawValue();
+    /// How far the value's mark travels to either side of the centre, in the view's units.
+    virtual float GetTravel();
 };
 
 }  // namespace brindle

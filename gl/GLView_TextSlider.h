@@ -10,7 +10,13 @@ class GLView_TextSlider : public GLView_Slider {
   public:
     using GLView_Slider::GLView_Slider;
 
+    void DrawTrack() override;
+    void DrawValue() override;
+    float GetTravel() override;
+
   protected:
+    /// What stands before the value's text.
+    virtual const char* Caption() { return ""; }
 };
 
 }  // namespace brindle

@@ -1,7 +1,39 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_Toggle.h"
 
+#include "gl/look.h"
+
 namespace brindle {
+namespace {
+
+/// Brightens towards the middle of the lamp.
+void DrawGlow(const Look& look, const GLColor& color, float hw, float hh) {
+    constexpr GLPoint kDiscs[] = {{0.8f, 0.8f}, {0.7f, 0.6f}, {0.6f, 0.5f}, {0.5f, 0.4f}};
+    color.ApplyFaded(0.4f);
+    for (const GLPoint& disc : kDiscs) {
+        DrawDisc(look.resources, disc.x * hw, disc.y * hh);
+    }
+}
+
+/// Engraved while the lamp is off, lit on a dark ground while it is on.
+void DrawLampText(const Look& look, const char* text, float size, bool on) {
+    const MatrixScope matrix;
+    glScalef(size, size, 1.0f);
+    {
+        const MatrixScope edge;
+        if (on) {
+            DrawTextShadow(look.resources, text, kAlignCentre);
+        } else if (!look.flat) {
+            glTranslatef(0.1f, -0.12f, 0.0f);
+            kWhite.ApplyFaded(0.2f);
+            DrawText(look.resources, text, kAlignCentre);
+        }
+    }
+    (on ? kWhite : kBlack).ApplyFaded(on ? 0.7f : 0.4f);
+    DrawText(look.resources, text, kAlignCentre);
+}
+
+}  // namespace
 
 GLView_Toggle::GLView_Toggle() {
     color = kGreen;
@@ -41,6 +73,50 @@ void GLView_Toggle::SetCaptured(bool on) {
     if (!on) {
         gesture.End();
     }
+}
+
+void GLView_Toggle::DrawBack() {
+    const Look look(*this);
+    EnterView(*this);
+    if (IsOn() && look.enabled && !look.flat) {
+        color.ApplyFaded(0.4f);
+        DrawTexture(look.resources != nullptr ? look.resources->defaultImage : 0, 1.4f * hw,
+                    1.7f * hh);
+    }
+    DrawKey(look, hw, hh);
+    DrawChildrenBack();
+}
+
+void GLView_Toggle::Draw() {
+    const Look look(*this);
+    const bool on = IsOn();
+    EnterView(*this);
+    {
+        const MatrixScope matrix;
+        if (look.captured) {
+            glScalef((hw - look.s) / hw, (hh - look.s) / hh, 1.0f);
+        }
+        GLColor face = look.enabled ? color : kGrey;
+        if (on) {
+            DrawGlow(look, face, hw, hh);
+        }
+        face.ScaleAlpha(0.3f);
+        DrawWell(look.resources, 0.9f * hw, 0.9f * hh, look.Corner(0.9f * hh), face);
+        if (!text.empty()) {
+            DrawLampText(look, text.c_str(), look.s * labelSize, on);
+        }
+        // Gloss is for round faces; on a wide one it is as flat as the face.
+        glScalef(1.0f, hh / hw, 1.0f);
+        DrawGloss(look.resources, hw, hw);
+    }
+    DrawChildren();
+}
+
+void GLView_Toggle::DrawFront() {
+    const Look look(*this);
+    EnterView(*this);
+    DrawStateOutline(look, hw, hh);
+    DrawChildrenFront();
 }
 
 }  // namespace brindle

@@ -19,6 +19,9 @@ class GLView_Toggle : public GLView {
     /// Whom to tell of presses, null for nobody, and of which port.
     void SetTouch(const LV2UI_Touch* touch, uint32_t touchedPort);
 
+    void DrawBack() override;
+    void Draw() override;
+    void DrawFront() override;
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
     /// A toggle that loses the pointer ends the gesture.

@@ -11,6 +11,7 @@ class GLView_TrimSlider : public GLView_TextSlider {
     using GLView_TextSlider::GLView_TextSlider;
 
   protected:
+    const char* Caption() override { return label; }
 };
 
 }  // namespace brindle
