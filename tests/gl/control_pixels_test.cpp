@@ -1,0 +1,315 @@
+// SPDX-License-Identifier: ISC
+/// What the controls show, as pixels: one design point is one pixel.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+#include "gl/GLResources.h"
+#include "gl/GLView_DB60Meter.h"
+#include "gl/GLView_MenuSelector.h"
+#include "gl/GLView_PresetButton.h"
+#include "gl/GLView_Toggle.h"
+#include "gl/GLView_TrimSlider.h"
+#include "gl/drawing.h"
+#include "gl/settings.h"
+#include "tests/support/fake_page.h"
+#include "tests/support/gl_context.h"
+
+namespace brindle {
+namespace {
+
+constexpr int kSize = 200;
+constexpr float kGround = 0.2f;  // grey behind the controls
+
+int Brightness(const Pixel& pixel) {
+    return pixel.red + pixel.green + pixel.blue;
+}
+
+struct ControlPixels : ::testing::Test {
+    GLContext context{kSize, kSize};
+    std::unique_ptr<GLResources> resources;
+    FakePage page;
+
+    ControlPixels() {
+        resourceDirectory = BRINDLE_BUNDLE "/";
+        resources = std::make_unique<GLResources>(1.0f);
+        page.resources = resources.get();
+        page.interfaceScale = 1.0f;
+        page.viewRight = page.viewTop = kSize / 2.0f;
+    }
+    ~ControlPixels() override { SetStyle(false, false); }
+
+    void SetStyle(bool boxy, bool flat) {
+        page.boxy = themeBoxy = boxy;
+        page.flat = themeFlat = flat;
+    }
+    /// A picture of one view and nothing else.
+    Picture Show(GLView& view) {
+        view.parent = &page;
+        context.Clear(kGround);
+        for (auto pass : {&GLView::DrawBack, &GLView::Draw, &GLView::DrawFront}) {
+            const MatrixScope matrix;
+            (view.*pass)();
+        }
+        return context.Read();
+    }
+    int BrightnessAt(float x, float y) const { return Brightness(context.At(x, y)); }
+};
+
+/// Height of the meter's bar above its bottom edge at -50, in pixels.
+int BarHeight(const GLContext& context) {
+    int height = 0;
+    for (int y = -50; y < 60; ++y) {
+        const Pixel pixel = context.At(3.0f, static_cast<float>(y) + 0.5f);
+        height += pixel.red > pixel.blue + 60 ? 1 : 0;
+    }
+    return height;
+}
+
+TEST_F(ControlPixels, MeterFillsInDecibels) {
+    GLView_DB60Meter meter;
+    meter.SetSize(20.0f, 100.0f);
+    struct Row {
+        float level;
+        float height;  // of 100 pixels over 60 dB
+    };
+    for (const Row& row : {Row{0.001f, 0.0f}, Row{0.0f, 0.0f}, Row{0.5f, 89.97f},
+                           Row{0.0316228f, 50.0f}, Row{1.0f, 100.0f}, Row{2.0f, 100.0f},
+                           Row{-1.0f, 0.0f}, Row{NAN, 0.0f}, Row{INFINITY, 100.0f}}) {
+        for (const bool flat : {false, true}) {
+            SCOPED_TRACE(::testing::Message() << row.level << (flat ? " flat" : ""));
+            SetStyle(false, flat);
+            meter.level = row.level;
+            Show(meter);
+            EXPECT_NEAR(static_cast<float>(BarHeight(context)), row.height, 1.0f);
+        }
+    }
+}
+
+TEST_F(ControlPixels, MeterMarksItsScaleAndFlatStyleHasNoGlass) {
+    GLView_DB60Meter meter;
+    meter.SetSize(20.0f, 100.0f);
+    Show(meter);
+    const int glass = BrightnessAt(0.0f, 53.5f);  // in the well above the scale
+    for (const float mark_db : {0.0f, -3.0f, -12.0f, -30.0f, -60.0f}) {
+        SCOPED_TRACE(mark_db);
+        const float y = (mark_db + 60.0f) / 60.0f * 100.0f - 50.0f;
+        const bool at_top = mark_db > -1.0f;  // where glass shades mark and well alike
+        EXPECT_LT(BrightnessAt(0.0f, y - 0.5f), BrightnessAt(8.0f, y - 0.5f) - (at_top ? 40 : 80));
+    }
+    const int below_mark = BrightnessAt(0.0f, -25.0f);  // -45 dB is no mark
+    EXPECT_EQ(below_mark, BrightnessAt(8.0f, -25.0f));
+    SetStyle(false, true);
+    Show(meter);
+    EXPECT_GT(BrightnessAt(0.0f, 53.5f), glass + 20);
+    EXPECT_EQ(BrightnessAt(0.0f, -25.0f), below_mark);
+}
+
+TEST_F(ControlPixels, AToggleThatIsOnGlowsInItsColour) {
+    GLView_Toggle toggle;
+    toggle.SetSize(60.0f, 30.0f);
+    toggle.SetPort({}, 5);
+    for (const bool flat : {false, true}) {
+        SetStyle(false, flat);
+        page.parameters[5] = 0.0f;
+        Show(toggle);
+        const Pixel off = context.At(0.0f, -5.0f);
+        page.parameters[5] = 1.0f;
+        Show(toggle);
+        const Pixel on = context.At(0.0f, -5.0f);
+        EXPECT_GT(on.green, off.green + 60);
+        EXPECT_LT(on.red, off.red);                                // pure green over the grey
+        EXPECT_GT(on.green, context.At(26.0f, -5.0f).green + 30);  // brightest in the middle
+        toggle.enabled = false;
+        Show(toggle);
+        const Pixel without_effect = context.At(0.0f, -5.0f);
+        EXPECT_EQ(without_effect.green, without_effect.red);
+        toggle.enabled = true;
+    }
+}
+
+TEST_F(ControlPixels, APressedToggleIsSmaller) {
+    GLView_Toggle toggle;
+    toggle.SetSize(60.0f, 30.0f);
+    toggle.SetColor(kRed);
+    const auto redness = [&] {  // at the outer edge of the lamp's well: 0.9 of 30
+        const Pixel pixel = context.At(26.5f, 0.0f);
+        return pixel.red - pixel.green;
+    };
+    Show(toggle);
+    const int released = redness();
+    page.capturedView = &toggle;
+    Show(toggle);
+    EXPECT_LT(redness(), released - 20);
+}
+
+TEST_F(ControlPixels, RoundKnobPointsFromLowerLeftOverTheTopToLowerRight) {
+    GLView_Knob knob(false, 0.0f, 1.0f);
+    knob.SetSize(160.0f, 160.0f);
+    knob.parent = &page;
+    struct Row {
+        float value;
+        GLPoint direction;
+    };
+    constexpr float kDiagonal = 0.70711f;
+    const Row rows[] = {
+        {0.0f, {-kDiagonal, -kDiagonal}}, {0.5f, {0.0f, 1.0f}}, {1.0f, {kDiagonal, -kDiagonal}}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.value);
+        page.parameters[0] = row.value;
+        knob.ParameterChanged(0);
+        Show(knob);
+        for (const Row& other : rows) {
+            // The mark's middle is 0.56 of the radius of 80 away from the centre.
+            const int brightness =
+                BrightnessAt(44.8f * other.direction.x, 44.8f * other.direction.y);
+            if (other.value == row.value) {
+                EXPECT_GT(brightness, 600);
+            } else {
+                EXPECT_LT(brightness, 400);
+            }
+        }
+    }
+}
+
+TEST_F(ControlPixels, AWideKnobFillsItsTrackFromZeroToTheValue) {
+    GLView_Knob knob(false, -18.0f, 18.0f);
+    knob.SetSize(90.0f, 30.0f);
+    knob.SetColor(kGreen);
+    knob.parent = &page;
+    // Places on the track at -9 and +9 dB: half way from the middle to its ends.
+    const auto lit = [&](float x) {
+        const Pixel pixel = context.At(x, -0.62f * 15.0f);
+        return pixel.green > pixel.red + 80;
+    };
+    for (const float value : {-15.0f, 0.0f, 15.0f}) {
+        SCOPED_TRACE(value);
+        page.parameters[0] = value;
+        knob.ParameterChanged(0);
+        Show(knob);
+        EXPECT_EQ(lit(-20.0f), value < 0.0f);
+        EXPECT_EQ(lit(20.0f), value > 0.0f);
+    }
+}
+
+/// True where a picture shows anything outside of a rectangle of these half extents.
+bool Spills(const Picture& picture, float hw, float hh) {
+    const Pixel ground = picture.At(0, 0);
+    for (int y = 0; y < kSize; ++y) {
+        for (int x = 0; x < kSize; ++x) {
+            const bool outside = std::abs(static_cast<float>(x) + 0.5f - kSize / 2.0f) > hw ||
+                                 std::abs(static_cast<float>(y) + 0.5f - kSize / 2.0f) > hh;
+            if (outside && std::abs(Brightness(picture.At(x, y)) - Brightness(ground)) > 3) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+TEST_F(ControlPixels, TextsStayInsideTheirControls) {
+    GLView_Knob knob(false, 20.0f, 20000.0f);
+    knob.parent = &page;
+    knob.SetSize(48.0f, 22.0f);
+    knob.SetUnit("Hz");
+    GLView_TrimSlider trim(true, -20.0f, 20.0f);
+    trim.parent = &page;
+    trim.SetSize(60.0f, 22.0f);
+    trim.SetLabel("A caption that is much too long: ");
+    GLView_PresetButton button;
+    button.SetSize(106.0f, 16.0f);
+    button.SetPresetName("A name that no button of this width can hold");
+    for (const bool flat : {false, true}) {
+        SetStyle(false, flat);
+        for (const float value : {20.0f, 19999.0f, -1e30f}) {
+            page.parameters[0] = value;
+            knob.ParameterChanged(0);
+            EXPECT_FALSE(Spills(Show(knob), 24.0f, 12.5f)) << value;
+        }
+        EXPECT_FALSE(Spills(Show(trim), 30.0f, 12.5f));
+        EXPECT_FALSE(Spills(Show(button), 53.0f, 10.0f));
+    }
+    knob.SetLabel("Freq");  // stands below, so that the check sees a text that does not stay
+    EXPECT_TRUE(Spills(Show(knob), 24.0f, 12.5f));
+}
+
+TEST_F(ControlPixels, EveryStateLooksDifferent) {
+    GLView_Knob knob(false, 0.0f, 1.0f);
+    GLView_PresetButton button;
+    GLView_Toggle toggle;
+    for (GLView* view : {static_cast<GLView*>(&knob), static_cast<GLView*>(&button),
+                         static_cast<GLView*>(&toggle)}) {
+        view->SetSize(60.0f, 22.0f);
+        for (const int style : {0, 1, 2}) {
+            SCOPED_TRACE(style);
+            SetStyle(style == 1, style == 2);
+            const auto difference = [&](const Picture& a, const Picture& b) {
+                int changed = 0;
+                for (size_t i = 0; i < a.pixels.size(); ++i) {
+                    changed += std::abs(Brightness(a.pixels[i]) - Brightness(b.pixels[i])) > 30;
+                }
+                return changed;
+            };
+            const Picture plain = Show(*view);
+            page.selectedView = view;
+            const Picture hovered = Show(*view);
+            page.capturedView = view;
+            const Picture held = Show(*view);
+            page.selectedView = page.capturedView = nullptr;
+            view->enabled = false;
+            const Picture idle = Show(*view);
+            view->enabled = true;
+            EXPECT_GT(difference(plain, hovered), 60);
+            EXPECT_GT(difference(plain, held), 60);
+            EXPECT_GT(difference(hovered, held), 60);
+            EXPECT_GT(difference(plain, idle), 60);
+        }
+    }
+}
+
+TEST_F(ControlPixels, AnOpenMenuDarkensThePageInThirtyFrames) {
+    GLView_MenuSelector selector;
+    selector.parent = &page;
+    selector.AddItem(3, 1.0f, 80.0f, "one");
+    selector.AddItem(3, 2.0f, 80.0f, "two");
+    selector.AddItem(3, 3.0f, 80.0f, "three");
+    const auto frame = [&] {
+        context.Clear(1.0f);
+        const MatrixScope matrix;
+        selector.menu.Draw();
+    };
+    for (int opening = 0; opening < 2; ++opening) {
+        selector.MouseDown({}, {});
+        frame();
+        EXPECT_NEAR(context.At(-90.0f, 90.0f).red, 250, 1);  // 2 % darker
+        EXPECT_NEAR(context.At(95.0f, -95.0f).red, 250, 1);
+        for (int i = 1; i < 30; ++i) {
+            frame();
+        }
+        EXPECT_NEAR(context.At(-90.0f, 90.0f).red, 102, 1);  // 60 %
+        frame();
+        EXPECT_NEAR(context.At(-90.0f, 90.0f).red, 102, 1);
+        page.CloseDialog(true);
+    }
+    // The present entry has a tick, the one under the pointer a bar.
+    page.parameters[3] = 1.0f;
+    page.contrastColor = kBlue;
+    page.selectedView = selector.menu.firstChild->nextSibling;
+    frame();
+    int ticks[3] = {};
+    for (int entry = 0; entry < 3; ++entry) {
+        const float y = 18.0f * static_cast<float>(entry);
+        for (int dx = -5; dx <= 5; ++dx) {
+            const int brightness = BrightnessAt(-31.0f + static_cast<float>(dx), y - 1.0f);
+            ticks[entry] = std::max(ticks[entry], brightness);
+        }
+        EXPECT_EQ(context.At(36.0f, y).blue > 150, entry == 1);
+    }
+    EXPECT_GT(ticks[0], ticks[2] + 150);
+}
+
+}  // namespace
+}  // namespace brindle
