@@ -58,7 +58,7 @@ void GLView_MenuSelector::DrawBack() {
 void GLView_MenuSelector::Draw() {
     EnterView(*this);
     if (const GLView_Menu_Item* present = menu.PresentItem()) {
-        DrawEntry(present->label);
+        DrawEntry(present->label, labelSize * GetInterfaceScale());
     }
     DrawFrame();
     DrawChildren();
@@ -70,11 +70,11 @@ void GLView_MenuSelector::DrawFront() {
     DrawChildrenFront();
 }
 
-void GLView_MenuSelector::DrawEntry(const char* text) {
+void GLView_MenuSelector::DrawEntry(const char* text, float size) {
     const Look look(*this);
     const MatrixScope matrix;
     glTranslatef(-0.5f * kArrowRoom * look.s, 0.0f, 0.0f);
-    DrawKeyText(look, text, labelSize * look.s, 2.0f * hw - (kArrowRoom + 4.0f) * look.s, color);
+    DrawKeyText(look, text, size, 2.0f * hw - (kArrowRoom + 4.0f) * look.s, color);
 }
 
 void GLView_MenuSelector::DrawFrame() {

@@ -20,10 +20,10 @@ class GLView_MenuSelector : public GLView {
     void DrawBack() override;
     void Draw() override;
     void DrawFront() override;
-    /// A text for what is chosen, and the key's bevelled edges with the menu's mark: what `Draw`
-    /// draws around the view's centre, for versions that show another text than the present
-    /// entry's.
-    void DrawEntry(const char* text);
+    /// A text for what is chosen, `size` page units to a text unit where it fits, and the key's
+    /// bevelled edges with the menu's mark: what `Draw` draws around the view's centre, for
+    /// versions that show another text than the present entry's.
+    void DrawEntry(const char* text, float size);
     void DrawFrame();
 
     /// Opens the menu. The selector keeps the pointer: the release of the press that opened the

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "gl/drawing.h"
+#include "gl/look.h"
 
 namespace brindle {
 
@@ -17,14 +17,10 @@ const char* GLView_TypeSelector::ShortLabel() {
 }
 
 void GLView_TypeSelector::Draw() {
-    glTranslatef(x, y, 0.0f);
-    {
-        const float glyph = 8.0f * GetPixelSize();
-        const MatrixScope matrix;
-        glScalef(glyph, glyph, 1.0f);
-        color.ApplyFaded(0.8f);
-        DrawText(GetResources(), ShortLabel(), kAlignCentre);
-    }
+    EnterView(*this);
+    DrawEntry(ShortLabel(), 8.0f * GetPixelSize());
+    DrawFrame();
+    DrawChildren();
 }
 
 }  // namespace brindle
