@@ -205,6 +205,31 @@ std::string presets() {
     return text;
 }
 
+/// What the editor asks to be told of either variant: the engine's messages and the meters.
+/// Controls are reported unasked.
+std::string port_notifications() {
+    std::string notifications;
+    for (const char* variant : {"/mono", "/stereo"}) {
+        const std::string plugin = "ui:plugin " + uri(variant);
+        for (const char* meter : {"meter_in", "meter_out"}) {
+            notifications += Node()
+                                 .add(plugin)
+                                 .add("lv2:symbol " + quoted(meter))
+                                 .add("ui:protocol ui:floatProtocol")
+                                 .str() +
+                             " , ";
+        }
+        notifications += Node()
+                             .add(plugin)
+                             .add("lv2:symbol " + quoted("notify"))
+                             .add("ui:protocol atom:eventTransfer")
+                             .add("ui:notifyType atom:Object")
+                             .str();
+        if (std::string_view(variant) == "/mono") notifications += " , ";
+    }
+    return notifications;
+}
+
 /// Replaces every {{name}}. Throws where a name is not known.
 std::string fill(std::string_view text) {
     const std::map<std::string_view, std::function<std::string()>> fields = {
@@ -215,6 +240,7 @@ std::string fill(std::string_view text) {
         {"strip_groups", strip_groups},
         {"preset_entries", preset_entries},
         {"presets", presets},
+        {"port_notifications", port_notifications},
     };
     std::string filled;
     for (;;) {

@@ -8,6 +8,7 @@
 #include <lv2/port-props/port-props.h>
 #include <lv2/presets/presets.h>
 #include <lv2/resize-port/resize-port.h>
+#include <lv2/ui/ui.h>
 #include <lv2/units/units.h>
 #include <lv2/urid/urid.h>
 
@@ -79,6 +80,9 @@ class Turtle : public testing::TestWithParam<const char*> {
             result.emplace_back(text ? text : "");
         }
         return result;
+    }
+    std::vector<std::string> objects(const LilvNode* subject, const char* property) {
+        return texts(lilv_world_find_nodes(world, subject, node(property), nullptr));
     }
     bool stereo() const { return std::strcmp(GetParam(), kStereoUri) == 0; }
     const LilvPort* port(uint32_t index) { return lilv_plugin_get_port_by_index(plugin, index); }
@@ -241,6 +245,37 @@ TEST_P(Turtle, PluginsSayWhoMadeThemAndAskForLittle) {
     LilvNode* name = owned_nodes.emplace_back(lilv_plugin_get_name(plugin));
     EXPECT_STREQ(lilv_node_as_string(name),
                  stereo() ? "Brindle Console EQ (Stereo)" : "Brindle Console EQ (Mono)");
+}
+
+TEST_P(Turtle, TheEditorIsFoundAndAsksForWhatItShows) {
+    LilvUIs* editors = lilv_plugin_get_uis(plugin);
+    const LilvUI* editor = lilv_uis_get_by_uri(editors, node(kEditorUri));
+    ASSERT_NE(editor, nullptr);
+    EXPECT_TRUE(lilv_ui_is_a(editor, node(LV2_UI__X11UI)));
+    const std::string binary = lilv_node_as_uri(lilv_ui_get_binary_uri(editor));
+    EXPECT_TRUE(binary.ends_with("/brindle.so")) << binary;
+    const LilvNode* subject = lilv_ui_get_uri(editor);
+    lilv_world_load_resource(world, subject);
+
+    EXPECT_THAT(objects(subject, LV2_CORE__requiredFeature),
+                testing::UnorderedElementsAre(LV2_UI__idleInterface, LV2_UI__parent, LV2_UI__touch,
+                                              LV2_URID__map));
+    EXPECT_THAT(objects(subject, LV2_CORE__extensionData), ElementsAre(LV2_UI__idleInterface));
+    std::map<std::string, std::string> protocols;
+    LilvNodes* notifications =
+        lilv_world_find_nodes(world, subject, node(LV2_UI__portNotification), nullptr);
+    LILV_FOREACH(nodes, i, notifications) {
+        const LilvNode* notification = lilv_nodes_get(notifications, i);
+        if (objects(notification, LV2_UI__plugin).at(0) != GetParam()) continue;
+        protocols[objects(notification, LV2_CORE__symbol).at(0)] =
+            objects(notification, LV2_UI__protocol).at(0);
+    }
+    lilv_nodes_free(notifications);
+    EXPECT_THAT(protocols,
+                testing::UnorderedElementsAre(testing::Pair("notify", LV2_ATOM__eventTransfer),
+                                              testing::Pair("meter_in", LV2_UI__floatProtocol),
+                                              testing::Pair("meter_out", LV2_UI__floatProtocol)));
+    lilv_uis_free(editors);
 }
 
 struct UriMap {
