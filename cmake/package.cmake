@@ -1,6 +1,7 @@
 # What an installation consists of, and the Debian package made of it.
 
 # The bundle is installed as the build made it: whatever was added to it comes along.
+install(TARGETS brindle_host DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS brindle_plugin DESTINATION ${CMAKE_INSTALL_LIBDIR}/lv2/brindle.lv2)
 install(DIRECTORY ${BRINDLE_BUNDLE}/ DESTINATION ${CMAKE_INSTALL_LIBDIR}/lv2/brindle.lv2
         PATTERN *.so EXCLUDE)
