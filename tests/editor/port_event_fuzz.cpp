@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: ISC
+// What a host may deliver to the editor as an atom: arbitrary bytes, and plot messages with some of
+// their bytes changed or their end cut off.
+#include <lv2/atom/forge.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "editor/host_connection.h"
+
+namespace {
+
+using namespace brindle;
+
+/// Numbers of the URIs, the same in every run.
+LV2_URID MapUri(LV2_URID_Map_Handle handle, const char* uri) {
+    auto& uris = *static_cast<std::vector<std::string>*>(handle);
+    for (size_t i = 0; i < uris.size(); ++i) {
+        if (uris[i] == uri) {
+            return static_cast<LV2_URID>(i + 1);
+        }
+    }
+    uris.emplace_back(uri);
+    return static_cast<LV2_URID>(uris.size());
+}
+
+std::vector<uint8_t> ValidMessage(LV2_URID_Map* map) {
+    alignas(8) uint8_t buffer[2048] = {};
+    const EditorUris uris = MapEditorUris(map);
+    LV2_Atom_Forge forge;
+    lv2_atom_forge_init(&forge, map);
+    lv2_atom_forge_set_buffer(&forge, buffer, sizeof buffer);
+    LV2_Atom_Forge_Frame frame;
+    lv2_atom_forge_object(&forge, &frame, 1, uris.message);
+    lv2_atom_forge_key(&forge, uris.sampleRate);
+    lv2_atom_forge_int(&forge, 48000);
+    lv2_atom_forge_key(&forge, uris.plotId);
+    lv2_atom_forge_int(&forge, 7);
+    const float row[kPlotBins] = {};
+    lv2_atom_forge_key(&forge, uris.plotArray);
+    lv2_atom_forge_vector(&forge, sizeof(float), uris.atomFloat, kPlotBins, row);
+    lv2_atom_forge_pop(&forge, &frame);
+    return {buffer, buffer + forge.offset};
+}
+
+void Require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static std::vector<std::string> uris;
+    static LV2_URID_Map map = {&uris, MapUri};
+    static const std::vector<uint8_t> valid = ValidMessage(&map);
+    static HostConnection connection({}, &map);
+    if (size < 1) {
+        return 0;
+    }
+    std::vector<uint8_t> message(data + 1, data + size);
+    if (data[0] % 2 == 0) {
+        message = valid;
+        // Each three bytes: where, and what. The whole head and all properties are in reach.
+        for (size_t i = 1; i + 2 < size; i += 3) {
+            const size_t at = (data[i] | (data[i + 1] & 1u) << 8) % message.size();
+            message[at] = data[i + 2];
+        }
+        if (data[0] % 4 == 2 && size > 2) {
+            message.resize((data[1] | data[2] << 8) % (message.size() + 1));
+        }
+    }
+    // Memory of its own and of exactly this size, so that reading on is seen.
+    const auto own = std::make_unique<uint8_t[]>(message.size());
+    std::copy(message.begin(), message.end(), own.get());
+    const auto length = static_cast<uint32_t>(message.size());
+    const LV2_URID atoms = MapUri(&uris, LV2_ATOM__eventTransfer);
+    if (const auto plot = connection.ReadPlot(atoms, own.get(), length)) {
+        Require(plot->id >= 0 && plot->id < kPlotRows);
+        const auto* end = reinterpret_cast<const uint8_t*>(plot->values + kPlotBins);
+        Require(end <= own.get() + length);
+        volatile float sum = 0.0f;
+        for (int bin = 0; bin < kPlotBins; ++bin) {
+            sum = sum + plot->values[bin];
+        }
+    }
+    if (const auto value = connection.ReadControl(length, data[0], own.get(), length)) {
+        Require(length == sizeof *value && std::isfinite(*value));
+    }
+    return 0;
+}
