@@ -28,7 +28,14 @@ void GLView_StripEqView::PortEvent(uint32_t port, uint32_t size, uint32_t format
 }
 
 void GLView_StripEqView::TakeControl(uint32_t port, float value) {
-    SetParameter(port, value, true);
+    // Hosts report the meters some 30 times a second, and much that has not changed. The meters are
+    // drawn in each frame anyway.
+    const bool isMeter = port == kMeterInPort || port == kMeterOutPort;
+    const bool isNews = port >= reported.size() || !reported[port] || GetParameter(port) != value;
+    if (port < reported.size()) {
+        reported[port] = true;
+    }
+    SetParameter(port, value, isNews && !isMeter);
     if (port == kMeterInPort && inputMeter != nullptr) {
         inputMeter->level = value;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 
 #include "editor/GLView_BaseView.h"
@@ -35,6 +36,7 @@ class GLView_StripEqView : public GLView_BaseView {
 
     HostConnection connection;
     SpectrumHistory spectrum;
+    std::bitset<128> reported;               ///< ports that the host has told a value of
     GLView_DB60Meter* inputMeter = nullptr;  ///< children, null until they are made
     GLView_DB60Meter* outputMeter = nullptr;
 };

@@ -101,5 +101,40 @@ TEST(AnalyserLink, RunsWhileTheEditorIsOpen) {
     EXPECT_EQ(session.rows, 0);
 }
 
+TEST(Panel, DrawsAnewForNewsOnly) {
+    UiHost host(lv2ui_descriptor(0));
+    ASSERT_TRUE(host.Open());
+    auto& panel = *static_cast<EditorInstance*>(host.handle)->rootView;
+    host.IdleTimes(3);
+    const auto draws_anew = [&](uint32_t port, float value) {
+        panel.redrawNeeded = false;
+        host.Report(port, value);
+        EXPECT_EQ(panel.GetParameter(port), port < 128 ? value : 0.0f);
+        return panel.redrawNeeded;
+    };
+    EXPECT_TRUE(draws_anew(kTrimPort, 0.0f));  // told for the first time
+    EXPECT_FALSE(draws_anew(kTrimPort, 0.0f));
+    EXPECT_TRUE(draws_anew(kTrimPort, -1.0f));
+    EXPECT_TRUE(draws_anew(200, 1.0f));
+    EXPECT_FALSE(draws_anew(kMeterInPort, 0.5f));
+    EXPECT_FALSE(draws_anew(kMeterOutPort, 0.25f));
+}
+
+TEST(Panel, TakesItsWritesAsReportedWhereTheHostIsSilent) {
+    UiHost host(lv2ui_descriptor(0));
+    ASSERT_TRUE(host.Open());
+    auto& panel = *static_cast<EditorInstance*>(host.handle)->rootView;
+    panel.SendParameter(kTrimPort, 6.0f);
+    panel.SendParameter(4, -12.0f);
+    EXPECT_EQ(host.writes.back().port, 4u);
+    EXPECT_EQ(host.writes.back().protocol, 0u);
+    EXPECT_EQ(host.writes.back().AsFloat(), -12.0f);
+    host.Report(4, -11.0f);
+    EXPECT_EQ(panel.GetParameter(kTrimPort), 0.0f);
+    EXPECT_TRUE(
+        WaitFor([&] { return panel.GetParameter(kTrimPort) == 6.0f; }, [&] { host.Idle(); }));
+    EXPECT_EQ(panel.GetParameter(4), -11.0f);
+}
+
 }  // namespace
 }  // namespace brindle
