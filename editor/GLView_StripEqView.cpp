@@ -59,6 +59,7 @@ void GLView_StripEqView::EditorOpened() {
 }
 
 void GLView_StripEqView::EditorClosed() {
+    ReleaseAll();  // what a held control has changed for as long as it is held is put back
     connection.SendClosed();
 }
 
