@@ -50,8 +50,8 @@ struct Worst {
 
 /// One row: a band's or a section's type and what its curve depends on.
 struct Row {
-    bool isBand;
     int type;
+    bool isBand;
     bool hasGain;
     bool hasQ;
 };
@@ -132,13 +132,13 @@ void WriteTable(std::FILE* file, const char* heading, std::span<const Row> rows,
 }
 
 constexpr Row kAgreeing[] = {
-    {true, 1, false, false},  {true, 2, false, false},  {true, 3, false, false},
-    {true, 4, false, false},  {true, 5, true, false},   {true, 6, true, false},
-    {true, 9, true, true},    {true, 10, true, true},   {true, 12, false, true},
-    {false, 1, false, false}, {false, 5, false, false}, {false, 9, true, false},
-    {false, 10, true, false}, {false, 11, true, false}, {false, 12, true, false},
-    {false, 13, true, false}, {false, 14, true, false}, {false, 15, true, false},
-    {false, 16, true, false}};
+    {1, true, false, false},  {2, true, false, false},  {3, true, false, false},
+    {4, true, false, false},  {5, true, true, false},   {6, true, true, false},
+    {9, true, true, true},    {10, true, true, true},   {12, true, false, true},
+    {1, false, false, false}, {5, false, false, false}, {9, false, true, false},
+    {10, false, true, false}, {11, false, true, false}, {12, false, true, false},
+    {13, false, true, false}, {14, false, true, false}, {15, false, true, false},
+    {16, false, true, false}};
 
 constexpr const char* kAgreeingNotes =
     "- Bells are drawn wider on purpose, the more the higher their gain: Q gives the width 3 dB\n"
@@ -156,11 +156,11 @@ constexpr const char* kDeviatingNotes =
     "- A wide notch is drawn as one notch, the engine spreads four.\n";
 
 /// Steep filters without the engine's frequency factors, one notch for four, types drawn flat.
-constexpr Row kDeviating[] = {{true, 7, true, false},   {true, 8, true, false},
-                              {true, 11, true, false},  {false, 2, false, false},
-                              {false, 3, false, false}, {false, 4, false, false},
-                              {false, 6, false, false}, {false, 7, false, false},
-                              {false, 8, false, false}, {false, 17, false, true}};
+constexpr Row kDeviating[] = {{7, true, true, false},   {8, true, true, false},
+                              {11, true, true, false},  {2, false, false, false},
+                              {3, false, false, false}, {4, false, false, false},
+                              {6, false, false, false}, {7, false, false, false},
+                              {8, false, false, false}, {17, false, false, true}};
 
 }  // namespace
 }  // namespace brindle

@@ -182,25 +182,6 @@ TEST(Response, TypeCodesTakeTheIntegerPartAfterATenth) {
     EXPECT_NEAR(low_pass[0], 0.0, 0.01);
 }
 
-TEST(Response, ZeroGainIsFlatEverywhere) {
-    const FrequencyGrid grid = DrawnGrid();
-    Curve curve = {};
-    AddLowShelf<8>(grid, curve, 300.0f, 0.0f);
-    AddHighShelf<6>(grid, curve, 300.0f, 0.0f);
-    AddBell(grid, curve, 300.0f, 0.0f, 3.0f, 1.0f);
-    EXPECT_THAT(curve, testing::Each(0.0f));
-}
-
-TEST(Response, TheTwoShelvesOf36DbReachSlightlyDifferentPlateaus) {
-    const FrequencyGrid grid = DrawnGrid();
-    Curve low = {};
-    AddLowShelf<6>(grid, low, 2000.0f, 18.0f);
-    Curve high = {};
-    AddHighShelf<6>(grid, high, 200.0f, 18.0f);
-    EXPECT_NEAR(low[0], 18.0 * 0.9999, 2e-4);
-    EXPECT_NEAR(high[799], 18.0 * 0.999, 2e-4);
-}
-
 TEST(Response, CentrePointsArePinned) {
     const FrequencyGrid grid = DrawnGrid();
     const size_t centre = 453;  // trunc(800·log1000(1000/20)) = trunc(453.06)
