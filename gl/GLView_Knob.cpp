@@ -96,6 +96,7 @@ void GLView_Knob::ParameterChanged(uint32_t index) {
         return;  // the engine ignores it too: the last valid value is in force
     }
     normalised = Normalise(value);
+    resetPending_ = false;
     FormatValue(infoText, sizeof infoText, value, style, unit.c_str());
     if (GLView* page = Page()) {
         if (infoTitle[0] != '\0') {
@@ -124,11 +125,16 @@ void GLView_Knob::MouseDown(GLPoint point, GLPoint pagePoint) {
     gesture.Begin();
     if (IsResetPress() && sendOnReset) {
         writer.Write(port, resetValue);
+        resetPending_ = true;
     }
     activePort = static_cast<int32_t>(port);
 }
 
 void GLView_Knob::MouseDragTo(GLPoint pagePoint) {
+    if (resetPending_) {
+        dragStart = dragLast = pagePoint;
+        return;
+    }
     const float step = IsFine() ? sensitivity * kFine : sensitivity;
     const float moved = horizontal ? pagePoint.x - dragStart.x : dragStart.y - pagePoint.y;
     const float wanted = normalised + step * moved;
@@ -149,6 +155,7 @@ void GLView_Knob::MouseDragTo(GLPoint pagePoint) {
 
 void GLView_Knob::LetGo() {
     gesture.End();
+    resetPending_ = false;
     activePort = -1;
 }
 

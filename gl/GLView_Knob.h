@@ -40,7 +40,8 @@ class GLView_Knob : public GLView {
     void SetMapping(float (*toValue)(float), float (*toNormalised)(float));
     /// Drags stay inside these port values; the wheel does not heed them.
     void SetLimits(float lowest, float highest);
-    /// What a reset press writes; none is written before this was called.
+    /// What a reset press writes; none is written before this was called. The drag that may follow
+    /// begins once the host has reported a value.
     void SetResetValue(float value);
     /// The text behind the number.
     void SetUnit(const char* text);
@@ -98,6 +99,9 @@ class GLView_Knob : public GLView {
     bool IsFine();
     void LetGo();
     bool IsRound() const;
+
+    /// A reset was written that the host has not reported yet: a drag has no value to go on from.
+    bool resetPending_ = false;
 };
 
 }  // namespace brindle

@@ -85,6 +85,7 @@ TEST_F(ControlPixels, MeterFillsInDecibels) {
             meter.level = row.level;
             Show(meter);
             EXPECT_NEAR(static_cast<float>(BarHeight(context)), row.height, 1.0f);
+            EXPECT_NEAR(meter.GetFill(), row.height / 100.0f, 0.001f);
         }
     }
 }

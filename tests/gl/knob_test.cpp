@@ -158,6 +158,28 @@ TEST_F(Knob, AResetPressWritesTheResetValueIfThereIsOne) {
     EXPECT_THAT(host.calls, ElementsAre(Touched(kPort)));
 }
 
+TEST_F(Knob, AHandThatTremblesOnAResetPressDoesNotUndoIt) {
+    knob->SetResetValue(0.0f);
+    page.Report(kPort, 9.0f);
+    page.resetPress = true;
+    knob->MouseDown({}, kGrip);
+    page.resetPress = false;
+    Drag(0.0f, -1.0f);
+    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Wrote(kPort, 0.0f)));
+    page.Report(kPort, 0.0f);
+    Drag(0.0f, -11.0f);  // ten pixels on from where the report found the pointer
+    EXPECT_NEAR(LastWrite(), 1.08f, 1e-4f);
+
+    knob->MouseUp({});
+    page.resetPress = true;
+    knob->MouseDown({}, kGrip);
+    knob->MouseUp({});
+    page.resetPress = false;
+    knob->MouseDown({}, kGrip);  // without any report: a new press is a new drag
+    Drag(0.0f, -10.0f);
+    EXPECT_NEAR(LastWrite(), 1.08f, 1e-4f);
+}
+
 TEST_F(Knob, AChildTakesThePressAndHearsEveryPort) {
     struct Child : GLView {
         void MouseDown(GLPoint, GLPoint pagePoint) override { pressed = pagePoint.x; }
