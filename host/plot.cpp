@@ -3,6 +3,7 @@
 
 #include <cairo-svg.h>
 #include <cairo.h>
+#include <fontconfig/fontconfig.h>
 
 #include <algorithm>
 #include <cmath>
@@ -49,6 +50,17 @@ struct Free {
 };
 using SurfacePtr = std::unique_ptr<cairo_surface_t, Free>;
 using ContextPtr = std::unique_ptr<cairo_t, Free>;
+
+/// Gives back what Cairo and Fontconfig keep of the fonts that were used.
+struct FontCaches {
+    FontCaches() = default;
+    ~FontCaches() {
+        cairo_debug_reset_static_data();
+        FcFini();
+    }
+    FontCaches(const FontCaches&) = delete;
+    FontCaches& operator=(const FontCaches&) = delete;
+};
 
 enum class Align { Left, Center, Right };
 
@@ -203,6 +215,7 @@ cairo_status_t write(void* output, const unsigned char* data, unsigned int size)
 }  // namespace
 
 void plot_png(OutputFile& output, const std::vector<ResponsePoint>& points, const PlotText& text) {
+    const FontCaches caches;
     const SurfacePtr surface(
         cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(kWidth * kPixelsPerUnit),
                                    static_cast<int>(kHeight * kPixelsPerUnit)));
@@ -212,6 +225,7 @@ void plot_png(OutputFile& output, const std::vector<ResponsePoint>& points, cons
 }
 
 void plot_svg(OutputFile& output, const std::vector<ResponsePoint>& points, const PlotText& text) {
+    const FontCaches caches;
     const SurfacePtr surface(cairo_svg_surface_create_for_stream(write, &output, kWidth, kHeight));
     draw(surface.get(), points, text);
     cairo_surface_finish(surface.get());
