@@ -115,8 +115,8 @@ void Pass(benchmark::State& state) {
         glFinish();
     }
 }
-BENCHMARK(Pass<&GLView::DrawBack>)->Unit(benchmark::kMicrosecond);
-BENCHMARK(Pass<&GLView::Draw>)->Unit(benchmark::kMicrosecond);
-BENCHMARK(Pass<&GLView::DrawFront>)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Pass<&GLView::DrawBack>)->Unit(benchmark::kMicrosecond)->MeasureProcessCPUTime();
+BENCHMARK(Pass<&GLView::Draw>)->Unit(benchmark::kMicrosecond)->MeasureProcessCPUTime();
+BENCHMARK(Pass<&GLView::DrawFront>)->Unit(benchmark::kMicrosecond)->MeasureProcessCPUTime();
 
 }  // namespace

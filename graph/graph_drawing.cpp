@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <numbers>
 
 #include "gl/drawing.h"
@@ -154,20 +155,72 @@ float Opacity(float db) {
     return alpha > 0.0f ? std::min(alpha, 1.0f) : 0.0f;
 }
 
-/// One row between two heights. Rows are as high as lines of one pixel at the design size, and
-/// meet at any other.
-void DrawSpectrumRow(const SpectrumHistory::Row& row, float bottom, float top,
-                     const GraphLook& look) {
-    if (std::none_of(row.begin(), row.end(), [](float db) { return Opacity(db) > 0.0f; })) return;
-    const float dx = 2.0f * look.hw / static_cast<float>(row.size());
-    const PlainPrimitives strip(GL_QUAD_STRIP);
-    float x = dx / 2.0f - look.hw;
-    for (const float db : row) {
-        look.foreground.ApplyFaded(Opacity(db));
-        glVertex2f(x, bottom);
-        glVertex2f(x, top);
-        x += dx;
+/// The drawn rows of the history, the newest first, as opacities of 8 bits.
+constexpr int kRowsDrawn = 48;
+using SpectrumImage = std::array<uint8_t, size_t{kRowsDrawn} * kPlotBins>;
+
+SpectrumImage MakeSpectrumImage(const SpectrumHistory& history) {
+    SpectrumImage image;
+    auto texel = image.begin();
+    for (int age = 0; age < kRowsDrawn; ++age) {
+        const int row = (history.newest - age + kPlotRows) % kPlotRows;
+        for (const float db : history.rows[static_cast<size_t>(row)]) {
+            *texel++ = static_cast<uint8_t>(255.0f * Opacity(db));
+        }
     }
+    return image;
+}
+
+/// A texture of opacities for the lifetime of a scope: it changes from frame to frame, and so
+/// nothing has to be freed later.
+class OpacityTexture {
+  public:
+    OpacityTexture(const uint8_t* texels, int width, int height) {
+        glGenTextures(1, &name_);
+        glBindTexture(GL_TEXTURE_2D, name_);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_ALPHA, width, height, 0, GL_ALPHA, GL_UNSIGNED_BYTE,
+                     texels);
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    }
+    ~OpacityTexture() { glDeleteTextures(1, &name_); }
+    OpacityTexture(const OpacityTexture&) = delete;
+    OpacityTexture& operator=(const OpacityTexture&) = delete;
+
+  private:
+    GLuint name_ = 0;
+};
+
+/// The image's columns between the middles of the first and the last one, from one height and row
+/// to another; rows count from the lower edge of the newest.
+void EmitSpectrum(float hw, float bottom, float firstRow, float top, float lastRow) {
+    constexpr float kFirst = 0.5f / kPlotBins;
+    constexpr float kLast = 1.0f - kFirst;
+    const float x = hw * (1.0f - 2.0f * kFirst);
+    glTexCoord2f(kFirst, lastRow / kRowsDrawn);
+    glVertex2f(-x, top);
+    glTexCoord2f(kLast, lastRow / kRowsDrawn);
+    glVertex2f(x, top);
+    glTexCoord2f(kLast, firstRow / kRowsDrawn);
+    glVertex2f(x, bottom);
+    glTexCoord2f(kFirst, firstRow / kRowsDrawn);
+    glVertex2f(-x, bottom);
+}
+
+void DrawSpectrumRows(const SpectrumHistory& history, const GraphLook& look) {
+    const SpectrumImage image = MakeSpectrumImage(history);
+    if (std::ranges::count(image, 0) == static_cast<std::ptrdiff_t>(image.size())) return;
+    const float rise = 0.92f * look.m;
+    const float newest = -56.0f * look.m - look.hh;
+    const OpacityTexture texture(image.data(), kPlotBins, kRowsDrawn);
+    look.foreground.Apply();
+    glBegin(GL_QUADS);
+    EmitSpectrum(look.hw, newest - look.m, 0.5f, newest, 0.5f);  // the newest row is wider
+    EmitSpectrum(look.hw, newest, 0.5f, newest + rise * (kRowsDrawn - 0.5f), kRowsDrawn);
+    glEnd();
 }
 
 }  // namespace
@@ -235,15 +288,7 @@ void DrawEdgeShading(const GraphLook& look) {
 }
 
 void DrawSpectrum(const SpectrumHistory& history, const GraphLook& look) {
-    constexpr int kRowsDrawn = 48;
-    const float rise = 0.92f * look.m;
-    const float newest = -56.0f * look.m - look.hh;
-    for (int age = 0; age < kRowsDrawn; ++age) {
-        const int row = (history.newest - age + kPlotRows) % kPlotRows;
-        const float y = newest + static_cast<float>(age) * rise;
-        const float bottom = age == 0 ? newest - look.m : y - rise / 2.0f;
-        DrawSpectrumRow(history.rows[static_cast<size_t>(row)], bottom, y + rise / 2.0f, look);
-    }
+    DrawSpectrumRows(history, look);
     const PlainPrimitives quads(GL_QUADS);
     EmitFadeY(look.background, -look.hh - 12.0f * look.m, -look.hh - 22.0f * look.m, look.hw);
 }

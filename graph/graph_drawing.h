@@ -41,8 +41,8 @@ void DrawResponse(std::span<const float> heights, const GraphLook& look);
 /// Darkens the graph towards its four edges.
 void DrawEdgeShading(const GraphLook& look);
 
-/// The last rows of the analyser as lines between graph and keyboard, the newest at the bottom:
-/// opaque at 0 dB, invisible from -40 dB downwards.
+/// The last rows of the analyser between graph and keyboard, the newest at the bottom: opaque at
+/// 0 dB, invisible from -40 dB downwards.
 void DrawSpectrum(const SpectrumHistory& history, const GraphLook& look);
 
 /// A circle line around the origin in the current colour.
