@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <limits>
 
 #include "engine/eq_instance.h"
 
@@ -37,12 +39,25 @@ int32_t to_integer(float value) {
     return static_cast<int32_t>(value + 0.1);
 }
 
-void read_ports(EqInstance& eq) {
+// Whether a port holds other bits than when it was last read.
+bool ports_changed(EqInstance& eq) {
+    uint32_t difference = 0;
     for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
         const float* data = eq.ports[port];
-        if (!data || !std::isfinite(*data)) continue;
+        if (!data) continue;
+        const auto bits = std::bit_cast<uint32_t>(*data);
+        difference |= bits ^ eq.port_bits[port];
+        eq.port_bits[port] = bits;
+    }
+    return difference != 0;
+}
+
+void take_ports(EqInstance& eq) {
+    for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
+        const auto value = std::bit_cast<float>(eq.port_bits[port]);
+        if (!std::isfinite(value)) continue;
         const Limits& limits = limits_of(port);
-        eq.controls[port] = std::clamp(*data, limits.low, limits.high);
+        eq.controls[port] = std::clamp(value, limits.low, limits.high);
     }
 }
 
@@ -51,7 +66,9 @@ void glide(double& value, double target) {
     value = 0.98 * value + 0.02 * target + 1e-20;
 }
 
-void glide_stage(FilterStage& stage, bool on) {
+// Glides of one stage, then its design; true when any of its values is new.
+bool tick_stage(FilterStage& stage, bool on) {
+    const FilterStage before = stage;
     glide(stage.gain, stage.gain_target);
     glide(stage.freq, stage.freq_target);
     glide(stage.q, stage.q_target);
@@ -59,6 +76,9 @@ void glide_stage(FilterStage& stage, bool on) {
     double& falling = on ? stage.dry : stage.wet;
     rising = 0.98 * rising + 0.02;
     falling = 0.98 * falling + 1e-20;
+    const bool designed = design(stage);
+    return designed || stage.gain != before.gain || stage.freq != before.freq ||
+           stage.q != before.q || stage.wet != before.wet || stage.dry != before.dry;
 }
 
 }  // namespace
@@ -67,10 +87,15 @@ void set_default_controls(EqInstance& eq) noexcept {
     for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
         eq.controls[port] = limits_of(port).start;
     }
+    eq.port_bits.fill(std::bit_cast<uint32_t>(std::numeric_limits<float>::quiet_NaN()));
+    eq.trim_target = 1.0;
 }
 
 void read_controls(EqInstance& eq) noexcept {
-    read_ports(eq);
+    if (!ports_changed(eq)) return;
+    take_ports(eq);
+    eq.turned = true;
+    eq.trim_target = exp10(static_cast<double>(eq.controls[kTrimPort]) * 0.05);
     for (int s = 0; s < kSectionCount; ++s) {
         const auto i = static_cast<size_t>(s);
         const float* control = &eq.controls[section_port(s)];
@@ -91,22 +116,44 @@ void read_controls(EqInstance& eq) noexcept {
     }
 }
 
+void update_weights(EqInstance& eq) noexcept {
+    eq.newest_weights = (eq.newest_weights + 1) % eq.weights.size();
+    CascadeWeights& weights = eq.weights[eq.newest_weights];
+    size_t i = 0;
+    const auto gather = [&weights, &i](const FilterStage& stage) {
+        weights.b0[i] = stage.b0;
+        weights.b1[i] = stage.b1;
+        weights.b2[i] = stage.b2;
+        weights.a1[i] = stage.a1;
+        weights.a2[i] = stage.a2;
+        weights.wet[i] = stage.wet;
+        weights.dry[i] = stage.dry;
+        ++i;
+    };
+    for (const SectionStages& section : eq.sections) {
+        for (const FilterStage& stage : section) gather(stage);
+    }
+    for (const FilterStage& stage : eq.bands) gather(stage);
+}
+
 void control_tick(EqInstance& eq) noexcept {
+    if (eq.at_rest && !eq.turned) return;
+    bool changed = false;
     for (size_t i = 0; i < eq.sections.size(); ++i) {
-        apply_section(eq.sections[i], eq.section_type[i], eq.section_gain[i], eq.section_freq[i],
-                      eq.section_q[i]);
-        for (FilterStage& stage : eq.sections[i]) {
-            glide_stage(stage, eq.section_on[i]);
-            design(stage);
+        if (eq.turned) {
+            apply_section(eq.sections[i], eq.section_type[i], eq.section_gain[i],
+                          eq.section_freq[i], eq.section_q[i]);
         }
+        for (FilterStage& stage : eq.sections[i]) changed |= tick_stage(stage, eq.section_on[i]);
     }
-    for (size_t i = 0; i < eq.bands.size(); ++i) {
-        glide_stage(eq.bands[i], eq.band_on[i]);
-        design(eq.bands[i]);
-    }
-    const double trim = exp10(static_cast<double>(eq.controls[kTrimPort]) * 0.05);
-    eq.trim_gain =
-        static_cast<float>(0.98 * static_cast<double>(eq.trim_gain) + 0.02 * trim + 1e-20);
+    for (size_t i = 0; i < eq.bands.size(); ++i) changed |= tick_stage(eq.bands[i], eq.band_on[i]);
+    if (changed) update_weights(eq);
+
+    const float trim_before = eq.trim_gain;
+    eq.trim_gain = static_cast<float>(0.98 * static_cast<double>(eq.trim_gain) +
+                                      0.02 * eq.trim_target + 1e-20);
+    eq.at_rest = !changed && eq.trim_gain == trim_before;
+    eq.turned = false;
 }
 
 }  // namespace brindle

@@ -14,6 +14,10 @@ void set_default_controls(EqInstance& eq) noexcept;
 /// filter are held at the nearest that do. Real-time safe.
 void read_controls(EqInstance& eq) noexcept;
 
+/// Puts the stages' coefficients and crossfade weights at the disposal of the cascade. Real-time
+/// safe.
+void update_weights(EqInstance& eq) noexcept;
+
 /// One control tick: glides toward what was read, then new coefficients for all sixteen stages.
 /// Real-time safe.
 void control_tick(EqInstance& eq) noexcept;

@@ -27,6 +27,7 @@ void set_rate(EqInstance& eq, double rate) {
 
 void set_start_values(EqInstance& eq) {
     eq.noise_state = 1;
+    eq.turned = true;
     eq.trim_gain = 1.0f;
     eq.section_freq.fill(1000.0f);
     eq.section_q.fill(1.0f);
@@ -57,6 +58,8 @@ EqInstance* create_instance(double rate, LV2_URID_Map* map) {
     set_start_values(*eq);
     init_analyser(eq->analyser, held);
     init_stages(*eq, held);
+    update_weights(*eq);
+    eq->cascade = choose_cascade();
     return eq;
 }
 

@@ -11,12 +11,27 @@
 #include <cstdint>
 
 #include "engine/analyser.h"
+#include "engine/cascade.h"
 #include "engine/eq_uris.h"
 #include "engine/filter_stage.h"
 #include "engine/sections.h"
 #include "lv2/brindle.h"
 
 namespace brindle {
+
+/// Most samples that pass the cascade at once; longer blocks are cut.
+inline constexpr size_t kChunk = 1024;
+/// Most stretches in a chunk: one before the first control tick, then one after each.
+inline constexpr size_t kMaxStretches = kChunk / kMinStretch + 1;
+
+/// One value of each sample of a chunk.
+struct alignas(64) Samples : std::array<float, kChunk> {};
+
+/// What run works on between reading a chunk of input and writing its output.
+struct Workspace {
+    std::array<Samples, 2> in, out;  ///< of each channel, before and after the cascade
+    Samples in_square, out_square;   ///< of the loudest channel, weighted for the followers
+};
 
 /// The record of one instance, allocated zero-filled in one piece. Port buffers and the host's
 /// features are borrowed. Only the audio thread touches it between creation and destruction.
@@ -47,7 +62,19 @@ struct EqInstance {
     std::array<bool, kBandCount> band_on;
     std::array<FilterStage, kBandCount> bands;
     SpectrumAnalyser analyser;
-    std::array<float, kMeterInPort> controls;  ///< last valid value of each control port
+    /// Of the stages in chain order: those of the last control tick at newest_weights, those of the
+    /// ticks before it behind it in a ring.
+    std::array<CascadeWeights, kMaxStretches> weights;
+    std::array<CascadeState, 2> states;  ///< likewise, for each channel
+    Workspace work;
+    size_t newest_weights;
+    CascadeKernels cascade;
+    double trim_target;                            ///< linear
+    std::array<float, 2> last_out;                 ///< last output sample of each channel
+    std::array<uint32_t, kMeterInPort> port_bits;  ///< of each control port's value when last read
+    std::array<float, kMeterInPort> controls;      ///< last valid value of each control port
+    bool turned;   ///< controls have changed since the last control tick
+    bool at_rest;  ///< the last control tick changed nothing, so that another one would not
 };
 
 /// A new instance for a host's sample rate [Hz], its stages passing audio unchanged; null without

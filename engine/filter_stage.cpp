@@ -2,6 +2,7 @@
 #include "engine/filter_stage.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 #include "engine/band_types.h"
@@ -37,6 +38,8 @@ void init(FilterStage& stage, int32_t type, double gain, double freq, double q, 
     stage.type = type;
     stage.damping = damping;
     stage.dt = dt;
+    stage.freq_low = kMinFreqShare / dt;
+    stage.freq_high = kMaxFreqShare / dt;
     stage.wet = 1.0;
     set_targets(stage, gain, freq, q);
     stage.gain = stage.gain_target;
@@ -46,16 +49,19 @@ void init(FilterStage& stage, int32_t type, double gain, double freq, double q, 
 
 void set_targets(FilterStage& stage, double gain, double freq, double q) noexcept {
     stage.gain_target = gain;
-    stage.freq_target = std::clamp(freq, kMinFreqShare / stage.dt, kMaxFreqShare / stage.dt);
+    stage.freq_target = std::clamp(freq, stage.freq_low, stage.freq_high);
     stage.q_target = q;
 }
 
-void design(FilterStage& stage) noexcept {
+bool design(FilterStage& stage) noexcept {
     smooth(stage.gain, stage.gain_target);
     smooth(stage.freq, stage.freq_target);
     smooth(stage.q, stage.q_target);
     if (has_fixed_q(stage.type)) stage.q = kFixedQ;
 
+    const FilterStage::Origin origin = {stage.type, stage.gain, stage.freq, stage.q, stage.damping};
+    if (origin == stage.origin) return false;
+    stage.origin = origin;
     const bool known = stage.type >= 0 && static_cast<size_t>(stage.type) < kDesigns.size();
     const DesignFunction function = known ? kDesigns[static_cast<size_t>(stage.type)] : design_flat;
     const Coefficients c = function({stage.gain, stage.freq, stage.q, stage.damping, stage.dt});
@@ -64,6 +70,7 @@ void design(FilterStage& stage) noexcept {
     stage.b2 = c.b2;
     stage.a1 = c.a1;
     stage.a2 = c.a2;
+    return true;
 }
 
 }  // namespace brindle

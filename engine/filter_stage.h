@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: ISC
-/// One second-order section: smoothed parameters, coefficients and the state of two channels.
+/// One second-order section: smoothed parameters and coefficients.
 #pragma once
 
-#include <array>
 #include <cstdint>
 
 namespace brindle {
@@ -18,18 +17,27 @@ inline constexpr double kFixedQ = 0.7071;
 
 /// A second-order section in double precision:
 /// y = b0·x + s1; s1 ← s2 + b1·x + a1·y; s2 ← b2·x + a2·y.
+/// The states s1 and s2 of each channel stand beside those of the other stages, in CascadeState.
 struct FilterStage {
+    /// What the coefficients were designed from.
+    struct Origin {
+        int32_t type;
+        double gain, freq, q, damping;
+        bool operator==(const Origin&) const = default;
+    };
+
     double gain, freq, q;  ///< current values: dB, Hz, Q
     double gain_target, freq_target, q_target;
-    int32_t type;                 ///< as BandType; what is outside its codes passes audio through
-    double damping;               ///< signed damping of the shelf designs
-    double dt;                    ///< 1 / sample rate, seconds
-    double wet, dry;              ///< crossfade weights of the filtered and the plain signal
-    std::array<double, 4> state;  ///< s1, s2 of the left or only channel, then of the right
-    double b0, b1, b2, a1, a2;    ///< a1 and a2 carry the sign with which they are added
+    int32_t type;                ///< as BandType; what is outside its codes passes audio through
+    double damping;              ///< signed damping of the shelf designs
+    double dt;                   ///< 1 / sample rate, seconds
+    double freq_low, freq_high;  ///< Hz, what frequency targets are held between
+    double wet, dry;             ///< crossfade weights of the filtered and the plain signal
+    double b0, b1, b2, a1, a2;   ///< a1 and a2 carry the sign with which they are added
+    Origin origin;
 };
 
-/// Sets current and target values alike, clears the state, weights wet 1 and dry 0. `gain` in dB,
+/// Sets current and target values alike, weights wet 1 and dry 0. `gain` in dB,
 /// `freq` in Hz, `dt` in seconds. Leaves the coefficients to `design`.
 void init(FilterStage& stage, int32_t type, double gain, double freq, double q, double damping,
           double dt) noexcept;
@@ -39,7 +47,8 @@ void init(FilterStage& stage, int32_t type, double gain, double freq, double q, 
 void set_targets(FilterStage& stage, double gain, double freq, double q) noexcept;
 
 /// One smoothing step of gain, frequency and Q toward their targets, then new coefficients for the
-/// stage's type. Called at each control tick. Real-time safe.
-void design(FilterStage& stage) noexcept;
+/// stage's type, unless they would be the same. Called at each control tick; true when the
+/// coefficients are new. Real-time safe.
+bool design(FilterStage& stage) noexcept;
 
 }  // namespace brindle

@@ -15,9 +15,16 @@ namespace brindle {
 namespace {
 
 constexpr uint32_t kCounterMask = 0x3ffff;
-constexpr size_t kMaxSegment = 128;  // between two control ticks
 
-using Segment = std::array<float, kMaxSegment>;
+// The stretches of a chunk, each but perhaps the first beginning with a control tick.
+struct Stretches {
+    std::array<Stretch, kMaxStretches> list;
+    size_t count;
+    bool first_is_tick;
+
+    bool is_tick(size_t i) const { return i > 0 || first_is_tick; }
+    size_t end(size_t i, size_t n) const { return i + 1 < count ? list[i + 1].begin : n; }
+};
 
 // Input and output port of channel 0 or 1.
 constexpr size_t in_port(size_t channel) {
@@ -27,29 +34,109 @@ constexpr size_t out_port(size_t channel) {
     return in_port(channel) + 1;
 }
 
-// The dither for the next n samples: about 1e-6 at its peak, which keeps the recursions off
-// denormal numbers.
-void next_noise(EqInstance& eq, Segment& noise, size_t n) {
-    for (size_t i = 0; i < n; ++i) {
-        noise[i] = eq.noise;
-        eq.noise_state = static_cast<int32_t>(static_cast<uint32_t>(eq.noise_state) * 16807u);
-        const auto state = static_cast<float>(eq.noise_state);
-        eq.noise = static_cast<float>(static_cast<double>(state) * 4.6566e-16);
+// The dither for the next sample: about 1e-6 at its peak, which keeps the recursions off denormal
+// numbers.
+void next_noise(EqInstance& eq) {
+    eq.noise_state = static_cast<int32_t>(static_cast<uint32_t>(eq.noise_state) * 16807u);
+    const auto state = static_cast<float>(eq.noise_state);
+    eq.noise = static_cast<float>(static_cast<double>(state) * 4.6566e-16);
+}
+
+// Dithers and trims the input from `begin` to `end` of the chunk that starts at `offset`.
+template <size_t kChannels>
+void take_input(EqInstance& eq, size_t offset, size_t begin, size_t end) {
+    Workspace& work = eq.work;
+    for (size_t i = begin; i < end; ++i) {
+        float square = 0.0f;
+        for (size_t channel = 0; channel < kChannels; ++channel) {
+            const float x = eq.ports[in_port(channel)][offset + i] + eq.noise;
+            square = channel == 0 ? x * x : std::max(square, x * x);
+            work.in[channel][i] = x * eq.trim_gain;
+        }
+        work.in_square[i] = eq.power_take * square;
+        next_noise(eq);
     }
 }
 
-// Follows the mean square of the loudest channel over n samples; yields the value after the first.
+// Cuts n samples at the control ticks among them, with the weights of each.
 template <size_t kChannels>
-float follow_power(const EqInstance& eq, float& power, const std::array<Segment, kChannels>& v,
-                   size_t n) {
-    float after_first = power;
-    for (size_t i = 0; i < n; ++i) {
-        float square = v[0][i] * v[0][i];
-        if constexpr (kChannels == 2) square = std::max(square, v[1][i] * v[1][i]);
-        power = eq.power_take * square + eq.power_keep * power;
-        if (i == 0) after_first = power;
+Stretches take_chunk(EqInstance& eq, size_t offset, size_t n) {
+    Stretches stretches;
+    stretches.count = 0;
+    stretches.first_is_tick = (eq.sample_counter & eq.control_mask) == 0;
+    for (size_t begin = 0; begin < n;) {
+        const size_t since_tick = (eq.sample_counter + begin) & eq.control_mask;
+        if (since_tick == 0) control_tick(eq);
+        const size_t end = std::min(n, begin + eq.control_mask + 1 - since_tick);
+        stretches.list[stretches.count++] = {begin, &eq.weights[eq.newest_weights]};
+        take_input<kChannels>(eq, offset, begin, end);
+        begin = end;
     }
-    return after_first;
+    return stretches;
+}
+
+// Input that is no finite number makes every later state and output of its channel so for good.
+// Where the output before a control tick is such, the channel starts again from silence there.
+void restart_poisoned(EqInstance& eq, const Stretches& stretches, size_t channel, size_t n) {
+    const float* in = eq.work.in[channel].data();
+    float* out = eq.work.out[channel].data();
+    bool restarted = false;
+    for (size_t i = 1; i < stretches.count; ++i) {
+        const size_t begin = stretches.list[i].begin;
+        if (!std::isfinite(out[begin - 1])) {
+            eq.states[channel] = {};
+            restarted = true;
+        }
+        if (!restarted) continue;
+        const Stretch alone = {0, stretches.list[i].weights};
+        const float* from = in + begin;
+        float* to = out + begin;
+        eq.cascade.mono({&alone, 1}, &eq.states[channel], &from, &to, stretches.end(i, n) - begin);
+    }
+}
+
+template <size_t kChannels>
+void run_stages(EqInstance& eq, const Stretches& stretches, size_t n) {
+    for (size_t channel = 0; channel < kChannels; ++channel) {
+        if (stretches.first_is_tick && !std::isfinite(eq.last_out[channel])) {
+            eq.states[channel] = {};
+        }
+    }
+    const std::array<const float*, 2> in = {eq.work.in[0].data(), eq.work.in[1].data()};
+    const std::array<float*, 2> out = {eq.work.out[0].data(), eq.work.out[1].data()};
+    const RunCascade run_cascade = kChannels == 1 ? eq.cascade.mono : eq.cascade.stereo;
+    run_cascade({stretches.list.data(), stretches.count}, eq.states.data(), in.data(), out.data(),
+                n);
+    for (size_t channel = 0; channel < kChannels; ++channel) {
+        restart_poisoned(eq, stretches, channel, n);
+        eq.last_out[channel] = out[channel][n - 1];
+    }
+}
+
+template <size_t kChannels>
+void put_output(EqInstance& eq, size_t offset, size_t n) {
+    Workspace& work = eq.work;
+    for (size_t i = 0; i < n; ++i) {
+        float square = work.out[0][i] * work.out[0][i];
+        if constexpr (kChannels == 2) square = std::max(square, work.out[1][i] * work.out[1][i]);
+        work.out_square[i] = eq.power_take * square;
+    }
+    for (size_t channel = 0; channel < kChannels; ++channel) {
+        std::copy_n(work.out[channel].data(), n, eq.ports[out_port(channel)] + offset);
+    }
+}
+
+// Follows the mean squares of the loudest channel, before and after, from `begin` to `end`.
+void follow_powers(EqInstance& eq, size_t begin, size_t end) {
+    const float keep = eq.power_keep;
+    float in_power = eq.in_power;
+    float out_power = eq.out_power;
+    for (size_t i = begin; i < end; ++i) {
+        in_power = eq.work.in_square[i] + keep * in_power;
+        out_power = eq.work.out_square[i] + keep * out_power;
+    }
+    eq.in_power = in_power;
+    eq.out_power = out_power;
 }
 
 // A held meter falls from tick to tick and is lifted by what exceeds it. Powers that are no finite
@@ -63,61 +150,36 @@ void update_meter(const EqInstance& eq, uint32_t port, float power) {
     *meter = static_cast<float>(static_cast<double>(eq.meter_decay * held) + 1e-20);
 }
 
-template <typename Function>
-void for_each_stage(EqInstance& eq, Function&& function) {
-    for (SectionStages& section : eq.sections) {
-        for (FilterStage& stage : section) function(stage);
+// Followers and meters over a chunk; true when a meter tick was in it. The meters take what the
+// followers hold after the tick's own sample.
+bool follow_chunk(EqInstance& eq, const Stretches& stretches, size_t n) {
+    bool meter_tick = false;
+    for (size_t i = 0; i < stretches.count; ++i) {
+        size_t begin = stretches.list[i].begin;
+        if (stretches.is_tick(i)) {
+            if (!std::isfinite(eq.in_power)) eq.in_power = 0.0f;
+            if (!std::isfinite(eq.out_power)) eq.out_power = 0.0f;
+        }
+        if (((eq.sample_counter + begin) & eq.meter_mask) == 0) {
+            follow_powers(eq, begin, begin + 1);
+            ++begin;
+            update_meter(eq, kMeterInPort, eq.in_power);
+            update_meter(eq, kMeterOutPort, eq.out_power);
+            meter_tick = true;
+        }
+        follow_powers(eq, begin, stretches.end(i, n));
     }
-    for (FilterStage& stage : eq.bands) function(stage);
+    return meter_tick;
 }
 
-// Input that is no finite number makes every later state so for good; start again from silence.
+// At most kChunk samples from `offset` on; true when a meter tick was among them. All input is read
+// before output is written: the host may pass one buffer for both.
 template <size_t kChannels>
-void clear_poisoned_state(EqInstance& eq) {
-    for (size_t channel = 0; channel < kChannels; ++channel) {
-        bool finite = true;
-        for_each_stage(eq, [&finite, channel](const FilterStage& stage) {
-            finite = finite && std::isfinite(stage.state[2 * channel]) &&
-                     std::isfinite(stage.state[2 * channel + 1]);
-        });
-        if (finite) continue;
-        for_each_stage(eq, [channel](FilterStage& stage) {
-            stage.state[2 * channel] = 0.0;
-            stage.state[2 * channel + 1] = 0.0;
-        });
-    }
-    if (!std::isfinite(eq.in_power)) eq.in_power = 0.0f;
-    if (!std::isfinite(eq.out_power)) eq.out_power = 0.0f;
-}
-
-// n samples from `offset` on, none beyond the next control tick; true when a meter tick was among
-// them. All input is read before output is written: the host may pass one buffer for both.
-template <size_t kChannels>
-bool process_segment(EqInstance& eq, size_t offset, size_t n) {
-    Segment noise;
-    next_noise(eq, noise, n);
-    std::array<Segment, kChannels> v;
-    for (size_t channel = 0; channel < kChannels; ++channel) {
-        const float* in = eq.ports[in_port(channel)] + offset;
-        for (size_t i = 0; i < n; ++i) v[channel][i] = in[i] + noise[i];
-    }
-    const float in_power = follow_power(eq, eq.in_power, v, n);
-
-    for (size_t channel = 0; channel < kChannels; ++channel) {
-        float* samples = v[channel].data();
-        for (size_t i = 0; i < n; ++i) samples[i] *= eq.trim_gain;
-        for_each_stage(eq, [channel, samples, n](FilterStage& stage) {
-            run_stage(stage, channel, samples, n);
-        });
-        std::copy_n(samples, n, eq.ports[out_port(channel)] + offset);
-    }
-    const float out_power = follow_power(eq, eq.out_power, v, n);
-
-    const bool meter_tick = (eq.sample_counter & eq.meter_mask) == 0;
-    if (meter_tick) {
-        update_meter(eq, kMeterInPort, in_power);
-        update_meter(eq, kMeterOutPort, out_power);
-    }
+bool process_chunk(EqInstance& eq, size_t offset, size_t n) {
+    const Stretches stretches = take_chunk<kChannels>(eq, offset, n);
+    run_stages<kChannels>(eq, stretches, n);
+    put_output<kChannels>(eq, offset, n);
+    const bool meter_tick = follow_chunk(eq, stretches, n);
     eq.sample_counter = (eq.sample_counter + static_cast<uint32_t>(n)) & kCounterMask;
     return meter_tick;
 }
@@ -138,15 +200,8 @@ void run(EqInstance& eq, uint32_t n) {
     if (eq.ui_active) analyse(eq.analyser, eq.ports[in_port(0)], n);
 
     bool meter_tick = false;
-    for (size_t done = 0; done < n;) {
-        const uint32_t since_tick = eq.sample_counter & eq.control_mask;
-        if (since_tick == 0) {
-            clear_poisoned_state<kChannels>(eq);
-            control_tick(eq);
-        }
-        const size_t segment = std::min<size_t>(n - done, eq.control_mask + 1 - since_tick);
-        meter_tick |= process_segment<kChannels>(eq, done, segment);
-        done += segment;
+    for (size_t done = 0; done < n; done += kChunk) {
+        meter_tick |= process_chunk<kChannels>(eq, done, std::min(kChunk, n - done));
     }
     if (meter_tick) {
         write_notify(eq.forge, eq.notify_port, eq.uris, eq.ui_active, eq.sample_rate, eq.analyser);

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: ISC
-// The loaded plugin against the plain engine, to the bit, over seeded random sessions.
+// The loaded plugin against the plain engine, to the bit, over seeded random sessions, on every
+// instruction set at hand.
 #include <gtest/gtest.h>
+#include <hwy/highway.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "lv2/brindle.h"
@@ -132,25 +136,91 @@ class Session {
     std::vector<float*> outputs_;
 };
 
-class RunBits : public testing::TestWithParam<double> {};
+/// Each test runs once for every instruction set that Highway compiled and the processor has.
+class RunBits : public testing::TestWithParam<int64_t> {
+  protected:
+    void SetUp() override { hwy::SetSupportedTargetsForTest(GetParam()); }
+    void TearDown() override { hwy::SetSupportedTargetsForTest(0); }
+};
 
 TEST_P(RunBits, AreThoseOfThePlainEngine) {
     constexpr uint32_t kLengths[] = {0, 1, 2, 63, 64, 65, 128, 256, 1000, 1024, 4096, 8192};
-    for (uint32_t seed = 0; seed < 12; ++seed) {
-        SCOPED_TRACE(seed);
-        Session session(seed % 2 == 0 ? 2 : 1, GetParam(), seed);
-        for (int block = 0; block < 60; ++block) {
-            session.turn_controls();
-            const uint32_t n = session.below(2) == 0 ? kLengths[session.below(std::size(kLengths))]
-                                                     : session.below(300);
-            ASSERT_TRUE(session.run(n)) << "block " << block << " of " << n << " samples";
+    uint32_t seed = 0;
+    for (double rate : {32000.0, 44100.0, 48000.0, 60000.5, 60001.0, 88200.0, 96000.0, 192000.0}) {
+        for (int repeat = 0; repeat < 4; ++repeat, ++seed) {
+            SCOPED_TRACE(testing::Message() << rate << " Hz, seed " << seed);
+            Session session(seed % 2 == 0 ? 2 : 1, rate, seed);
+            for (int block = 0; block < 60; ++block) {
+                session.turn_controls();
+                const uint32_t n = session.below(2) == 0
+                                       ? kLengths[session.below(std::size(kLengths))]
+                                       : session.below(300);
+                ASSERT_TRUE(session.run(n)) << "block " << block << " of " << n << " samples";
+            }
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rates, RunBits,
-                         testing::Values(32000.0, 44100.0, 48000.0, 60000.5, 60001.0, 88200.0,
-                                         96000.0, 192000.0));
+// After 3000 ticks no glide moves any more, and ticks are no longer worth their time.
+TEST_P(RunBits, AreThoseOfThePlainEngineBeyondTheEndOfGlides) {
+    for (int channels : {1, 2}) {
+        Session session(channels, 48000.0, 99);
+        for (int turn = 0; turn < 3; ++turn) {
+            for (int block = 0; block < 3000 * 64 / 4096; ++block) ASSERT_TRUE(session.run(4096));
+            for (int block = 0; block < 100; ++block) ASSERT_TRUE(session.run(session.below(200)));
+            session.turn_controls();
+        }
+    }
+}
+
+// Input at which the first stage or one in the middle leaves the numbers, so that some of the
+// stages start again at the next tick.
+TEST_P(RunBits, AreThoseOfThePlainCascadeAfterBursts) {
+    const auto process = [](int channels, float burst, uint32_t block) {
+        PluginHost host(channels, 48000.0);
+        for (int band = 0; band < kBandCount; ++band) {
+            host.set_band(band, 9, 18.0f, 1000.0f, 0.5f);
+        }
+        host.settle();
+        std::mt19937 random(5);
+        std::uniform_real_distribution<float> level(-1.0f, 1.0f);
+        Audio in(static_cast<size_t>(channels), std::vector<float>(6000));
+        for (auto& channel : in) {
+            std::generate(channel.begin(), channel.end(), [&] { return level(random); });
+        }
+        for (size_t start : {1000u, 1060u, 3007u}) in[0][start] = in[0][start + 40] = burst;
+        for (size_t i = 4000; i < 4500; i += 7) in[0][i] = burst;
+        return host.process(in, block);
+    };
+    for (int channels : {1, 2}) {
+        for (float burst : {std::numeric_limits<float>::infinity(), 1e35f}) {
+            SCOPED_TRACE(testing::Message() << channels << " channels, " << burst);
+            hwy::SetSupportedTargetsForTest(hwy::SupportedAndGeneratedTargets().back());
+            const Audio expected = process(channels, burst, 1);
+            hwy::SetSupportedTargetsForTest(GetParam());
+            const Audio out = process(channels, burst, 777);
+            size_t left_the_numbers = 0;
+            for (size_t c = 0; c < out.size(); ++c) {
+                for (size_t i = 0; i < out[c].size(); ++i) {
+                    if (!std::isfinite(expected[c][i])) {
+                        ASSERT_FALSE(std::isfinite(out[c][i])) << "sample " << i;
+                        ++left_the_numbers;
+                    } else {
+                        ASSERT_EQ(out[c][i], expected[c][i]) << "sample " << i;
+                    }
+                }
+            }
+            EXPECT_GT(left_the_numbers, 100u);
+            EXPECT_LT(left_the_numbers, 1000u);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(EachInstructionSet, RunBits,
+                         testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
+                         [](const auto& target) {
+                             return std::string(hwy::TargetName(target.param));
+                         });
 
 }  // namespace
 }  // namespace brindle::test
