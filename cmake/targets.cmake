@@ -57,16 +57,26 @@ endfunction()
 function(brindle_fuzzer target)
     cmake_parse_arguments(arg "" "RUNS" "SOURCES;FLAGS" ${ARGN})
     set(program ${CMAKE_CURRENT_BINARY_DIR}/${target})
-    list(TRANSFORM arg_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
-    file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/engine/*.h
-         ${PROJECT_SOURCE_DIR}/gl/*.h ${PROJECT_SOURCE_DIR}/graph/*.h
-         ${PROJECT_SOURCE_DIR}/editor/*.h ${PROJECT_SOURCE_DIR}/lv2/*.h)
+    set(instruments -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=all)
+    set(objects)
+    foreach(source ${arg_SOURCES})
+        string(REPLACE "/" "_" object ${source})
+        set(object ${program}.dir/${object}.o)
+        add_custom_command(
+            OUTPUT ${object}
+            COMMAND ${CMAKE_CXX_COMPILER_LAUNCHER} ${BRINDLE_CLANGXX} -std=c++20 -g -O1
+                    -ffp-contract=off ${instruments} -I ${PROJECT_SOURCE_DIR} -MMD -MF ${object}.d -c
+                    ${PROJECT_SOURCE_DIR}/${source} -o ${object}
+            DEPENDS ${PROJECT_SOURCE_DIR}/${source}
+            DEPFILE ${object}.d
+            VERBATIM)
+        list(APPEND objects ${object})
+    endforeach()
+    file(MAKE_DIRECTORY ${program}.dir)
     add_custom_command(
         OUTPUT ${program}
-        COMMAND ${BRINDLE_CLANGXX} -std=c++20 -g -O1 -ffp-contract=off
-                -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=all -I
-                ${PROJECT_SOURCE_DIR} ${arg_SOURCES} ${arg_FLAGS} -o ${program}
-        DEPENDS ${arg_SOURCES} ${headers}
+        COMMAND ${BRINDLE_CLANGXX} ${instruments} ${objects} ${arg_FLAGS} -o ${program}
+        DEPENDS ${objects}
         VERBATIM)
     add_custom_target(${target}_program ALL DEPENDS ${program})
     add_test(NAME ${target} COMMAND ${program} -runs=${arg_RUNS} -seed=1 -verbosity=0)
