@@ -104,6 +104,13 @@ TEST(PuglWindow, RefusesMissingDisplaysAndParents) {
     setenv("DISPLAY", display.c_str(), 1);
 }
 
+/// Needs an X server of that kind, see CMakeLists.txt.
+TEST(PuglWindow, DISABLED_RefusesADisplayWithoutOpenGl) {
+    HostWindow host;
+    host.Sync();
+    EXPECT_EQ(PuglWindow::Create(host.GetId(), "No OpenGL", 1000, 600), nullptr);
+}
+
 TEST(PuglWindow, DrawsOnlyWhenAskedAndFirstAfterTheSize) {
     HostWindow host;
     host.Sync();
