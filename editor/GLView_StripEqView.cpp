@@ -2,12 +2,32 @@
 #include "editor/GLView_StripEqView.h"
 
 #include <algorithm>
+#include <array>
+#include <string>
+
+#include "editor/GLView_BandDecorator.h"
+#include "editor/panel_layout.h"
+#include "editor/preset_table.h"
+#include "gl/GLView_Caption.h"
+#include "gl/GLView_TrimSlider.h"
+#include "gl/drawing.h"
+#include "gl/look.h"
+#include "graph/GLView_ParametricEQGrabber.h"
 
 namespace brindle {
 namespace {
 
 constexpr int32_t kDesignWidth = 1000;
 constexpr int32_t kDesignHeight = 600;
+constexpr float kDragSensitivity = 0.003f;
+
+GLView_Caption* MakeCaption(const char* text, float labelSize, int alignment) {
+    auto* caption = new GLView_Caption;
+    caption->SetLabel(text);
+    caption->SetLabelSize(labelSize);
+    caption->alignment = alignment;
+    return caption;
+}
 
 }  // namespace
 
@@ -15,11 +35,124 @@ GLView_StripEqView::GLView_StripEqView(const EditorInstance& instance)
     : GLView_BaseView(kDesignWidth, kDesignHeight),
       connection({instance.writeFunction, instance.controller}, instance.map) {
     SetName("Brindle Console EQ");
+    AddFlatAll();
+    AddGraph(instance.touch);
+    AddStrips(instance.touch);
+    AddTrim(instance.touch);
+    inputMeter = AddMeter(layout::kMeterInLeft);
+    outputMeter = AddMeter(layout::kMeterOutLeft);
+    AddPresets();
+}
+
+GLView_StripEqView::~GLView_StripEqView() {
+    // The widgets write through the connection and look at the graph, also while they go.
+    GLView_StripEqView::DeleteChildren();
+}
+
+void GLView_StripEqView::Place(GLView* view, float left, float middle, float width, float height) {
+    const float s = GetInterfaceScale();
+    view->SetSize(width * s, height * s);
+    view->SetPosition(viewLeft + (left + 0.5f * width) * s, viewBottom + middle * s);
+    AddChild(view);
+}
+
+void GLView_StripEqView::AddFlatAll() {
+    constexpr std::array<uint32_t, 11> kSwitches = {42, 47, 2, 7, 12, 17, 22, 27, 32, 37, 52};
+    const float s = GetInterfaceScale();
+    flatAll = new GLView_PresetButton;
+    flatAll->SetWriter(connection.GetWriter());
+    flatAll->SetLabel("flat");
+    flatAll->SetInfoTitle("Flat");
+    flatAll->SetInfoText("All bands and sections off, no trim");
+    for (const uint32_t port : kSwitches) {
+        flatAll->SetPresetValue(port, 0.0f);
+    }
+    flatAll->SetSize(layout::kFlatAllSize * s, layout::kFlatAllSize * s);
+    flatAll->SetPosition(viewRight - layout::kFlatAllFromRight * s,
+                         viewTop - layout::kHeaderBelowTop * s);
+    AddChild(flatAll);
+}
+
+void GLView_StripEqView::AddGraph(const LV2UI_Touch* touch) {
+    const float s = GetInterfaceScale();
+    graph = new GLView_ParametricEQ;
+    graph->SetSize(viewRight - viewLeft - 2.0f * layout::kGraphMarginPixels * GetPixelSize(),
+                   layout::kGraphHeight * s);
+    graph->SetPosition(0.0f, viewTop - (layout::kGraphTop + 0.5f * layout::kGraphHeight) * s);
+    AddChild(graph);
+    for (int i = 0; i < GLView_ParametricEQGrabber::kHandleCount; ++i) {
+        auto* handle = new GLView_ParametricEQGrabber(*graph, i);
+        handle->SetWriter(connection.GetWriter());
+        handle->SetTouch(touch);
+        const std::string text = i < kBandCount    ? std::to_string(i + 1)
+                                 : i == kBandCount ? "A"
+                                                   : "B";
+        handle->SetLabel(text.c_str());
+        handle->SetInfoTitle(((i < kBandCount ? "Band " : "Section ") + text).c_str());
+        handle->SetUnit("dB");
+        handle->SetSensitivity(kDragSensitivity);
+        handle->SetSize(layout::kHandleSize * s, layout::kHandleSize * s);
+        graph->AddChild(handle);
+    }
+}
+
+void GLView_StripEqView::AddStrips(const LV2UI_Touch* touch) {
+    for (int i = 0; i < kBandCount + kSectionCount; ++i) {
+        auto* strip = new GLView_BandDecorator(*graph, i);
+        Place(strip, layout::StripLeft(i), 0.5f * (layout::kStripBottom + layout::kStripTop),
+              layout::kStripWidth, layout::kStripTop - layout::kStripBottom);
+        strip->AddWidgets(connection.GetWriter(), touch);
+    }
+}
+
+void GLView_StripEqView::AddTrim(const LV2UI_Touch* touch) {
+    auto* trim = new GLView_TrimSlider(true, -20.0f, 20.0f);
+    trim->SetPort(connection.GetWriter(), kTrimPort);
+    trim->SetTouch(touch, kTrimPort);
+    trim->SetLabel("Output Trim: ");
+    trim->SetUnit("dB");
+    trim->SetSensitivity(kDragSensitivity);
+    trim->SetResetValue(0.0f);
+    trim->SetInfoTitle("Output Trim");
+    Place(trim, layout::kTrimLeft, layout::kTrimBottom + 0.5f * layout::kTrimHeight,
+          layout::kTrimWidth, layout::kTrimHeight);
+    Place(MakeCaption("Trim:", 8.0f, kAlignLeft), layout::kTrimLeft,
+          layout::kTrimLabelBottom + 0.5f * layout::kPresetHeight, layout::kTrimWidth,
+          layout::kPresetHeight);
+}
+
+GLView_DB60Meter* GLView_StripEqView::AddMeter(float left) {
+    auto* meter = new GLView_DB60Meter;
+    Place(meter, left - 0.5f * layout::kMeterWidth,
+          0.5f * (layout::kMeterBottom + layout::kMeterTop), layout::kMeterWidth,
+          layout::kMeterTop - layout::kMeterBottom);
+    return meter;
+}
+
+void GLView_StripEqView::AddPresets() {
+    const float middle = 800.0f - layout::kHeaderBelowTop;
+    Place(MakeCaption("Presets:", 8.0f, kAlignLeft), layout::kPresetLabelLeft, middle,
+          layout::kFirstPresetLeft - layout::kPresetLabelLeft, layout::kPresetHeight);
+    float left = layout::kFirstPresetLeft;
+    for (const Preset& preset : kPresets) {
+        auto* button = new GLView_PresetButton;
+        button->SetWriter(connection.GetWriter());
+        button->SetPresetName(preset.name);
+        button->SetLabelSize(7.0f);
+        button->SetInfoTitle("Preset");
+        button->SetInfoText(preset.name);
+        for (size_t i = 0; i < preset.values.size(); ++i) {
+            button->SetPresetValue(kFirstPresetPort + static_cast<uint32_t>(i), preset.values[i]);
+        }
+        Place(button, left, middle, layout::kPresetWidth, layout::kPresetHeight);
+        left += layout::kPresetPitch;
+    }
 }
 
 void GLView_StripEqView::PortEvent(uint32_t port, uint32_t size, uint32_t format,
                                    const void* buffer) {
     if (const auto plot = connection.ReadPlot(format, buffer, size)) {
+        SpectrumHistory& spectrum = graph->spectrum;
         std::copy_n(plot->values, kPlotBins, spectrum.rows[static_cast<size_t>(plot->id)].begin());
         spectrum.newest = plot->id;
     } else if (const auto value = connection.ReadControl(port, format, buffer, size)) {
@@ -28,6 +161,9 @@ void GLView_StripEqView::PortEvent(uint32_t port, uint32_t size, uint32_t format
 }
 
 void GLView_StripEqView::TakeControl(uint32_t port, float value) {
+    if (reported.none()) {
+        graph->MarkAllDirty(true);
+    }
     // Hosts report the meters some 30 times a second, and much that has not changed. The meters are
     // drawn in each frame anyway.
     const bool isMeter = port == kMeterInPort || port == kMeterOutPort;
@@ -36,10 +172,10 @@ void GLView_StripEqView::TakeControl(uint32_t port, float value) {
         reported[port] = true;
     }
     SetParameter(port, value, isNews && !isMeter);
-    if (port == kMeterInPort && inputMeter != nullptr) {
+    if (port == kMeterInPort) {
         inputMeter->level = value;
     }
-    if (port == kMeterOutPort && outputMeter != nullptr) {
+    if (port == kMeterOutPort) {
         outputMeter->level = value;
     }
 }
@@ -61,6 +197,58 @@ void GLView_StripEqView::EditorOpened() {
 void GLView_StripEqView::EditorClosed() {
     ReleaseAll();  // what a held control has changed for as long as it is held is put back
     connection.SendClosed();
+}
+
+GLColor GLView_StripEqView::GetBackgroundColor() {
+    constexpr float kBrightest = 0.16f;
+    GLColor ground = GLView_BaseView::GetBackgroundColor();
+    const float peak = std::max({ground.red, ground.green, ground.blue});
+    if (peak > kBrightest) {
+        const float share = kBrightest / peak;
+        ground.Set(ground.red * share, ground.green * share, ground.blue * share, ground.alpha);
+    }
+    return ground;
+}
+
+void GLView_StripEqView::PreDraw() {
+    selectedBand = graph->selectedHandle;
+    if (GLView* told = captureView != nullptr ? captureView : focusView) {
+        ShowInfo(told->infoTitle, told->infoText);
+    }
+}
+
+void GLView_StripEqView::DrawBack() {
+    GLView_BaseView::DrawBack();
+    DrawMeterLabel("In", layout::kMeterInLeft);
+    DrawMeterLabel("Out", layout::kMeterOutLeft);
+}
+
+void GLView_StripEqView::DrawMeterLabel(const char* text, float meterLeft) {
+    const float s = GetInterfaceScale();
+    const MatrixScope matrix;
+    glTranslatef(viewLeft + meterLeft * s, viewBottom + layout::kMeterLabelBottom * s, 0.0f);
+    GetContrastColor().Apply();
+    DrawRoundRect(GetResources(), 15.0f * s, 8.0f * s, 4.0f * s);
+    glScalef(7.0f * s, 7.0f * s, 1.0f);
+    kBlack.ApplyFaded(0.8f);
+    DrawText(GetResources(), text, kAlignCentre);
+}
+
+void GLView_StripEqView::DrawFront() {
+    GLView_BaseView::DrawFront();
+    DrawHelpLine();
+}
+
+void GLView_StripEqView::DrawHelpLine() {
+    const float s = GetInterfaceScale();
+    const MatrixScope matrix;
+    glTranslatef(viewLeft + layout::kHelpLeft * s, viewTop - layout::kHeaderBelowTop * s, 0.0f);
+    glScalef(8.0f * s, 8.0f * s, 1.0f);
+    color.ApplyFaded(0.9f);
+    DrawText(GetResources(), infoTitle, kAlignLeft);
+    glTranslatef(TextWidth(infoTitle) + 1.0f, 0.0f, 0.0f);
+    color.ApplyFaded(0.6f);
+    DrawText(GetResources(), infoText, kAlignLeft);
 }
 
 }  // namespace brindle

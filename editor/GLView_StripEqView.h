@@ -8,7 +8,8 @@
 #include "editor/editor_instance.h"
 #include "editor/host_connection.h"
 #include "gl/GLView_DB60Meter.h"
-#include "graph/spectrum_history.h"
+#include "gl/GLView_PresetButton.h"
+#include "graph/GLView_ParametricEQ.h"
 
 namespace brindle {
 
@@ -18,27 +19,49 @@ class GLView_StripEqView : public GLView_BaseView {
   public:
     /// `instance` has the host's features; it is looked at during construction only.
     explicit GLView_StripEqView(const EditorInstance& instance);
+    ~GLView_StripEqView() override;
 
     /// What the host reports of a port: a control value (format 0) reaches the parameters, tree and
-    /// meters, an analyser row the spectrum. All else is ignored.
+    /// meters, an analyser row the graph. All else is ignored.
     void PortEvent(uint32_t port, uint32_t size, uint32_t format, const void* buffer);
     /// Takes the writes as reported that the host has not answered in time. Call it when idle.
     void TakeUnreportedWrites();
-    const SpectrumHistory& GetSpectrum() const { return spectrum; }
+    const SpectrumHistory& GetSpectrum() const { return graph->spectrum; }
 
     void SendParameter(uint32_t index, float value) override;
     /// Switch the engine's analyser on, and off.
     void EditorOpened() override;
     void EditorClosed() override;
 
+    /// The console's ground: the host's colour, as dark as the controls' light texts need it.
+    GLColor GetBackgroundColor() override;
+    /// The help line tells of the control that is held, or else of the one that is pointed at.
+    void PreDraw() override;
+    void DrawBack() override;
+    void DrawFront() override;
+
   private:
     void TakeControl(uint32_t port, float value);
+    // The pieces of the panel, in the order in which they are asked for the pointer.
+    void AddFlatAll();
+    void AddGraph(const LV2UI_Touch* touch);
+    void AddStrips(const LV2UI_Touch* touch);
+    void AddTrim(const LV2UI_Touch* touch);
+    GLView_DB60Meter* AddMeter(float left);
+    void AddPresets();
+    /// Adds a view whose left edge and middle are so far from the panel's left and lower edge.
+    void Place(GLView* view, float left, float middle, float width, float height);
+    void DrawMeterLabel(const char* text, float meterLeft);
+    void DrawHelpLine();
 
     HostConnection connection;
-    SpectrumHistory spectrum;
-    std::bitset<128> reported;               ///< ports that the host has told a value of
-    GLView_DB60Meter* inputMeter = nullptr;  ///< children, null until they are made
+    // Children of this view, observed.
+    GLView_PresetButton* flatAll = nullptr;
+    GLView_ParametricEQ* graph = nullptr;
+    GLView_DB60Meter* inputMeter = nullptr;
     GLView_DB60Meter* outputMeter = nullptr;
+    int32_t selectedBand = -1;  ///< strip whose handle is selected, -1 for none
+    std::bitset<128> reported;  ///< ports whose value the host has told
 };
 
 }  // namespace brindle

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: ISC
+#include "editor/GLView_BandDecorator.h"
+
+#include <span>
+#include <string>
+
+#include "engine/band_types.h"
+#include "gl/GLView_Knob.h"
+#include "gl/look.h"
+#include "graph/GLView_ParametricEQSelector.h"
+#include "graph/GLView_ParametricFilterSelector.h"
+#include "graph/scales.h"
+#include "lv2/ports.h"
+
+namespace brindle {
+namespace {
+
+constexpr GLColor kBandLamp{0.5f, 0.9f, 0.65f};
+
+// In points, from the strip's upper and lower edge or its middle.
+constexpr float kToggleBelowTop = 16.0f;
+constexpr float kToggleWidth = 48.0f;
+constexpr float kToggleHeight = 20.0f;
+constexpr float kSelectorAboveBottom = 8.0f;
+constexpr float kSelectorWidth = 66.0f;
+constexpr float kSelectorHeight = 22.0f;
+constexpr float kKnobWidth = 48.0f;
+constexpr float kKnobHeight = 22.0f;
+
+struct KnobPlan {
+    Control control;
+    float y;  ///< points above the strip's middle
+    const char* unit;
+    float sensitivity;  ///< normalised change a pixel
+    const char* title;  ///< on the help line, behind the strip's name
+};
+constexpr std::array<KnobPlan, 3> kKnobs = {{
+    {kGain, 40.0f, "dB", 0.003f, "Gain"},
+    {kQ, 0.0f, " ", 0.003f, "Q"},
+    {kFrequency, -40.0f, "Hz", 0.0005f, "Frequency"},
+}};
+
+/// Types in the order in which menus stack them, from the bottom up.
+constexpr std::array<uint8_t, 8> kBandMenu = {1, 2, 3, 4, 5, 6, 9, 12};
+constexpr std::array<uint8_t, 9> kSectionAMenu = {17, 1, 2, 3, 4, 13, 14, 15, 16};
+constexpr std::array<uint8_t, 9> kSectionBMenu = {17, 5, 6, 7, 8, 9, 10, 11, 12};
+
+struct StripPlan {
+    std::span<const uint8_t> menu;
+    float menuWidth;  ///< points
+    std::span<const TypeLabel> labels;
+    std::span<const bool> usesGain;  ///< by type
+    std::span<const bool> usesQ;
+};
+
+// clang-format off
+//                                               Flat LP   HP   LP   HP   LoSh HiSh Lsh2 Hsh2 Bell Srch SymL Notch
+constexpr std::array<bool, kBandTypeCount> kBandGain = {0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 0};
+constexpr std::array<bool, kBandTypeCount> kBandQ    = {0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 1};
+//                                                            Flat, HP x 4,  LP x 4,     shelves x 8,          notch
+constexpr std::array<bool, kSectionTypeCount> kSectionGain = {0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, 0};
+constexpr std::array<bool, kSectionTypeCount> kSectionQ    = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1};
+// clang-format on
+
+constexpr StripPlan kBandPlan = {kBandMenu, 110.0f, kBandTypeLabels, kBandGain, kBandQ};
+constexpr std::array<StripPlan, kSectionCount> kSectionPlans = {{
+    {kSectionAMenu, 130.0f, kSectionTypeLabels, kSectionGain, kSectionQ},
+    {kSectionBMenu, 130.0f, kSectionTypeLabels, kSectionGain, kSectionQ},
+}};
+
+const StripPlan& PlanOf(int strip) {
+    if (strip < kBandCount) {
+        return kBandPlan;
+    }
+    return kSectionPlans[static_cast<size_t>(strip - kBandCount)];
+}
+
+const StripSpec& DefaultsOf(int strip) {
+    return strip < kBandCount ? kBandStrips[static_cast<size_t>(strip)]
+                              : kSectionStrips[static_cast<size_t>(strip - kBandCount)];
+}
+
+bool Uses(std::span<const bool> byType, float type) {
+    const float code = type + 0.1f;
+    return code >= 0.0f && code < static_cast<float>(byType.size()) &&
+           byType[static_cast<size_t>(code)];
+}
+
+std::string TitleOf(int strip, const char* control) {
+    return std::string(DefaultsOf(strip).name) + " " + control;
+}
+
+}  // namespace
+
+GLView_BandDecorator::GLView_BandDecorator(GLView_ParametricEQ& curveGraph, int stripIndex)
+    : index(stripIndex),
+      firstPort(stripIndex < kBandCount ? band_port(stripIndex)
+                                        : section_port(stripIndex - kBandCount)),
+      graph_(curveGraph) {}
+
+void GLView_BandDecorator::AddWidgets(const HostWriter& writer, const LV2UI_Touch* touch) {
+    AddToggle(writer, touch);
+    AddSelector();
+    AddKnobs(writer, touch);
+    UpdateEffect();
+}
+
+void GLView_BandDecorator::AddToggle(const HostWriter& writer, const LV2UI_Touch* touch) {
+    const float s = GetInterfaceScale();
+    toggle_ = new GLView_Toggle;
+    toggle_->SetPort(writer, firstPort + kEnable);
+    toggle_->SetTouch(touch, firstPort + kEnable);
+    toggle_->SetText(IsBand()              ? std::to_string(index + 1).c_str()
+                     : index == kBandCount ? "A"
+                                           : "B");
+    toggle_->SetInfoTitle(TitleOf(index, "on/off").c_str());
+    toggle_->SetColor(IsBand() ? kBandLamp : kAmber);
+    toggle_->SetSize(kToggleWidth * s, kToggleHeight * s);
+    toggle_->SetPosition(0.0f, hh - kToggleBelowTop * s);
+    AddChild(toggle_);
+}
+
+void GLView_BandDecorator::AddSelector() {
+    const float s = GetInterfaceScale();
+    GLView_TypeSelector* selector = nullptr;
+    if (IsBand()) {
+        selector = new GLView_ParametricEQSelector(firstPort + kType);
+    } else {
+        selector = new GLView_ParametricFilterSelector(firstPort + kType);
+    }
+    selector->SetInfoTitle(TitleOf(index, "EQ Shape").c_str());
+    selector->SetSize(kSelectorWidth * s, kSelectorHeight * s);
+    selector->SetPosition(0.0f, (kSelectorAboveBottom + 0.5f * kSelectorHeight) * s - hh);
+    AddChild(selector);
+    const StripPlan& plan = PlanOf(index);
+    for (const uint8_t type : plan.menu) {
+        selector->AddItem(firstPort + kType, type, plan.menuWidth * s, plan.labels[type].name);
+    }
+    controls_[kType] = selector;
+}
+
+void GLView_BandDecorator::AddKnobs(const HostWriter& writer, const LV2UI_Touch* touch) {
+    const float s = GetInterfaceScale();
+    const ControlSpecs& ranges = IsBand() ? kBandControls : kSectionControls;
+    for (const KnobPlan& plan : kKnobs) {
+        auto* knob =
+            new GLView_Knob(false, ranges[plan.control].minimum, ranges[plan.control].maximum);
+        const uint32_t port = firstPort + plan.control;
+        knob->SetPort(writer, port);
+        knob->SetTouch(touch, port);
+        knob->SetUnit(plan.unit);
+        knob->SetSensitivity(plan.sensitivity);
+        knob->SetResetValue(DefaultsOf(index).defaults[plan.control]);
+        knob->SetInfoTitle(TitleOf(index, plan.title).c_str());
+        knob->SetColor(IsBand() ? kBandLamp : kAmber);
+        knob->SetSize(kKnobWidth * s, kKnobHeight * s);
+        knob->SetPosition(0.0f, plan.y * s);
+        if (plan.control == kQ) {
+            knob->SetMapping(QAt, PositionOfQ);
+        } else if (plan.control == kFrequency && IsBand()) {
+            knob->SetMapping(BandHzAt, PositionOfBandHz);
+        } else if (plan.control == kFrequency) {
+            knob->SetMapping(SectionHzAt, PositionOfSectionHz);
+        }
+        AddChild(knob);
+        controls_[plan.control] = knob;
+    }
+}
+
+void GLView_BandDecorator::UpdateEffect() {
+    const bool on = toggle_->IsOn();
+    const float type = GetParameter(firstPort + kType);
+    controls_[kType]->enabled = on;
+    controls_[kGain]->enabled = on && Uses(PlanOf(index).usesGain, type);
+    controls_[kQ]->enabled = on && Uses(PlanOf(index).usesQ, type);
+    controls_[kFrequency]->enabled = on;
+}
+
+void GLView_BandDecorator::ParameterChanged(uint32_t parameter) {
+    if (parameter >= firstPort && parameter < firstPort + kControlCount) {
+        UpdateEffect();
+    }
+    GLView_DecoratorBox::ParameterChanged(parameter);
+}
+
+void GLView_BandDecorator::ShowInfoAt(GLPoint point) {
+    graph_.selectedHandle = index;
+    GLView_DecoratorBox::ShowInfoAt(point);
+}
+
+void GLView_BandDecorator::DrawFront() {
+    const Look look(*this);
+    EnterView(*this);
+    if (graph_.selectedHandle == index) {
+        (IsBand() ? kBandLamp : kAmber).ApplyFaded(toggle_->IsOn() ? 0.8f : 0.35f);
+        DrawOutline(look, hw, hh);
+    }
+    DrawChildrenFront();
+}
+
+}  // namespace brindle

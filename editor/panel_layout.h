@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: ISC
+/// Where the panel's pieces are, in interface points (1333 by 800 of them) from the panel's edges.
+#pragma once
+
+namespace brindle::layout {
+
+/// The top row: presets, help line, flat-all.
+inline constexpr float kHeaderBelowTop = 22.0f;
+inline constexpr float kPresetLabelLeft = 40.0f;
+inline constexpr float kFirstPresetLeft = 106.0f;
+inline constexpr float kPresetPitch = 111.0f;
+inline constexpr float kPresetWidth = 106.0f;
+inline constexpr float kPresetHeight = 16.0f;
+inline constexpr float kHelpLeft = 792.0f;
+inline constexpr float kFlatAllFromRight = 23.0f;
+inline constexpr float kFlatAllSize = 26.0f;
+
+/// The graph. Its margins are design pixels: the keyboard lies under its frequencies then.
+inline constexpr float kGraphMarginPixels = 40.0f;
+inline constexpr float kGraphTop = 78.0f;
+inline constexpr float kGraphHeight = 342.0f;
+inline constexpr float kHandleSize = 22.0f;
+
+/// The strips: two groups of four bands, and the two sections.
+inline constexpr float kFirstStripLeft = 125.0f;
+inline constexpr float kStripPitch = 87.0f;
+inline constexpr float kStripWidth = kStripPitch - 6.0f;
+inline constexpr float kGroupGap = 15.0f;
+inline constexpr float kStripBottom = 38.0f;
+inline constexpr float kStripTop = 230.0f;
+
+/// Meters on both sides, trim on the right.
+inline constexpr float kMeterInLeft = 80.0f;
+inline constexpr float kMeterOutLeft = 1253.0f;
+inline constexpr float kMeterWidth = 22.0f;
+inline constexpr float kMeterBottom = 48.0f;
+inline constexpr float kMeterTop = 208.0f;
+inline constexpr float kMeterLabelBottom = 228.0f;
+inline constexpr float kTrimLeft = 1052.0f;
+inline constexpr float kTrimWidth = 172.0f;
+inline constexpr float kTrimHeight = 28.0f;
+inline constexpr float kTrimBottom = 132.0f;
+inline constexpr float kTrimLabelBottom = 172.0f;
+
+/// Left edge of strip 0 to 9.
+constexpr float StripLeft(int strip) {
+    const int group = strip < 4 ? 0 : strip < 8 ? 1 : 2;
+    return kFirstStripLeft + kStripPitch * static_cast<float>(strip) +
+           kGroupGap * static_cast<float>(group);
+}
+
+}  // namespace brindle::layout
