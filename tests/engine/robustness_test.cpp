@@ -70,12 +70,27 @@ TEST(Entry, TakesTheLaterOfTwoMapsAndAsksForItsKeysInOrder) {
     LV2_Handle handle = descriptor(1)->instantiate(descriptor(1), 48000.0, "", features);
     ASSERT_NE(handle, nullptr);
     descriptor(1)->cleanup(handle);
-    EXPECT_TRUE(first.order().empty());
+    EXPECT_TRUE(first.requests().empty());
     const std::vector<std::string> keys = {
-        LV2_ATOM__eventTransfer, kEnableUiUri, kDisableUiUri, kMessageUri,
-        kSampleRateUri,          kPlotIdUri,   kPlotArrayUri};
-    ASSERT_GE(second.order().size(), keys.size());
-    EXPECT_TRUE(std::equal(keys.begin(), keys.end(), second.order().end() - 7));
+        LV2_ATOM__Blank, LV2_ATOM__Object,        LV2_ATOM__Vector, LV2_ATOM__Float,
+        LV2_ATOM__Int,   LV2_ATOM__eventTransfer, kEnableUiUri,     kDisableUiUri,
+        kMessageUri,     kSampleRateUri,          kPlotIdUri,       kPlotArrayUri};
+    const std::vector<std::string>& all = second.requests();
+    ASSERT_GT(all.size(), keys.size());
+    EXPECT_EQ(std::vector<std::string>(all.end() - static_cast<long>(keys.size()), all.end()),
+              keys);
+    EXPECT_EQ(all.front(), LV2_ATOM__Blank) << "the forge's types come before";
+}
+
+TEST(Entry, TakesRatesThatNoHostHas) {
+    for (double rate : {0.0, -48000.0, 1e-300, static_cast<double>(kNan), static_cast<double>(kInf),
+                        -static_cast<double>(kInf), 1e12}) {
+        SCOPED_TRACE(rate);
+        PluginHost host(2, rate);
+        set_usual_controls(host);
+        EXPECT_TRUE(all_finite(host.process(noise(2, 4096, 19))));
+        EXPECT_TRUE(std::isfinite(host.port(kMeterOutPort)));
+    }
 }
 
 TEST(Entry, IgnoresPortsOutsideTheTableAndOnesWithoutABuffer) {
@@ -138,7 +153,11 @@ TEST(Controls, OfAnyValueLeaveFiniteInputFinite) {
 }
 
 TEST(Controls, AreTruncatedAfterATenthIsAdded) {
-    const std::pair<float, float> kRows[] = {{2.95f, 3.0f}, {2.85f, 2.0f}, {0.95f, 1.0f}};
+    const std::pair<float, float> kRows[] = {{2.95f, 3.0f},
+                                             {2.85f, 2.0f},
+                                             {2.899f, 2.0f},
+                                             {0.95f, 1.0f},
+                                             {0.9f, 0.0f}};  // 0.9f is below 0.9
     for (const auto& [value, meant] : kRows) {
         SCOPED_TRACE(value);
         PluginHost host(1, 48000.0), plain(1, 48000.0);

@@ -5,6 +5,7 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -36,16 +37,26 @@ class Session {
         }
     }
 
-    /// One block of `n` samples; false where the outputs or meters differ.
+    /// A strip's five controls, from its first port on.
+    void set_strip(uint32_t number, const std::array<float, kControlCount>& values) {
+        for (float value : values) set(number++, value);
+    }
+
+    /// One block of `n` samples of noise or silence; false where the outputs or meters differ.
     ::testing::AssertionResult run(uint32_t n) {
-        const auto channels = static_cast<size_t>(product_.channels());
-        Audio in(channels, std::vector<float>(n));
         const float peak = below(8) == 0 ? 0.0f : 1.0f;
         std::uniform_real_distribution<float> level(-peak, peak);
+        Audio in(static_cast<size_t>(product_.channels()), std::vector<float>(n));
         for (auto& channel : in) {
             std::generate(channel.begin(), channel.end(), [&] { return level(random_); });
         }
-        Audio expected(channels, std::vector<float>(n));
+        return run(in);
+    }
+
+    /// The same of a block of given audio.
+    ::testing::AssertionResult run(const Audio& in) {
+        const auto n = static_cast<uint32_t>(in[0].size());
+        Audio expected(in.size(), std::vector<float>(n));
         plain_.run(in, expected, static_cast<int>(n));
         run_product(in, n);
         return compare(expected, n);
@@ -214,6 +225,25 @@ TEST_P(RunBits, AreThoseOfThePlainCascadeAfterBursts) {
             EXPECT_LT(left_the_numbers, 1000u);
         }
     }
+}
+
+// What the tiny addends of the crossfades leave, shown by a signal that drowns the dither: a
+// high-pass holds all of it back but the share of the plain signal that `dry` has grown to; once it
+// ends, a low-pass that is long off still sounds with what `wet` has fallen to.
+TEST_P(RunBits, AreThoseOfThePlainEngineWhereOnlyTheAddendsSound) {
+    constexpr float kLoud = 1e15f;
+    constexpr uint32_t kBlock = 8192;
+    constexpr int kFading = 2200 * 64 / kBlock;  // 0.98 a tick: 2200 ticks leave 1e-19
+    Session session(1, 48000.0, 0);
+    for (uint32_t number = band_port(0); number < kTrimPort; number += kControlCount) {
+        session.set_strip(number, {0.0f, 0.0f, 0.0f, 1000.0f, 1.0f});
+    }
+    session.set_strip(band_port(0), {0.0f, 1.0f, 0.0f, 20.0f, 1.0f});
+    session.set_strip(band_port(1), {1.0f, 2.0f, 0.0f, 1000.0f, 1.0f});
+    for (int block = 0; block <= kFading; ++block) {
+        ASSERT_TRUE(session.run({std::vector<float>(kBlock, kLoud)})) << "block " << block;
+    }
+    EXPECT_TRUE(session.run({std::vector<float>(kBlock, 0.0f)}));
 }
 
 INSTANTIATE_TEST_SUITE_P(EachInstructionSet, RunBits,

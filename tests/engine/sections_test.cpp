@@ -54,15 +54,29 @@ TEST(Sections, OddDigitsAreMeant) {
 }
 
 TEST(Sections, MoveTheirStagesFrequency) {
-    const auto hp36 = apply(code(SectionType::HighPass36), 0.0f, 1000.0f, 1.0f);
-    const auto lp48 = apply(code(SectionType::LowPass48), 0.0f, 15000.0f, 1.0f);
-    const auto flat = apply(18, 0.0f, 1000.0f, 1.0f);
-    const auto negative = apply(-3, 0.0f, 1000.0f, 1.0f);
-    for (size_t i = 0; i < kSectionStages; ++i) {
-        EXPECT_EQ(hp36[i].freq_target, 750.0);
-        EXPECT_EQ(lp48[i].freq_target, 20000.0);
-        EXPECT_EQ(flat[i].type, 0);
-        EXPECT_EQ(negative[i].type, 0);
+    const struct {
+        SectionType type;
+        float asked_hz;
+        double stages_hz;
+    } kRows[] = {
+        {SectionType::HighPass12, 1000.0f, 1000.0},   {SectionType::HighPass24, 1000.0f, 880.0},
+        {SectionType::HighPass36, 1000.0f, 750.0},    {SectionType::HighPass48, 1000.0f, 700.0},
+        {SectionType::LowPass12, 1000.0f, 1000.0},    {SectionType::LowPass24, 1000.0f, 1200.0},
+        {SectionType::LowPass36, 1000.0f, 1400.0},    {SectionType::LowPass48, 1000.0f, 1500.0},
+        {SectionType::LowPass12, 20500.0f, 20500.0},  {SectionType::LowPass24, 17000.0f, 20000.0},
+        {SectionType::LowPass36, 15000.0f, 20000.0},  {SectionType::LowPass48, 15000.0f, 20000.0},
+        {SectionType::HighPass24, 25000.0f, 22000.0}, {SectionType::HiShelf24, 20500.0f, 20500.0}};
+    for (const auto& row : kRows) {
+        SCOPED_TRACE(kSectionTypeLabels[static_cast<size_t>(row.type)].name);
+        for (const FilterStage& stage : apply(code(row.type), 0.0f, row.asked_hz, 1.0f)) {
+            EXPECT_EQ(stage.freq_target, row.stages_hz);
+        }
+    }
+}
+
+TEST(Sections, OfUnknownTypeAreFlat) {
+    for (int32_t type : {18, 1000, -1, -3}) {
+        for (const FilterStage& stage : apply(type, 6.0f, 1000.0f, 1.0f)) EXPECT_EQ(stage.type, 0);
     }
 }
 

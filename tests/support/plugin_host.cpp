@@ -36,6 +36,7 @@ const LV2_Descriptor* descriptor(uint32_t index) {
 UridMap::UridMap() : map_{this, map_uri}, feature_{LV2_URID__map, &map_} {}
 
 LV2_URID UridMap::operator()(const std::string& uri) {
+    requests_.push_back(uri);
     const auto [place, is_new] = ids_.try_emplace(uri, static_cast<LV2_URID>(ids_.size() + 1));
     if (is_new) order_.push_back(uri);
     return place->second;

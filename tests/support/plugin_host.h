@@ -31,10 +31,13 @@ class UridMap {
     LV2_URID operator()(const std::string& uri);
     const LV2_Feature* feature() const { return &feature_; }
     const std::vector<std::string>& order() const { return order_; }
+    /// The same with what was asked for again.
+    const std::vector<std::string>& requests() const { return requests_; }
 
   private:
     std::map<std::string, LV2_URID> ids_;
     std::vector<std::string> order_;
+    std::vector<std::string> requests_;
     LV2_URID_Map map_;
     LV2_Feature feature_;
 };
