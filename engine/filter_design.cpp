@@ -134,8 +134,7 @@ Coefficients design_bell(const Prototype& proto) noexcept {
     return {b0, h / 2.0, -B / (4.0 * b0), d.a1, d.a2};
 }
 
-Coefficients design_search(const Prototype& proto) noexcept {
-    const Prototype p = above_rounding(proto);
+Coefficients design_search(const Prototype& p) noexcept {
     const MatchedPoles d = matched_poles_with_gain(p);
     const double v = 2.0 * p.freq * p.dt;  // frequency as a share of Nyquist
     const double at_nyquist = -0.5 * d.P1 * v / d.Q;
