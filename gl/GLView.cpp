@@ -6,6 +6,7 @@
 #include <cstring>
 #include <vector>
 
+#include "gl/drawing.h"
 #include "gl/gl.h"
 #include "gl/info_format.h"
 
@@ -31,9 +32,8 @@ void DrawEachChild(const GLView& view, void (GLView::*pass)()) {
         children.push_back(child);
     }
     for (GLView* child : children) {
-        glPushMatrix();
+        const MatrixScope matrix;
         (child->*pass)();
-        glPopMatrix();
     }
 }
 

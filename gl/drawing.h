@@ -38,7 +38,7 @@ void DrawText(const GLResources* resources, const char* text, int alignment);
 /// by (0.1, -0.1).
 void DrawTextShadow(const GLResources* resources, const char* text, int alignment);
 
-/// Width in text units that `DrawText` aligns by.
+/// Width in text units that `DrawText` aligns by; 0 for null.
 float TextWidth(const char* text);
 
 /// An image over the square from -1 to 1, loaded when it was not.

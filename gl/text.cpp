@@ -14,6 +14,9 @@ size_t GlyphIndex(char character) {
 
 float TextWidth(const char* text) {
     constexpr int kLongest = 32767;
+    if (text == nullptr) {
+        return 0.0f;
+    }
     float width = 0.0f;
     for (int i = 0; i < kLongest && text[i] != '\0'; ++i) {
         const size_t k = GlyphIndex(text[i]);
