@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 namespace brindle {
 namespace {
 
@@ -18,6 +20,16 @@ TEST(Animator, EasesAlongEachSegmentInTurn) {
     EXPECT_EQ(slide.At(1.25f).progress, -1.0f);
     EXPECT_EQ(slide.At(1.25f).position.x, 0.0f);
     EXPECT_EQ(GLAnimator_Translator().At(0.0f).progress, -1.0f);
+}
+
+TEST(Animator, PulseFollowsTheProcessorTime) {
+    // Rounding to milliseconds must not matter beside the time used.
+    while (std::clock() < CLOCKS_PER_SEC / 5) {
+    }
+    const auto used_ms = 1000.0f * static_cast<float>(std::clock()) / CLOCKS_PER_SEC;
+    EXPECT_NEAR(Pulse(used_ms * 4.0f), 1.0f, 0.02f);         // a quarter of the period is over
+    EXPECT_NEAR(Pulse(used_ms * 4.0f / 3.0f), 0.0f, 0.02f);  // three quarters
+    EXPECT_NEAR(Pulse(used_ms * 2.0f / 3.0f), 0.5f, 0.1f);   // one and a half
 }
 
 TEST(Animator, PulseStaysInRangeForAnyPeriod) {

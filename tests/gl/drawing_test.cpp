@@ -108,6 +108,7 @@ TEST_F(Drawing, TextWithNothingToDrawDrawsNothing) {
     DrawText(nullptr, "10", kAlignLeft);
     DrawGlyph(resources.get(), kGlyphCount);
     EXPECT_TRUE(IsBlank());
+    EXPECT_EQ(TextWidth(nullptr), 0.0f);
 }
 
 TEST_F(Drawing, LettersStandUprightBetweenBaselineAndTop) {
@@ -324,6 +325,35 @@ TEST_F(Drawing, ImagesAreLoadedOnceAndOnlyBelow512) {
     EXPECT_EQ(resources->Image(102), again);
     DrawImage(resources.get(), 150);  // over the square from -1 to 1
     EXPECT_EQ(InkColumns(), std::pair(-1, 1));
+}
+
+TEST_F(Drawing, ChainsAreLevelsOfOneTextureAndGapsAreLeftOut) {
+    const auto width_at = [](GLuint texture, int level) {
+        int width = 0;
+        glBindTexture(GL_TEXTURE_2D, texture);
+        glGetTexLevelParameteriv(GL_TEXTURE_2D, level, GL_TEXTURE_WIDTH, &width);
+        return width;
+    };
+    EXPECT_EQ(width_at(resources->mipTexture150, 5), 8);
+    EXPECT_EQ(width_at(resources->mipTexture160, 5), 8);
+    EXPECT_EQ(width_at(resources->mipTexture250, 3), 16);
+    EXPECT_EQ(width_at(resources->mipTexture318, 3), 16);
+    // In a small disc, a pixel on the edge (x from -4 to -3, y from -2 to -1, radius 3.875) has the
+    // part that lies inside; the large level has full ink at its middle.
+    DrawDisc(resources.get(), 4.0f, 4.0f);
+    EXPECT_NEAR(Red(-3.5f, -1.5f), 255 * 0.56, 8);
+
+    // Levels 10 to 15 of this chain are pictures, and level 20, which no texture has.
+    ::testing::internal::CaptureStdout();
+    const GLuint sparse = resources->LoadMipmappedTexture(140, 21);
+    const std::string said = ::testing::internal::GetCapturedStdout();
+    EXPECT_EQ(width_at(sparse, 0), 0);
+    EXPECT_NE(said.find("File not found : " BRINDLE_BUNDLE "/res/images/img_140.bmp\n"),
+              std::string::npos);
+    EXPECT_NE(said.find("ConvertBitmapToGLTexture, Error 1281 processing file " BRINDLE_BUNDLE
+                        "/res/images/img_160.bmp\n"),
+              std::string::npos);
+    EXPECT_EQ(resources->images[140], sparse);
 }
 
 TEST_F(Drawing, ResourcesDeleteTheirTextures) {

@@ -227,6 +227,39 @@ TEST_F(Tree, ServicesReachThePageFromAnyDepth) {
     EXPECT_FALSE(b->visible);
 }
 
+TEST_F(Tree, EachQueryGetsItsOwnAnswer) {
+    page->pageWidth = 2.0f;
+    page->pageHeight = 3.0f;
+    page->interfaceScale = 4.0f;
+    page->viewRight = 5.0f;
+    page->viewTop = 6.0f;
+    page->pixelSize = 7.0f;
+    const std::pair<float (GLView::*)(), float> sizes[] = {
+        {&GLView::GetPageWidth, 2.0f},      {&GLView::GetPageHeight, 3.0f},
+        {&GLView::GetInterfaceScale, 4.0f}, {&GLView::GetViewRight, 5.0f},
+        {&GLView::GetViewLeft, -5.0f},      {&GLView::GetViewTop, 6.0f},
+        {&GLView::GetViewBottom, -6.0f},    {&GLView::GetPixelSize, 7.0f},
+    };
+    for (const auto& [query, answer] : sizes) {
+        EXPECT_EQ((c->*query)(), answer);
+    }
+    EXPECT_EQ(c->GetBackgroundColor().red, kCream.red);
+    EXPECT_EQ(c->GetContrastColor().red, kAmber.red);
+    page->resetPress = true;
+    page->pressedButton = 3;
+    page->eventTime = 99;
+    page->boxy = true;
+    EXPECT_TRUE(c->IsResetPress());
+    EXPECT_EQ(c->GetPressedButton(), 3);
+    EXPECT_EQ(c->GetEventTime(), 99u);
+    EXPECT_TRUE(c->IsBoxy());
+    EXPECT_FALSE(c->IsFlat());
+    page->boxy = false;
+    page->flat = true;
+    EXPECT_FALSE(c->IsBoxy());
+    EXPECT_TRUE(c->IsFlat());
+}
+
 TEST(View, WithoutAPageItSaysSoAndServicesAnswerNothing) {
     GLView alone;
     ::testing::internal::CaptureStdout();
