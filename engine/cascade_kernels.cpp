@@ -61,10 +61,18 @@ class Pipeline {
         for (size_t i = 0; i < stretches.size(); ++i) {
             const auto [begin, weights] = stretches[i];
             const size_t end = i + 1 < stretches.size() ? stretches[i + 1].begin : n_ + kDelay;
-            const size_t passed = std::min(end, weights == before ? kDelay : begin + kDelay);
-            for (; step < passed; ++step) edge(step, begin, *before, *weights);
+            if (weights != before) {
+                const size_t passed = std::min(end, begin + kDelay);
+                if (begin >= kDelay && passed <= n_) {
+                    for (; step < passed; ++step) edge<false, true>(step, begin, *before, *weights);
+                } else {
+                    for (; step < passed; ++step) edge<true, true>(step, begin, *before, *weights);
+                }
+            }
+            const size_t filled = std::min(end, kDelay);
+            for (; step < filled; ++step) edge<true, false>(step, begin, *before, *weights);
             step = steady(step, std::min(end, n_), *weights);
-            for (; step < end; ++step) edge(step, begin, *weights, *weights);
+            for (; step < end; ++step) edge<true, false>(step, begin, *weights, *weights);
             before = weights;
         }
         store(states);
@@ -98,7 +106,11 @@ class Pipeline {
 
     /// Lanes of vector `p` that lie before stage `count` of the pipeline.
     static HWY_INLINE Mask before(size_t count, size_t p) {
-        return hn::FirstN(D(), count > p * kLanes ? count - p * kLanes : 0);
+        alignas(64) static constexpr int64_t kOnes[2 * kStageCount] = {
+            -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+        const size_t at = kStageCount - std::min(count, kStageCount) + p * kLanes;
+        const auto bits = hn::LoadU(hn::RebindToSigned<D>(), kOnes + at);
+        return hn::RebindMask(D(), hn::MaskFromVec(bits));
     }
 
     HWY_INLINE Weights weights_of(const CascadeWeights& weights) const {
@@ -174,20 +186,29 @@ class Pipeline {
     }
 
     /// A step at which not all stages have a sample, or not all have the same weights.
+    template <bool kMasked, bool kMixed>
     HWY_INLINE void edge(size_t step, size_t tick, const CascadeWeights& before_tick,
                          const CascadeWeights& after_tick) {
-        const size_t begun = step / kSkew + 1;
-        const size_t ended = step < n_ ? 0 : (step - n_) / kSkew + 1;
-        const size_t crossed = step < tick ? 0 : (step - tick) / kSkew + 1;
         V input[kChannels];
         for (size_t c = 0; c < kChannels; ++c) {
-            input[c] = step < n_ ? hn::Set(D(), static_cast<double>(in_[c][step])) : hn::Zero(D());
+            input[c] = !kMasked || step < n_ ? hn::Set(D(), static_cast<double>(in_[c][step]))
+                                             : hn::Zero(D());
         }
-        advance(mixed_weights(before_tick, after_tick, crossed), input,
-                [begun, ended](size_t p, V now, V next) HWY_ATTR {
-                    const Mask active = hn::AndNot(before(ended, p), before(begun, p));
-                    return hn::IfThenElse(active, next, now);
-                });
+        const size_t crossed = step < tick ? 0 : (step - tick) / kSkew + 1;
+        const Weights w =
+            kMixed ? mixed_weights(before_tick, after_tick, crossed) : weights_of(after_tick);
+        if constexpr (kMasked) {
+            const size_t begun = step / kSkew + 1;
+            const size_t ended = step < n_ ? 0 : (step - n_) / kSkew + 1;
+            Mask active[kVectors];
+            for (size_t p = 0; p < kVectors; ++p)
+                active[p] = hn::AndNot(before(ended, p), before(begun, p));
+            advance(w, input, [&active](size_t p, V now, V next) HWY_ATTR {
+                return hn::IfThenElse(active[p], next, now);
+            });
+        } else {
+            advance(w, input, [](size_t, V, V next) HWY_ATTR { return next; });
+        }
         if (step >= kDelay) put_out(step - kDelay);
     }
 
@@ -226,12 +247,13 @@ void run_passes(std::span<const Stretch> stretches, CascadeState* states, const 
     }
 }
 
-// Measured: a skew of 2 hides most of a stage's latency, except where two lanes a vector make so
-// many vectors that they hide it themselves. More than four vectors a channel spill out of the
-// registers.
+// Measured: a skew of 2 hides most of a stage's latency; where the stages of two channels take
+// eight vectors, these hide it themselves and a skew of 1 fills sooner. More vectors than four a
+// channel do not fit into the registers.
 CascadeKernels cascade_here() {
     constexpr size_t kVectors = std::min<size_t>(4, kStageCount / kLanes);
-    return {run_passes<2, kVectors, 1>, run_passes < kLanes == 2 ? 1 : 2, kVectors, 2 > };
+    constexpr size_t kStereoSkew = kVectors == 4 ? 1 : 2;
+    return {run_passes<2, kVectors, 1>, run_passes<kStereoSkew, kVectors, 2>};
 }
 
 #endif

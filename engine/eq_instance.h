@@ -12,6 +12,7 @@
 
 #include "engine/analyser.h"
 #include "engine/cascade.h"
+#include "engine/dither.h"
 #include "engine/eq_uris.h"
 #include "engine/filter_stage.h"
 #include "engine/sections.h"
@@ -29,6 +30,7 @@ struct alignas(64) Samples : std::array<float, kChunk> {};
 
 /// What run works on between reading a chunk of input and writing its output.
 struct Workspace {
+    alignas(64) std::array<float, kChunk + kDitherRoom> dither;
     std::array<Samples, 2> in, out;  ///< of each channel, before and after the cascade
     Samples in_square, out_square;   ///< of the loudest channel, weighted for the followers
 };

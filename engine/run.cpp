@@ -8,6 +8,7 @@
 
 #include "engine/cascade.h"
 #include "engine/controls.h"
+#include "engine/dither.h"
 #include "engine/eq_instance.h"
 #include "engine/messages.h"
 
@@ -34,27 +35,26 @@ constexpr size_t out_port(size_t channel) {
     return in_port(channel) + 1;
 }
 
-// The dither for the next sample: about 1e-6 at its peak, which keeps the recursions off denormal
-// numbers.
-void next_noise(EqInstance& eq) {
-    eq.noise_state = static_cast<int32_t>(static_cast<uint32_t>(eq.noise_state) * 16807u);
-    const auto state = static_cast<float>(eq.noise_state);
-    eq.noise = static_cast<float>(static_cast<double>(state) * 4.6566e-16);
-}
-
 // Dithers and trims the input from `begin` to `end` of the chunk that starts at `offset`.
 template <size_t kChannels>
 void take_input(EqInstance& eq, size_t offset, size_t begin, size_t end) {
-    Workspace& work = eq.work;
+    const float* left = eq.ports[in_port(0)] + offset;
+    const float* right = eq.ports[in_port(kChannels - 1)] + offset;
+    const float* dither = eq.work.dither.data();
+    float* trimmed_left = eq.work.in[0].data();
+    float* trimmed_right = eq.work.in[1].data();
+    float* square = eq.work.in_square.data();
+    const float trim = eq.trim_gain, take = eq.power_take;
     for (size_t i = begin; i < end; ++i) {
-        float square = 0.0f;
-        for (size_t channel = 0; channel < kChannels; ++channel) {
-            const float x = eq.ports[in_port(channel)][offset + i] + eq.noise;
-            square = channel == 0 ? x * x : std::max(square, x * x);
-            work.in[channel][i] = x * eq.trim_gain;
+        const float x = left[i] + dither[i];
+        trimmed_left[i] = x * trim;
+        float loudest = x * x;
+        if constexpr (kChannels == 2) {
+            const float x_right = right[i] + dither[i];
+            trimmed_right[i] = x_right * trim;
+            loudest = std::max(loudest, x_right * x_right);
         }
-        work.in_square[i] = eq.power_take * square;
-        next_noise(eq);
+        square[i] = take * loudest;
     }
 }
 
@@ -64,6 +64,7 @@ Stretches take_chunk(EqInstance& eq, size_t offset, size_t n) {
     Stretches stretches;
     stretches.count = 0;
     stretches.first_is_tick = (eq.sample_counter & eq.control_mask) == 0;
+    next_dither(eq.noise_state, eq.noise, eq.work.dither.data(), n);
     for (size_t begin = 0; begin < n;) {
         const size_t since_tick = (eq.sample_counter + begin) & eq.control_mask;
         if (since_tick == 0) control_tick(eq);
