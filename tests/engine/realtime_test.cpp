@@ -1,26 +1,20 @@
 // SPDX-License-Identifier: ISC
-// What run does on the audio thread beside computing: nothing. This program's own allocation and
-// locking functions take the place of the C library's and count their calls while a guard is up; a
-// child process whose system calls are forbidden shows that none is made.
-#include <dlfcn.h>
+// What run does on the audio thread beside computing: nothing. A guard counts calls of allocation
+// and locking functions; a child process whose system calls are forbidden shows that none is made.
 #include <gtest/gtest.h>
 #include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <lv2/atom/util.h>
-#include <pthread.h>
-#include <semaphore.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <csignal>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <mutex>
@@ -28,86 +22,8 @@
 #include <vector>
 
 #include "lv2/brindle.h"
+#include "tests/support/call_guard.h"
 #include "tests/support/plugin_host.h"
-
-namespace {
-
-bool guarded = false;
-int forbidden_calls = 0;
-
-void note_call() {
-    if (guarded) ++forbidden_calls;
-}
-
-template <typename Function>
-Function* next(const char* name) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-}  // namespace
-
-extern "C" {
-void* __libc_malloc(size_t size);
-void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* block, size_t size);
-void* __libc_memalign(size_t alignment, size_t size);
-void __libc_free(void* block);
-
-void* malloc(size_t size) {
-    note_call();
-    return __libc_malloc(size);
-}
-void* calloc(size_t count, size_t size) {
-    note_call();
-    return __libc_calloc(count, size);
-}
-void* realloc(void* block, size_t size) {
-    note_call();
-    return __libc_realloc(block, size);
-}
-void* aligned_alloc(size_t alignment, size_t size) {
-    note_call();
-    return __libc_memalign(alignment, size);
-}
-void* memalign(size_t alignment, size_t size) {
-    note_call();
-    return __libc_memalign(alignment, size);
-}
-int posix_memalign(void** block, size_t alignment, size_t size) {
-    note_call();
-    *block = __libc_memalign(alignment, size);
-    return *block ? 0 : ENOMEM;
-}
-void free(void* block) {
-    note_call();
-    __libc_free(block);
-}
-int pthread_mutex_lock(pthread_mutex_t* mutex) {
-    static auto* const real = next<int(pthread_mutex_t*)>("pthread_mutex_lock");
-    note_call();
-    return real(mutex);
-}
-int pthread_mutex_trylock(pthread_mutex_t* mutex) {
-    static auto* const real = next<int(pthread_mutex_t*)>("pthread_mutex_trylock");
-    note_call();
-    return real(mutex);
-}
-int pthread_rwlock_rdlock(pthread_rwlock_t* lock) {
-    static auto* const real = next<int(pthread_rwlock_t*)>("pthread_rwlock_rdlock");
-    note_call();
-    return real(lock);
-}
-int pthread_rwlock_wrlock(pthread_rwlock_t* lock) {
-    static auto* const real = next<int(pthread_rwlock_t*)>("pthread_rwlock_wrlock");
-    note_call();
-    return real(lock);
-}
-int sem_wait(sem_t* semaphore) {
-    static auto* const real = next<int(sem_t*)>("sem_wait");
-    note_call();
-    return real(semaphore);
-}
-}
 
 namespace brindle::test {
 namespace {
@@ -132,10 +48,9 @@ int verdict_on(const std::function<void()>& work) {
     const pid_t child = fork();
     if (child == 0) {
         if (!forbid_system_calls()) _exit(kCouldNotGuard);
-        guarded = true;
+        const CallGuard guard;
         work();
-        guarded = false;
-        _exit(forbidden_calls == 0 ? kQuiet : kCalledForbidden);
+        _exit(guard.calls() == 0 ? kQuiet : kCalledForbidden);
     }
     int status = 0;
     waitpid(child, &status, 0);

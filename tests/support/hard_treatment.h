@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: ISC
+/// What the programs share that treat the plugin badly at random: seeds, and how long they go on.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <random>
+
+namespace brindle::test {
+
+/// Seeded random choices.
+class Random {
+  public:
+    explicit Random(uint32_t seed) : engine_(seed) {}
+
+    /// 0..count-1.
+    uint32_t below(uint32_t count) { return static_cast<uint32_t>(engine_() % count); }
+    /// low..high, both included.
+    int between(int low, int high) {
+        return low + static_cast<int>(below(static_cast<uint32_t>(high - low + 1)));
+    }
+    bool one_in(uint32_t count) { return below(count) == 0; }
+    /// From low to high, evenly.
+    float real(float low, float high) {
+        return std::uniform_real_distribution<float>(low, high)(engine_);
+    }
+    template <typename List>
+    const auto& pick(const List& list) {
+        return list[below(static_cast<uint32_t>(std::size(list)))];
+    }
+
+  private:
+    std::mt19937 engine_;
+};
+
+/// Calls `life(random)` at least `lives` times, each with the next seed, and on until
+/// BRINDLE_SOAK_SECONDS (0) have passed or one has failed. The first seed is BRINDLE_SOAK_SEED (1),
+/// so that a life that failed is lived again alone.
+template <typename Life>
+void live(uint32_t lives, Life life) {
+    using Clock = std::chrono::steady_clock;
+    const auto setting = [](const char* name, uint32_t otherwise) {
+        const char* text = std::getenv(name);
+        return text ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
+    };
+    const uint32_t first = setting("BRINDLE_SOAK_SEED", 1);
+    const auto end = Clock::now() + std::chrono::seconds(setting("BRINDLE_SOAK_SECONDS", 0));
+    uint32_t lived = 0;
+    while (lived < lives || Clock::now() < end) {
+        SCOPED_TRACE(testing::Message() << "BRINDLE_SOAK_SEED=" << first + lived);
+        Random random(first + lived++);
+        life(random);
+        if (testing::Test::HasFailure()) return;
+    }
+    testing::Test::RecordProperty("lives", std::to_string(lived));
+}
+
+}  // namespace brindle::test
