@@ -20,6 +20,12 @@ GLView_MenuSelector::GLView_MenuSelector() {
     menu.visible = false;
 }
 
+GLView_MenuSelector::~GLView_MenuSelector() {
+    if (page != nullptr && menu.visible) {
+        page->CloseDialog(false);
+    }
+}
+
 void GLView_MenuSelector::AddItem(uint32_t port, float value, float width, const char* text) {
     page = Page();
     if (page == nullptr) {

@@ -12,6 +12,8 @@ namespace brindle {
 class GLView_MenuSelector : public GLView {
   public:
     GLView_MenuSelector();
+    /// Puts its menu away.
+    ~GLView_MenuSelector() override;
 
     /// Appends an entry; `width` is the whole menu's. Ignored while there is no page.
     virtual void AddItem(uint32_t port, float value, float width, const char* text);

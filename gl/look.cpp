@@ -15,6 +15,9 @@ constexpr GLColor kKeyColor{0.25f, 0.255f, 0.26f};
 constexpr GLColor kKeyDownColor{0.13f, 0.132f, 0.135f};
 constexpr GLColor kPopupColor{0.115f, 0.12f, 0.125f};
 constexpr GLColor kIdleColor{0.36f, 0.36f, 0.36f};
+/// Thickness of outlines in design points: a little over one pixel of a window of the design size,
+/// which has three pixels to four points. A thinner line falls between pixels here and there.
+constexpr float kOutline = 1.375f;
 
 void ApplyMixed(const GLColor& color, const GLColor& other, float share, float alpha) {
     glColor4f(color.red + (other.red - color.red) * share,
@@ -61,7 +64,7 @@ Look::Look(GLView& view)
       contrast(view.GetContrastColor()) {}
 
 float Look::Corner(float hh) const {
-    return std::min(hh, (boxy ? 1.0f : 5.0f) * s);
+    return std::min(hh, (boxy ? 1.0f : 4.0f * kOutline) * s);
 }
 
 GLColor Look::Accent(const GLColor& color) const {
@@ -72,7 +75,7 @@ GLColor Look::Accent(const GLColor& color) const {
 }
 
 float Look::TextAlpha() const {
-    return enabled || captured ? 0.8f : 0.3f;
+    return enabled || captured ? 0.8f : 0.45f;
 }
 
 void EnterView(const GLView& view) {
@@ -131,10 +134,10 @@ void DrawPopup(const Look& look, float hw, float hh) {
 
 void DrawOutline(const Look& look, float hw, float hh) {
     if (!look.boxy) {
-        DrawRoundFrame(look.resources, hw, hh, look.Corner(hh));
+        DrawRoundFrame(look.resources, hw, hh, look.Corner(hh));  // a quarter of the corner thick
         return;
     }
-    const float half = 0.5f * look.s;
+    const float half = 0.5f * kOutline * look.s;
     RectAt(0.0f, hh - half, hw, half);
     RectAt(0.0f, half - hh, hw, half);
     RectAt(half - hw, 0.0f, half, hh - 2.0f * half);

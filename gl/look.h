@@ -51,7 +51,7 @@ void DrawKey(const Look& look, float hw, float hh);
 void DrawPopup(const Look& look, float hw, float hh);
 /// What the pointer and the hold add around a control; over everything else, in the front pass.
 void DrawStateOutline(const Look& look, float hw, float hh);
-/// The edge of a part, one design point wide, in the current colour.
+/// The edge of a part in the current colour, visible on each side at the design size.
 void DrawOutline(const Look& look, float hw, float hh);
 
 /// A value on a horizontal track: normalised values from 0 at its left end to 1.

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "gl/GLResources.h"
 #include "gl/GLView_DB60Meter.h"
@@ -130,6 +131,39 @@ TEST_F(ControlPixels, AToggleThatIsOnGlowsInItsColour) {
         EXPECT_EQ(without_effect.green, without_effect.red);
         toggle.enabled = true;
     }
+}
+
+TEST_F(ControlPixels, TextsTellWhatIsOnAndWhatIsChosen) {
+    const auto extremes = [&](GLView& view) {  // darkest and brightest pixel around the middle
+        Show(view);
+        std::pair<int, int> found{765, 0};
+        for (float x = -6.0f; x < 7.0f; ++x) {
+            for (float y = -8.0f; y < -2.0f; ++y) {
+                found.first = std::min(found.first, BrightnessAt(x, y));
+                found.second = std::max(found.second, BrightnessAt(x, y));
+            }
+        }
+        return found;
+    };
+    SetStyle(false, true);  // without gloss and shadows
+    GLView_Toggle toggle;
+    toggle.SetSize(60.0f, 30.0f);
+    toggle.SetPort({}, 5);
+    toggle.SetColor(kGrey);
+    const auto dark = extremes(toggle);
+    toggle.SetText("B");
+    EXPECT_LT(extremes(toggle).first, dark.first - 60);
+    page.parameters[5] = 1.0f;
+    EXPECT_GT(extremes(toggle).second, 600);
+
+    GLView_MenuSelector selector;
+    selector.SetSize(60.0f, 30.0f);
+    selector.SetLabelSize(12.0f);
+    selector.parent = &page;
+    selector.AddItem(5, 1.0f, 80.0f, "HH");
+    EXPECT_GT(extremes(selector).second, 450);
+    page.parameters[5] = 2.0f;  // no entry has this value
+    EXPECT_LT(extremes(selector).second, 300);
 }
 
 TEST_F(ControlPixels, APressedToggleIsSmaller) {
@@ -267,6 +301,39 @@ TEST_F(ControlPixels, EveryStateLooksDifferent) {
             EXPECT_GT(difference(plain, held), 60);
             EXPECT_GT(difference(hovered, held), 60);
             EXPECT_GT(difference(plain, idle), 60);
+        }
+    }
+}
+
+TEST_F(ControlPixels, OutlinesHaveFourSidesWhereverTheyStand) {
+    page.interfaceScale = 0.75f;  // a window of the design size
+    GLView_PresetButton button;
+    button.SetSize(60.0f, 20.0f);
+    for (const bool boxy : {false, true}) {
+        SetStyle(boxy, false);
+        for (float part = 0.0f; part < 1.0f; part += 0.0625f) {
+            SCOPED_TRACE(::testing::Message() << part << (boxy ? " boxy" : ""));
+            button.SetPosition(part, part);
+            page.selectedView = nullptr;
+            const Picture plain = Show(button);
+            page.selectedView = &button;
+            const Picture hovered = Show(button);
+            // How much brighter the pixels across a side have become.
+            const auto gain = [&](float x, float y, bool upright) {
+                int most = 0;
+                for (int i = -2; i <= 2; ++i) {
+                    const int column = static_cast<int>(std::lround(x)) + (upright ? i : 0);
+                    const int row = static_cast<int>(std::lround(y)) + (upright ? 0 : i);
+                    most = std::max(most, Brightness(hovered.At(column, row)) -
+                                              Brightness(plain.At(column, row)));
+                }
+                return most;
+            };
+            constexpr float kMiddle = kSize / 2.0f;
+            EXPECT_GT(gain(kMiddle - 30.0f, kMiddle, true), 100);
+            EXPECT_GT(gain(kMiddle + 30.0f, kMiddle, true), 100);
+            EXPECT_GT(gain(kMiddle, kMiddle - 10.0f, false), 100);
+            EXPECT_GT(gain(kMiddle, kMiddle + 10.0f, false), 100);
         }
     }
 }

@@ -161,6 +161,13 @@ TEST_F(Menu, MarksTheEntryThatTheEngineReads) {
     }
 }
 
+TEST_F(Menu, GoesWithItsSelector) {
+    Opened();
+    page.RemoveChild(selector);
+    delete selector;
+    EXPECT_EQ(page.dialog, nullptr);
+}
+
 TEST_F(Menu, WithoutAPageThereIsNothingToOpen) {
     GLView_MenuSelector alone;
     alone.AddItem(kPort, 1.0f, 1.0f, "one");

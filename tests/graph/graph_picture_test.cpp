@@ -76,6 +76,34 @@ TEST_F(GraphPicture, TheCurveIsDrawnAtItsHeight) {
     EXPECT_LT(Brightness(At(X(60.0f), -1.0f * step)), 150);
 }
 
+TEST_F(GraphPicture, LinesHangBelowTheirLevelsAndEdgesAreShaded) {
+    const GraphLook look = graph->Look();
+    const float step = graph->hh / 18.0f;
+    const int ground = Brightness(At(0.0f, M(20.0f)));
+    DrawLevelLines(look);
+    for (float db = -18.0f; db <= 18.0f; db += 3.0f) {
+        const auto isLine = [&](float m) {
+            return Brightness(At(0.0f, db * step + M(m))) > ground;
+        };
+        EXPECT_EQ(isLine(-0.5f), db != 0.0f) << db;
+        EXPECT_EQ(isLine(-1.5f), db != 0.0f) << db;
+        EXPECT_FALSE(isLine(0.5f) || isLine(-2.5f)) << db;
+    }
+    glClearColor(1.0f, 1.0f, 1.0f, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    DrawEdgeShading(look);
+    const float edge = graph->hh + 0.01f;
+    for (const float side : {-1.0f, 1.0f}) {
+        EXPECT_NEAR(At(side * (graph->hw - 0.01f), 0.0f).red, 128, 12);
+        EXPECT_EQ(At(side * (graph->hw - 0.022f), 0.0f).red, 255);
+        EXPECT_EQ(At(side * (graph->hw + 0.002f), 0.0f).red, 255);
+        EXPECT_NEAR(At(0.0f, side * 0.75f * edge).red, 128, 4);
+        EXPECT_EQ(At(0.0f, side * 0.49f * edge).red, 255);
+        EXPECT_LT(At(side * (graph->hw - 0.001f), graph->hh + 0.048f).red, 30);
+        EXPECT_EQ(At(side * (graph->hw - 0.001f), graph->hh + 0.052f).red, 255);
+    }
+}
+
 TEST_F(GraphPicture, NothingIsPlottedBeforeTheFirstChange) {
     GLView_ParametricEQ fresh;
     fresh.SetSize(2.0f * graph->hw, 2.0f * graph->hh);
@@ -131,6 +159,12 @@ TEST_F(GraphPicture, TheStripShowsRowsWhereTheyHaveLevels) {
     EXPECT_LT(faint, dark + 160);
     EXPECT_EQ(Brightness(At(column(190), newest)), dark);
     EXPECT_GT(Brightness(At(column(190), newest + M(7 * 0.92f))), 500);
+
+    for (auto& row : graph->spectrum.rows) row.fill(0.0f);
+    Clear();
+    DrawSpectrum(graph->spectrum, look);  // its oldest rows fade into the panel
+    EXPECT_LT(Brightness(At(0.0f, -graph->hh - M(13.25f))), 250);
+    EXPECT_GT(Brightness(At(0.0f, -graph->hh - M(22.5f))), 550);
 }
 
 TEST_F(GraphPicture, KeysStandUnderTheirFrequencies) {
@@ -147,6 +181,59 @@ TEST_F(GraphPicture, KeysStandUnderTheirFrequencies) {
     // White keys stand between the black ones' tops and their own lower ends.
     EXPECT_GT(At(X(440.0f), -graph->hh - M(72.0f)).red, 90);
     EXPECT_LT(At(X(440.0f), -graph->hh - M(79.0f)).red, 50);
+}
+
+TEST_F(GraphPicture, FrameLabelsAndRingsStandAroundWhatTheyBelongTo) {
+    const float top = graph->hh + M(32.0f);
+    const float bottom = -graph->hh - M(112.0f);
+    graph->selectedHandle = 3;
+    glClearColor(1.0f, 1.0f, 1.0f, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    Pass(&GLView::DrawBack);
+    for (const float side : {-1.0f, 1.0f}) {
+        EXPECT_LT(At(side * (graph->hw + M(31.0f)), 0.0f).red, 60);
+        EXPECT_EQ(At(side * (graph->hw + M(33.0f)), 0.0f).red, 255);
+    }
+    EXPECT_LT(At(0.0f, top - M(1.0f)).red, 60);
+    EXPECT_EQ(At(0.0f, top + M(1.0f)).red, 255);
+    EXPECT_LT(At(0.0f, bottom + M(1.0f)).red, 60);
+    EXPECT_EQ(At(0.0f, bottom - M(1.0f)).red, 255);
+    // The bottom of a white key under A4, which stands between black ones.
+    EXPECT_GT(At(X(440.0f), -graph->hh - M(77.5f)).red, 120);  // its border
+    EXPECT_LT(At(X(440.0f), -graph->hh - M(78.5f)).red, 60);
+
+    Clear();
+    Pass(&GLView::Draw);
+    const float line_y = -9.0f / 18.0f * graph->hh - M(1.0f);
+    EXPECT_LT(2 * Brightness(At(M(2.0f) - graph->hw, line_y)), Brightness(At(0.0f, line_y)));
+    const float label_y = 6.0f / 18.0f * graph->hh;
+    const auto textWidth = [&](float from_m, float to_m) {
+        int lit = 0;
+        for (float x = from_m; x < to_m; x += 0.5f) {
+            int brightest = 0;
+            for (float y = -5.0f; y < 5.0f; y += 0.5f) {
+                brightest = std::max(brightest, Brightness(At(M(x), label_y + M(y))));
+            }
+            lit += brightest > 250 ? 1 : 0;
+        }
+        return lit;
+    };
+    const float edge_m = graph->hw / M(1.0f);
+    EXPECT_GT(textWidth(edge_m + 6.0f, edge_m + 16.0f), 5);
+    EXPECT_EQ(textWidth(edge_m + 16.0f, edge_m + 30.0f), 0);
+    EXPECT_GT(textWidth(-edge_m - 16.0f, -edge_m - 6.0f), 5);
+    EXPECT_EQ(textWidth(-edge_m - 30.0f, -edge_m - 16.0f), 0);
+
+    Clear();
+    Pass(&GLView::DrawFront);
+    const GLPoint place = handles[3]->Place();
+    const auto ring = [&](float fromRim) {
+        return Brightness(At(place.x, place.y + handles[3]->hh - M(fromRim)));
+    };
+    const int ground = Brightness(At(0.0f, graph->hh / 2.0f));
+    EXPECT_GT(ring(0.5f), ground + 40);
+    EXPECT_EQ(ring(2.5f), ground);
+    EXPECT_GT(ring(4.5f), ground + 40);
 }
 
 TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
@@ -177,6 +264,21 @@ TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
     // A bar leads from the selected handle to its marker, from no other one.
     EXPECT_TRUE(At(handles[3]->Place().x, -graph->hh - M(30.0f)).green > 90);
     EXPECT_FALSE(At(handles[4]->Place().x, -graph->hh - M(30.0f)).green > 90);
+    // So do a note and, below it, a frequency in the foreground colour.
+    const auto hasText = [&](int handle, float m) {
+        int brightest = 0;
+        for (float x = -8.0f; x < 8.0f; x += 0.25f) {
+            const Pixel p =
+                At(handles[static_cast<size_t>(handle)]->Place().x + M(x), -graph->hh - M(m));
+            brightest = std::max(brightest, Brightness(p));
+        }
+        return brightest > 450;
+    };
+    for (const float line : {88.0f, 99.9f}) {
+        EXPECT_TRUE(hasText(3, line)) << line;
+        EXPECT_FALSE(hasText(4, line)) << line;
+    }
+    for (const float gap : {82.0f, 94.0f, 106.0f}) EXPECT_FALSE(hasText(3, gap)) << gap;
 }
 
 TEST_F(GraphPicture, LeavesTheStateOfGLAsItWas) {

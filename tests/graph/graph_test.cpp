@@ -98,8 +98,8 @@ TEST_F(Graph, OnlyHandlesAndTheirMarkersTakeThePointer) {
     EXPECT_TRUE(hit(other - 0.99f * reach, marker));
     EXPECT_EQ(graph->selectedHandle, 6);
     EXPECT_FALSE(hit(other - 1.01f * reach, marker));
-    EXPECT_FALSE(hit(other, -graph->hh - 33.0f * m));
-    EXPECT_FALSE(hit(other, -graph->hh - 55.0f * m));
+    for (const float y : {34.5f, 53.5f}) EXPECT_TRUE(hit(other, -graph->hh - y * m)) << y;
+    for (const float y : {33.5f, 54.5f}) EXPECT_FALSE(hit(other, -graph->hh - y * m)) << y;
 
     page.Report(Port(6, kEnable), 0.0f);
     EXPECT_FALSE(hit(other, marker));

@@ -85,6 +85,12 @@ TEST_F(Handles, ADragStepFollowsTheFormula) {
     page.modifiers = 4;  // Alt is not fine
     Drag({start.x + 30.0f, start.y - 12.0f});
     EXPECT_NEAR(Value(3, kFrequency), 800.0f * std::pow(1000.0f, 2 * 0.0108f + 0.00108f), 0.01f);
+    Release();
+    page.modifiers = 0;
+    Set(3, {1.0f, 9.0f, -12.0f, 800.0f, 1.0f});
+    const GLPoint low = PressHandle(3);
+    Drag({low.x, low.y - 6.0f});
+    EXPECT_NEAR(Value(3, kGain), -12.0f + 0.024f * 36.0f, 1e-4f);
 }
 
 TEST_F(Handles, GoOnFromTheLastPlaceInRange) {
@@ -134,6 +140,13 @@ TEST_F(Handles, ASearchKeepsTypesWithoutACentreAndLeavesSectionsAsTheyAre) {
     Release();
     EXPECT_THAT(TakeWrites()[0], Wrote(3, 5.0f));
 
+    Set(0, {1.0f, 8.95f, 3.0f, 100.0f, 1.0f});  // a Bell, as the engine reads it
+    page.eventTime += 10000;
+    PressMarker(0);
+    EXPECT_THAT(TakeWrites()[0], Wrote(3, 10.0f));
+    Release();
+    EXPECT_THAT(TakeWrites()[0], Wrote(3, 9.0f));
+
     Set(8, {1.0f, 13.0f, 6.0f, 60.0f, 1.0f});
     page.eventTime += 10000;
     PressMarker(8);
@@ -151,6 +164,23 @@ TEST_F(Handles, OnlyTheMiddleOfTheMarkerStripSearches) {
         Release();
     }
     EXPECT_THAT(TakeWrites(), ElementsAre());
+    for (const float y : {-36.5f, -47.5f}) {
+        Press({x, -graph->hh + y * m});
+        EXPECT_TRUE(handles[2]->IsSearching()) << y;
+        Release();
+    }
+}
+
+TEST_F(Handles, ADragRightAfterASearchGoesOnFromTheGainBeforeIt) {
+    Set(3, {1.0f, 9.0f, -6.0f, 800.0f, 1.0f});
+    PressMarker(3);
+    Echo();
+    echoes = false;
+    Release();
+    page.eventTime += 90;  // the host still reports the 10 dB of the search
+    const GLPoint start = PressHandle(3);
+    Drag({start.x, start.y - 6.0f});
+    EXPECT_NEAR(host.calls.back().value, -6.0f + 0.024f * 36.0f, 1e-4f);
 }
 
 /// However a search ends, everything is as before it.
@@ -196,9 +226,9 @@ TEST_F(Handles, NoSearchLeavesThePluginMuted) {
             if (!late) Echo();
             EXPECT_TRUE(handles[2]->IsSearching());
             end(*this);
-            page.ReleaseAll();
             Echo();
             EXPECT_EQ(page.parameters, before);
+            page.ReleaseAll();
         }
     }
 }

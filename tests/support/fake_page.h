@@ -14,6 +14,9 @@ namespace brindle {
 
 class FakePage : public GLView {
   public:
+    /// The children may still ask for the page's services while they go.
+    ~FakePage() override { FakePage::DeleteChildren(); }
+
     GLView* Page() override { return this; }
 
     void SendParameter(uint32_t index, float value) override { sent.emplace_back(index, value); }
