@@ -112,6 +112,10 @@ TEST_F(Knob, TheNextStepStartsFromWhatTheHostReported) {
     EXPECT_FLOAT_EQ(knob->dragStart.x, 100.0f);
     Drag(0.0f, -110.0f);
     EXPECT_NEAR(LastWrite(), 9.0f + 1.08f, 1e-4f);
+    knob->MouseUp({});
+    knob->MouseDown({}, {7.0f, 8.0f});
+    page.Report(kPort, 0.0f);  // before the pointer has moved
+    EXPECT_FLOAT_EQ(knob->dragStart.y, 8.0f);
 }
 
 TEST_F(Knob, ModifiersMakeDragAndWheelTenTimesFiner) {
