@@ -30,49 +30,45 @@ namespace hn = hwy::HWY_NAMESPACE;
 using D = hn::CappedTag<double, 8>;
 using F = hn::Rebind<float, D>;
 using V = hn::Vec<D>;
+using VF = hn::Vec<F>;
 constexpr size_t kLanes = hn::MaxLanes(D());
 
 HWY_INLINE V round_to_float(V x) {
     return hn::PromoteTo(D(), hn::DemoteTo(F(), x));
 }
 
-/// Where the pipeline stands at a step: its stage k works on sample step - k·skew.
-struct Step {
-    size_t begun;    // stages, from the first on, that have begun
-    size_t ended;    // stages that have seen the last sample
-    size_t crossed;  // stages that have passed the beginning of the newest stretch
-};
-
-/// `kVectors` vectors of stages, from the `first` on, over `kChannels` channels.
+/// `kVectors` vectors of stages, from the `first` on, over `kChannels` channels. At a step, stage k
+/// of them works on sample step - k·kSkew.
 template <size_t kSkew, size_t kVectors, size_t kChannels>
 class Pipeline {
   public:
     /// Steps from a sample's entrance to its leaving.
     static constexpr size_t kDelay = kSkew * (kVectors * kLanes - 1);
     static_assert(kDelay <= kMinStretch, "two ticks at once in the pipeline");
+    static_assert(kSkew == 1 || kSkew == 2, "steps have one or two phases");
 
     HWY_INLINE Pipeline(size_t first, const float* const* in, float* const* out, size_t n)
         : first_(first), in_(in), out_(out), n_(n) {}
 
     HWY_INLINE void run(std::span<const Stretch> stretches, CascadeState* states) {
         load(states);
-        size_t step = 0;
         const CascadeWeights* before = stretches[0].weights;
         for (size_t i = 0; i < stretches.size(); ++i) {
             const auto [begin, weights] = stretches[i];
             const size_t end = i + 1 < stretches.size() ? stretches[i + 1].begin : n_ + kDelay;
             if (weights != before) {
+                // All stages have a sample, but at the ends of the block.
                 const size_t passed = std::min(end, begin + kDelay);
                 if (begin >= kDelay && passed <= n_) {
-                    for (; step < passed; ++step) edge<false, true>(step, begin, *before, *weights);
+                    edges<false, true>(passed, begin, *before, *weights);
                 } else {
-                    for (; step < passed; ++step) edge<true, true>(step, begin, *before, *weights);
+                    edges<true, true>(passed, begin, *before, *weights);
                 }
             }
-            const size_t filled = std::min(end, kDelay);
-            for (; step < filled; ++step) edge<true, false>(step, begin, *before, *weights);
-            step = steady(step, std::min(end, n_), *weights);
-            for (; step < end; ++step) edge<true, false>(step, begin, *weights, *weights);
+            const size_t whole = (step_ + kSkew - 1) / kSkew * kSkew;
+            edges<true, false>(std::min(end, std::max(kDelay, whole)), begin, *weights, *weights);
+            steady(std::min(end, n_), *weights);
+            edges<true, false>(end, begin, *weights, *weights);
             before = weights;
         }
         store(states);
@@ -90,7 +86,7 @@ class Pipeline {
             for (size_t p = 0; p < kVectors; ++p) {
                 s1_[c][p] = hn::Load(D(), &states[c].s1[first_ + p * kLanes]);
                 s2_[c][p] = hn::Load(D(), &states[c].s2[first_ + p * kLanes]);
-                for (size_t s = 0; s < kSkew; ++s) v_[s][c][p] = hn::Zero(D());
+                for (size_t s = 0; s < kSkew; ++s) left_[s][c][p] = hn::Zero(F());
             }
         }
     }
@@ -146,86 +142,106 @@ class Pipeline {
         return w;
     }
 
-    /// What enters the stages of vector `p`: the last stage's output of the vector before or
-    /// `input`, then its own but for the last.
-    HWY_INLINE V entering(size_t c, size_t p, V input) const {
-        alignas(64) static constexpr int64_t kTurn8[8] = {7, 0, 1, 2, 3, 4, 5, 6};
-        alignas(64) static constexpr int64_t kTurn4[4] = {3, 0, 1, 2};
-        alignas(64) static constexpr int64_t kTurn2[2] = {1, 0};
-        const int64_t* turn = kLanes == 8 ? kTurn8 : kLanes == 4 ? kTurn4 : kTurn2;
-        const auto turned = hn::SetTableIndices(D(), turn);
-        const V carry = p == 0 ? input : hn::TableLookupLanes(v_[0][c][p - 1], turned);
-        return hn::IfThenElse(hn::FirstN(D(), 1), carry, hn::TableLookupLanes(v_[0][c][p], turned));
+    /// What enters the stages of vector `p`: what left the stage before each, or `input`.
+    static HWY_INLINE V entering(const VF* left, size_t p, VF input) {
+        const VF before = p == 0 ? input : left[p - 1];
+        if constexpr (kLanes == 2) {
+            return hn::CombineShiftRightBytes<8>(D(), hn::PromoteTo(D(), left[p]),
+                                                 hn::PromoteTo(D(), before));
+        } else if constexpr (kLanes == 4) {
+            return hn::PromoteTo(D(), hn::CombineShiftRightBytes<12>(F(), left[p], before));
+        } else {
+            alignas(32) static constexpr int32_t kTurned[8] = {7, 0, 1, 2, 3, 4, 5, 6};
+            const auto turned = hn::SetTableIndices(F(), kTurned);
+            const VF first = hn::TableLookupLanes(before, turned);
+            const VF rest = hn::TableLookupLanes(left[p], turned);
+            return hn::PromoteTo(D(), hn::IfThenElse(hn::FirstN(F(), 1), first, rest));
+        }
     }
 
-    /// One step of all stages. `keep(p, now, next)` decides on the states of vector p.
-    template <typename Keep>
-    HWY_INLINE void advance(const Weights& w, const V* input, Keep keep) {
+    /// One step of all stages, the step's number being kPhase modulo kSkew. `keep(p, now, next)`
+    /// decides on the states of vector p.
+    template <size_t kPhase, typename Keep>
+    HWY_INLINE void advance(const Weights& w, const VF* input, Keep keep) {
         for (size_t c = 0; c < kChannels; ++c) {
+            VF* left = left_[kPhase][c];
             for (size_t p = kVectors; p-- > 0;) {
-                const V x = entering(c, p, input[c]);
+                const V x = entering(left, p, input[c]);
                 const V y = round_to_float(hn::Add(s1_[c][p], hn::Mul(w.b0[p], x)));
                 const V s1 = hn::Add(hn::Add(s2_[c][p], hn::Mul(w.b1[p], x)), hn::Mul(w.a1[p], y));
                 const V s2 = hn::Add(hn::Mul(w.b2[p], x), hn::Mul(w.a2[p], y));
                 s1_[c][p] = keep(p, s1_[c][p], s1);
                 s2_[c][p] = keep(p, s2_[c][p], s2);
-                left_[c][p] = round_to_float(hn::Add(hn::Mul(w.wet[p], y), hn::Mul(w.dry[p], x)));
-            }
-            for (size_t p = 0; p < kVectors; ++p) {
-                for (size_t s = 0; s + 1 < kSkew; ++s) v_[s][c][p] = v_[s + 1][c][p];
-                v_[kSkew - 1][c][p] = left_[c][p];
+                left[p] = hn::DemoteTo(F(), hn::Add(hn::Mul(w.wet[p], y), hn::Mul(w.dry[p], x)));
             }
         }
     }
 
+    template <size_t kPhase>
     HWY_INLINE void put_out(size_t sample) const {
         for (size_t c = 0; c < kChannels; ++c) {
-            out_[c][sample] =
-                static_cast<float>(hn::ExtractLane(left_[c][kVectors - 1], kLanes - 1));
+            out_[c][sample] = hn::ExtractLane(left_[kPhase][c][kVectors - 1], kLanes - 1);
         }
     }
 
-    /// A step at which not all stages have a sample, or not all have the same weights.
+    /// Steps up to `until` at which not all stages have a sample (kMasked), or not all have the
+    /// same weights (kMixed).
     template <bool kMasked, bool kMixed>
-    HWY_INLINE void edge(size_t step, size_t tick, const CascadeWeights& before_tick,
+    HWY_INLINE void edges(size_t until, size_t tick, const CascadeWeights& before_tick,
+                          const CascadeWeights& after_tick) {
+        for (; step_ < until; ++step_) {
+            if (step_ % kSkew == 0) {
+                edge<0, kMasked, kMixed>(tick, before_tick, after_tick);
+            } else {
+                edge<1 % kSkew, kMasked, kMixed>(tick, before_tick, after_tick);
+            }
+        }
+    }
+
+    template <size_t kPhase, bool kMasked, bool kMixed>
+    HWY_INLINE void edge(size_t tick, const CascadeWeights& before_tick,
                          const CascadeWeights& after_tick) {
-        V input[kChannels];
+        const size_t step = step_;
+        VF input[kChannels];
         for (size_t c = 0; c < kChannels; ++c) {
-            input[c] = !kMasked || step < n_ ? hn::Set(D(), static_cast<double>(in_[c][step]))
-                                             : hn::Zero(D());
+            const float x = !kMasked || step < n_ ? in_[c][step] : 0.0f;
+            input[c] = hn::Set(F(), x);
         }
         const size_t crossed = step < tick ? 0 : (step - tick) / kSkew + 1;
         const Weights w =
             kMixed ? mixed_weights(before_tick, after_tick, crossed) : weights_of(after_tick);
-        if constexpr (kMasked) {
-            const size_t begun = step / kSkew + 1;
-            const size_t ended = step < n_ ? 0 : (step - n_) / kSkew + 1;
-            Mask active[kVectors];
-            for (size_t p = 0; p < kVectors; ++p)
-                active[p] = hn::AndNot(before(ended, p), before(begun, p));
-            advance(w, input, [&active](size_t p, V now, V next) HWY_ATTR {
-                return hn::IfThenElse(active[p], next, now);
-            });
-        } else {
-            advance(w, input, [](size_t, V, V next) HWY_ATTR { return next; });
+        const size_t begun = kMasked ? step / kSkew + 1 : kStageCount;
+        const size_t ended = !kMasked || step < n_ ? 0 : (step - n_) / kSkew + 1;
+        Mask active[kVectors];
+        for (size_t p = 0; p < kVectors; ++p) {
+            active[p] = hn::AndNot(before(ended, p), before(begun, p));
         }
-        if (step >= kDelay) put_out(step - kDelay);
+        advance<kPhase>(w, input, [&active](size_t p, V now, V next) HWY_ATTR {
+            return kMasked ? hn::IfThenElse(active[p], next, now) : next;
+        });
+        if (step >= kDelay) put_out<kPhase>(step - kDelay);
     }
 
-    /// Steps at which nothing changes, a multiple of kSkew of them; returns the next step.
-    HWY_INLINE size_t steady(size_t step, size_t end, const CascadeWeights& weights) {
+    /// Steps up to `until`, or a few less, at which nothing changes.
+    HWY_INLINE void steady(size_t until, const CascadeWeights& weights) {
         const Weights w = weights_of(weights);
-        for (; step + kSkew <= end; step += kSkew) {
-            for (size_t s = 0; s < kSkew; ++s) {
-                V input[kChannels];
-                for (size_t c = 0; c < kChannels; ++c) {
-                    input[c] = hn::Set(D(), static_cast<double>(in_[c][step + s]));
-                }
-                advance(w, input, [](size_t, V, V next) HWY_ATTR { return next; });
-                put_out(step + s - kDelay);
-            }
+        if (step_ % kSkew != 0) return;
+        size_t step = step_;
+        for (; step + kSkew <= until; step += kSkew) {
+            steady_step<0>(step, w);
+            if constexpr (kSkew == 2) steady_step<1>(step + 1, w);
         }
-        return step;
+        step_ = step;
+    }
+
+    template <size_t kPhase>
+    HWY_INLINE void steady_step(size_t step, const Weights& w) {
+        VF input[kChannels];
+        for (size_t c = 0; c < kChannels; ++c) {
+            input[c] = hn::Set(F(), in_[c][step]);
+        }
+        advance<kPhase>(w, input, [](size_t, V, V next) HWY_ATTR { return next; });
+        put_out<kPhase>(step - kDelay);
     }
 
     size_t first_;
@@ -233,13 +249,13 @@ class Pipeline {
     float* const* out_;
     size_t n_;
     V s1_[kChannels][kVectors], s2_[kChannels][kVectors];
-    V v_[kSkew][kChannels][kVectors];  // what left each stage, the oldest first
-    V left_[kChannels][kVectors];      // what left each stage at the last step
+    VF left_[kSkew][kChannels][kVectors];  // what left the stages at the last steps, by their phase
+    size_t step_ = 0;
 };
 
 template <size_t kSkew, size_t kVectors, size_t kChannels>
-void run_passes(std::span<const Stretch> stretches, CascadeState* states, const float* const* in,
-                float* const* out, size_t n) noexcept {
+HWY_NOINLINE void run_passes(std::span<const Stretch> stretches, CascadeState* states,
+                             const float* const* in, float* const* out, size_t n) noexcept {
     constexpr size_t kStages = kVectors * kLanes;
     for (size_t first = 0; first < kStageCount; first += kStages) {
         Pipeline<kSkew, kVectors, kChannels> pipeline(first, first == 0 ? in : out, out, n);
@@ -247,13 +263,25 @@ void run_passes(std::span<const Stretch> stretches, CascadeState* states, const 
     }
 }
 
-// Measured: a skew of 2 hides most of a stage's latency; where the stages of two channels take
-// eight vectors, these hide it themselves and a skew of 1 fills sooner. More vectors than four a
-// channel do not fit into the registers.
+// More vectors than four a channel do not fit into the registers.
+constexpr size_t kVectors = std::min<size_t>(4, kStageCount / kLanes);
+
+/// Measured: a skew of 2 hides most of a stage's latency, and one of 1 fills sooner; where the
+/// stages of both channels take eight vectors, these hide it themselves, and short blocks gain by
+/// the latter.
+template <size_t kChannels>
+void run_cascade(std::span<const Stretch> stretches, CascadeState* states, const float* const* in,
+                 float* const* out, size_t n) noexcept {
+    constexpr size_t kShort = kChannels * kVectors == 8 ? 128 : 0;
+    if (n < kShort) {
+        run_passes<1, kVectors, kChannels>(stretches, states, in, out, n);
+    } else {
+        run_passes<2, kVectors, kChannels>(stretches, states, in, out, n);
+    }
+}
+
 CascadeKernels cascade_here() {
-    constexpr size_t kVectors = std::min<size_t>(4, kStageCount / kLanes);
-    constexpr size_t kStereoSkew = kVectors == 4 ? 1 : 2;
-    return {run_passes<2, kVectors, 1>, run_passes<kStereoSkew, kVectors, 2>};
+    return {run_cascade<1>, run_cascade<2>};
 }
 
 #endif
