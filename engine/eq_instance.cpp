@@ -60,6 +60,7 @@ EqInstance* create_instance(double rate, LV2_URID_Map* map) {
     init_stages(*eq, held);
     update_weights(*eq);
     eq->cascade = choose_cascade();
+    eq->loops = choose_sample_loops();
     return eq;
 }
 

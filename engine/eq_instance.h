@@ -12,9 +12,9 @@
 
 #include "engine/analyser.h"
 #include "engine/cascade.h"
-#include "engine/dither.h"
 #include "engine/eq_uris.h"
 #include "engine/filter_stage.h"
+#include "engine/sample_loops.h"
 #include "engine/sections.h"
 #include "lv2/brindle.h"
 
@@ -71,6 +71,7 @@ struct EqInstance {
     Workspace work;
     size_t newest_weights;
     CascadeKernels cascade;
+    SampleLoops loops;
     double trim_target;                            ///< linear
     std::array<float, 2> last_out;                 ///< last output sample of each channel
     std::array<uint32_t, kMeterInPort> port_bits;  ///< of each control port's value when last read

@@ -8,7 +8,6 @@
 
 #include "engine/cascade.h"
 #include "engine/controls.h"
-#include "engine/dither.h"
 #include "engine/eq_instance.h"
 #include "engine/messages.h"
 
@@ -38,24 +37,16 @@ constexpr size_t out_port(size_t channel) {
 // Dithers and trims the input from `begin` to `end` of the chunk that starts at `offset`.
 template <size_t kChannels>
 void take_input(EqInstance& eq, size_t offset, size_t begin, size_t end) {
-    const float* left = eq.ports[in_port(0)] + offset;
-    const float* right = eq.ports[in_port(kChannels - 1)] + offset;
-    const float* dither = eq.work.dither.data();
-    float* trimmed_left = eq.work.in[0].data();
-    float* trimmed_right = eq.work.in[1].data();
-    float* square = eq.work.in_square.data();
-    const float trim = eq.trim_gain, take = eq.power_take;
-    for (size_t i = begin; i < end; ++i) {
-        const float x = left[i] + dither[i];
-        trimmed_left[i] = x * trim;
-        float loudest = x * x;
-        if constexpr (kChannels == 2) {
-            const float x_right = right[i] + dither[i];
-            trimmed_right[i] = x_right * trim;
-            loudest = std::max(loudest, x_right * x_right);
-        }
-        square[i] = take * loudest;
-    }
+    Workspace& work = eq.work;
+    const auto take = kChannels == 1 ? eq.loops.take_mono : eq.loops.take_stereo;
+    take(
+        {{eq.ports[in_port(0)] + offset + begin, eq.ports[in_port(kChannels - 1)] + offset + begin},
+         &work.dither[begin],
+         eq.trim_gain,
+         eq.power_take,
+         {&work.in[0][begin], &work.in[1][begin]},
+         &work.in_square[begin]},
+        end - begin);
 }
 
 // Cuts n samples at the control ticks among them, with the weights of each.
@@ -64,7 +55,7 @@ Stretches take_chunk(EqInstance& eq, size_t offset, size_t n) {
     Stretches stretches;
     stretches.count = 0;
     stretches.first_is_tick = (eq.sample_counter & eq.control_mask) == 0;
-    next_dither(eq.noise_state, eq.noise, eq.work.dither.data(), n);
+    eq.loops.dither(eq.noise_state, eq.noise, eq.work.dither.data(), n);
     for (size_t begin = 0; begin < n;) {
         const size_t since_tick = (eq.sample_counter + begin) & eq.control_mask;
         if (since_tick == 0) control_tick(eq);
@@ -117,11 +108,8 @@ void run_stages(EqInstance& eq, const Stretches& stretches, size_t n) {
 template <size_t kChannels>
 void put_output(EqInstance& eq, size_t offset, size_t n) {
     Workspace& work = eq.work;
-    for (size_t i = 0; i < n; ++i) {
-        float square = work.out[0][i] * work.out[0][i];
-        if constexpr (kChannels == 2) square = std::max(square, work.out[1][i] * work.out[1][i]);
-        work.out_square[i] = eq.power_take * square;
-    }
+    eq.loops.squares(work.out[0].data(), work.out[kChannels - 1].data(), eq.power_take,
+                     work.out_square.data(), n);
     for (size_t channel = 0; channel < kChannels; ++channel) {
         std::copy_n(work.out[channel].data(), n, eq.ports[out_port(channel)] + offset);
     }
