@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "editor/GLView_StripEqView.h"
 #include "editor/host_options.h"
@@ -34,7 +35,7 @@ void FreeInstance(EditorInstance* instance) {
     if (instance->puglView != nullptr) {
         instance->puglView->MakeCurrent();
     }
-    delete instance->rootView;
+    delete std::exchange(instance->rootView, nullptr);
     delete instance->puglView;
     std::free(instance->pluginUri);
     std::free(instance->bundlePath);
@@ -83,15 +84,6 @@ void ApplyLooks(const HostOptions& options) {
     themeFlat = options.flat;
 }
 
-/// The tree; null where its construction fails.
-GLView_StripEqView* MakeRootView(const EditorInstance& instance) {
-    try {
-        return new GLView_StripEqView(instance);
-    } catch (...) {
-        return nullptr;
-    }
-}
-
 EditorInstance* Fail(const char* message) {
     std::fputs(message, stderr);
     return nullptr;
@@ -123,10 +115,7 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
         return Fail("error: No window with OpenGL can be opened.\n");
     }
     ApplyLooks(options);
-    instance->rootView = MakeRootView(*instance);
-    if (instance->rootView == nullptr) {
-        return nullptr;
-    }
+    instance->rootView = new GLView_StripEqView(*instance);
     instance->rootView->SetSampleRate(options.sampleRate);
     if (host.resize != nullptr) {
         host.resize->ui_resize(host.resize->handle, kWidth, kHeight);
@@ -141,11 +130,14 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
 }
 
 void CloseEditor(EditorInstance* instance) {
-    instance->rootView->EditorClosed();
-    FreeInstance(instance);
+    const OwnedInstance owned(instance);
+    owned->rootView->EditorClosed();
 }
 
 void IdleEditor(EditorInstance& instance) {
+    if (instance.rootView == nullptr) {
+        return;
+    }
     instance.rootView->TakeUnreportedWrites();
     instance.puglView->ProcessEvents();
     instance.puglView->PostRedisplay();

@@ -25,8 +25,8 @@ struct EditorInstance {
 };
 
 /// Opens an editor in the parent window among the features and stores its window in `widget`. Null,
-/// with a line on standard error and nothing left behind, where that cannot be. UI thread, as are
-/// all of these.
+/// with a line on standard error, where that cannot be; it throws where the tree cannot be made.
+/// Nothing is left behind then. UI thread, as are all of these.
 EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
                            LV2UI_Write_Function writeFunction, LV2UI_Controller controller,
                            LV2UI_Widget* widget, const LV2_Feature* const* features);

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "editor/GLView_StripEqView.h"
+#include "editor/contain.h"
 #include "editor/editor_instance.h"
 #include "lv2/brindle.h"
 
@@ -14,20 +15,27 @@ namespace {
 LV2UI_Handle Instantiate(const LV2UI_Descriptor*, const char* pluginUri, const char* bundlePath,
                          LV2UI_Write_Function writeFunction, LV2UI_Controller controller,
                          LV2UI_Widget* widget, const LV2_Feature* const* features) {
-    return OpenEditor(pluginUri, bundlePath, writeFunction, controller, widget, features);
+    EditorInstance* instance = nullptr;
+    Contain([&] {
+        instance = OpenEditor(pluginUri, bundlePath, writeFunction, controller, widget, features);
+    });
+    return instance;
 }
 
 void Cleanup(LV2UI_Handle handle) {
-    CloseEditor(static_cast<EditorInstance*>(handle));
+    Contain([&] { CloseEditor(static_cast<EditorInstance*>(handle)); });
 }
 
 void PortEvent(LV2UI_Handle handle, uint32_t port, uint32_t size, uint32_t format,
                const void* buffer) {
-    static_cast<EditorInstance*>(handle)->rootView->PortEvent(port, size, format, buffer);
+    // None is left where the tree, while it goes, calls a host that reports something at once.
+    if (auto* root = static_cast<EditorInstance*>(handle)->rootView) {
+        Contain([&] { root->PortEvent(port, size, format, buffer); });
+    }
 }
 
 int Idle(LV2UI_Handle handle) {
-    IdleEditor(*static_cast<EditorInstance*>(handle));
+    Contain([&] { IdleEditor(*static_cast<EditorInstance*>(handle)); });
     return 0;
 }
 

@@ -6,8 +6,9 @@
 
 #include <chrono>
 #include <thread>
-#include <utility>
+#include <type_traits>
 
+#include "editor/contain.h"
 #include "editor/x11_watch.h"
 
 namespace brindle {
@@ -36,10 +37,18 @@ struct PuglWindow::Impl {
 
     static Impl& Of(PuglView* view) { return *static_cast<Impl*>(puglGetHandle(view)); }
 
+    template <typename... Args>
+    void Call(void (*PuglCallbacks::*callback)(PuglWindow&, Args...),
+              std::type_identity_t<Args>... args) {
+        if (callbacks != nullptr) {
+            Contain([&] { (callbacks->*callback)(window, args...); });
+        }
+    }
+
     void ReportSize() {
         if (callbacks != nullptr && reported != watch->GetSize()) {
             reported = watch->GetSize();
-            callbacks->reshape(window, reported.width, reported.height);
+            Call(&PuglCallbacks::reshape, reported.width, reported.height);
         }
     }
 
@@ -55,56 +64,47 @@ struct PuglWindow::Impl {
         if (impl.watch == nullptr) {
             impl.display = glXGetCurrentDisplay();
             impl.context = glXGetCurrentContext();
-            impl.watch = std::make_unique<X11Watch>(
-                impl.display, static_cast<Window>(puglGetNativeWindow(view)), impl.parent);
+            Contain([&] {
+                impl.watch = std::make_unique<X11Watch>(
+                    impl.display, static_cast<Window>(puglGetNativeWindow(view)), impl.parent);
+            });
         }
     }
 
     static void OnDisplay(PuglView* view) {
         Impl& impl = Of(view);
         impl.ReportSize();
-        if (impl.callbacks != nullptr) {
-            impl.callbacks->display(impl.window);
-        }
+        impl.Call(&PuglCallbacks::display);
     }
 
     static void OnMotion(PuglView* view, int x, int y) {
-        const Impl& impl = Of(view);
-        if (impl.callbacks != nullptr) {
-            impl.callbacks->motion(impl.window, x, y);
-        }
+        Of(view).Call(&PuglCallbacks::motion, x, y);
     }
 
     static void OnMouse(PuglView* view, int button, bool press, int x, int y) {
         Impl& impl = Of(view);
         impl.TakeEvent(press ? ButtonPress : ButtonRelease);
-        if (impl.callbacks != nullptr && button <= kButtons) {
-            impl.callbacks->mouse(impl.window, button, press, x, y);
+        if (button <= kButtons) {
+            impl.Call(&PuglCallbacks::mouse, button, press, x, y);
         }
     }
 
     static void OnScroll(PuglView* view, float dx, float dy) {
         Impl& impl = Of(view);
         const InputEvent event = impl.TakeEvent(ButtonPress);
-        if (impl.callbacks != nullptr) {
-            impl.callbacks->scroll(impl.window, event.x, event.y, dx, dy);
-        }
+        impl.Call(&PuglCallbacks::scroll, event.x, event.y, dx, dy);
     }
 
     static void OnKeyboard(PuglView* view, bool press, uint32_t character) {
         Impl& impl = Of(view);
         impl.TakeEvent(press ? KeyPress : KeyRelease);
-        if (impl.callbacks != nullptr) {
-            impl.callbacks->keyboard(impl.window, press, character);
-        }
+        impl.Call(&PuglCallbacks::keyboard, press, character);
     }
 
     static void OnSpecial(PuglView* view, bool press, PuglKey key) {
         Impl& impl = Of(view);
         impl.TakeEvent(press ? KeyPress : KeyRelease);
-        if (impl.callbacks != nullptr) {
-            impl.callbacks->special(impl.window, press, key);
-        }
+        impl.Call(&PuglCallbacks::special, press, static_cast<int>(key));
     }
 };
 

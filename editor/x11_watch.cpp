@@ -9,6 +9,8 @@
 #include <array>
 #include <memory>
 
+#include "editor/contain.h"
+
 namespace brindle {
 namespace {
 
@@ -103,7 +105,7 @@ X11Watch::X11Watch(Display* newDisplay, Window newWindow, Window newParent)
 Bool X11Watch::OnEvent(Display* display, XEvent* event, void* wire) {
     const Bool known = _XWireToEvent(display, event, static_cast<xEvent*>(wire));
     if (X11Watch* watch = FindWatch(display); watch != nullptr) {
-        watch->Record(*event);
+        Contain([&] { watch->Record(*event); });
     }
     return known;
 }

@@ -235,6 +235,18 @@ TEST(Editor, OpensAndClosesWithoutTrace) {
     EXPECT_TRUE(other.window.IsShown(other.child));
 }
 
+TEST(Editor, LetsNoExceptionThrough) {
+    UiHost host(Entry());
+    host.failsWrites = true;
+    EXPECT_FALSE(host.Open());
+    host.failsWrites = false;
+    ASSERT_TRUE(host.Open());
+    host.failsWrites = true;
+    host.Close();
+    host.failsWrites = false;
+    EXPECT_TRUE(host.Open());
+}
+
 TEST(Editor, IgnoresWhatIsMalformed) {
     UiHost host(Entry());
     ASSERT_TRUE(host.Open());

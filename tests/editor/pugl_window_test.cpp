@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -219,6 +220,7 @@ TEST(PuglWindow, SurvivesItsParentAndLeavesNoContext) {
         }
         EXPECT_EQ(editor.frames, frames);
         editor.window.reset();
+        EXPECT_EQ(glXGetCurrentContext(), nullptr);
     }
 }
 
@@ -249,9 +251,9 @@ TEST(PuglWindow, ParentMayGoBetweenEventsAndFrame) {
 }
 
 TEST(PuglWindow, OpensAndClosesAgainAndAgainBesideAnother) {
-    HostWindow otherHost;
     HostWindow host;
     host.Sync();
+    HostWindow otherHost;  // above the first, to be looked at
     otherHost.Sync();
     Recorder other(otherHost.GetId());
     other.red = 1.0f;
@@ -263,6 +265,24 @@ TEST(PuglWindow, OpensAndClosesAgainAndAgainBesideAnother) {
         }
     }
     ASSERT_TRUE(other.DrawFrame());
+    EXPECT_EQ(otherHost.GetPixel(other.window->GetNativeWindow(), 500, 300), 0xff0000u);
+}
+
+TEST(PuglWindow, LetsNoExceptionThrough) {
+    HostWindow host;
+    host.Sync();
+    int calls = 0;
+    auto callbacks = Recorder::kCallbacks;
+    callbacks.reshape = [](PuglWindow&, int, int) {};
+    callbacks.display = [](PuglWindow& from) {
+        ++*static_cast<int*>(from.GetHandle());
+        throw std::bad_alloc();
+    };
+    const auto window = PuglWindow::Create(host.GetId(), "Thrower", 1000, 600);
+    window->SetCallbacks(&callbacks, &calls);
+    EXPECT_TRUE(WaitFor([&] { return calls > 0; }, [&] { window->ProcessEvents(); }));
+    window->PostRedisplay();
+    EXPECT_TRUE(WaitFor([&] { return calls > 1; }, [&] { window->ProcessEvents(); }));
 }
 
 }  // namespace

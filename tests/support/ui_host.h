@@ -8,6 +8,7 @@
 #include <lv2/ui/ui.h>
 
 #include <cstring>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,7 @@ class UiHost {
     bool hasTouch = true;
     bool hasResize = true;
     bool hasOptions = true;
+    bool failsWrites = false;  ///< its write function throws
 
     template <typename Value>
     void AddOption(const char* key, const char* type, Value value, bool ofInstance = true) {
@@ -134,6 +136,9 @@ class UiHost {
     static UiHost& Of(void* self) { return *static_cast<UiHost*>(self); }
     static void Write(LV2UI_Controller self, uint32_t port, uint32_t size, uint32_t protocol,
                       const void* buffer) {
+        if (Of(self).failsWrites) {
+            throw std::runtime_error("a write fails");
+        }
         const auto* bytes = static_cast<const uint8_t*>(buffer);
         Of(self).writes.push_back({port, protocol, {bytes, bytes + size}});
     }
