@@ -129,7 +129,8 @@ void GLView_BaseView::MouseDragTo(GLPoint pixelPoint) {
 }
 
 void GLView_BaseView::MouseWheel(float delta) {
-    if (textRenderer != nullptr) {
+    // A wheel that is turned sideways leaves values as they are, and unwritten.
+    if (textRenderer != nullptr && delta != 0.0f) {
         Scroll(delta);
     }
 }

@@ -97,8 +97,7 @@ std::optional<PlotMessage> ReadPlotMessage(const EditorUris& uris, const void* b
     return PlotMessage{*number, values};
 }
 
-Request::Request(LV2_Atom_Forge forge, LV2_URID type)
-    : atom(reinterpret_cast<const LV2_Atom*>(buffer + sizeof(int64_t))) {
+Request::Request(LV2_Atom_Forge forge, LV2_URID type) {
     constexpr LV2_URID kObjectId = 1;
     lv2_atom_forge_set_buffer(&forge, buffer, sizeof buffer);
     lv2_atom_forge_frame_time(&forge, 0);
@@ -108,7 +107,7 @@ Request::Request(LV2_Atom_Forge forge, LV2_URID type)
 }
 
 uint32_t Request::Size() const {
-    return lv2_atom_total_size(atom);
+    return lv2_atom_total_size(Atom());
 }
 
 }  // namespace brindle

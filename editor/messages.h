@@ -49,13 +49,14 @@ class Request {
   public:
     /// `type` is one of the two requests' URIDs.
     Request(LV2_Atom_Forge forge, LV2_URID type);
-    const LV2_Atom* Atom() const { return atom; }
+    const LV2_Atom* Atom() const {
+        return reinterpret_cast<const LV2_Atom*>(buffer + sizeof(int64_t));
+    }
     /// Bytes at `Atom`: its head and its body.
     uint32_t Size() const;
 
   private:
-    alignas(8) uint8_t buffer[1024] = {};
-    const LV2_Atom* atom;
+    alignas(8) uint8_t buffer[1024] = {};  ///< the time of an event, and the message
 };
 
 }  // namespace brindle

@@ -228,6 +228,7 @@ TEST_F(RootView, TheWheelTurnsTheViewUnderThePointerOnly) {
     EXPECT_STREQ(page->infoTitle, "Probe");
     EXPECT_STREQ(page->infoText, "a probe");
     host.Click(4);
+    host.Click(6);  // sideways
     MoveTo(740, 300);
     host.Click(5);
     MoveTo(500, 300);
