@@ -22,10 +22,11 @@ constexpr float kToggleBelowTop = 16.0f;
 constexpr float kToggleWidth = 48.0f;
 constexpr float kToggleHeight = 20.0f;
 constexpr float kSelectorAboveBottom = 8.0f;
-constexpr float kSelectorWidth = 66.0f;
+constexpr float kSelectorWidth = 75.0f;
 constexpr float kSelectorHeight = 22.0f;
 constexpr float kKnobWidth = 48.0f;
 constexpr float kKnobHeight = 22.0f;
+constexpr float kKnobLabelSize = 7.0f;
 
 struct KnobPlan {
     Control control;
@@ -33,11 +34,12 @@ struct KnobPlan {
     const char* unit;
     float sensitivity;  ///< normalised change a pixel
     const char* title;  ///< on the help line, behind the strip's name
+    const char* label;  ///< below the knob
 };
 constexpr std::array<KnobPlan, 3> kKnobs = {{
-    {kGain, 40.0f, "dB", 0.003f, "Gain"},
-    {kQ, 0.0f, " ", 0.003f, "Q"},
-    {kFrequency, -40.0f, "Hz", 0.0005f, "Frequency"},
+    {kGain, 40.0f, "dB", 0.003f, "Gain", "gain"},
+    {kQ, 0.0f, " ", 0.003f, "Q", "Q"},
+    {kFrequency, -40.0f, "Hz", 0.0005f, "Frequency", "freq"},
 }};
 
 /// Types in the order in which menus stack them, from the bottom up.
@@ -152,6 +154,8 @@ void GLView_BandDecorator::AddKnobs(const HostWriter& writer, const LV2UI_Touch*
         knob->SetSensitivity(plan.sensitivity);
         knob->SetResetValue(DefaultsOf(index).defaults[plan.control]);
         knob->SetInfoTitle(TitleOf(index, plan.title).c_str());
+        knob->SetLabel(plan.label);
+        knob->SetLabelSize(kKnobLabelSize);
         knob->SetColor(IsBand() ? kBandLamp : kAmber);
         knob->SetSize(kKnobWidth * s, kKnobHeight * s);
         knob->SetPosition(0.0f, plan.y * s);

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <string>
 
 #include "editor/GLView_BandDecorator.h"
 #include "editor/panel_layout.h"
 #include "editor/preset_table.h"
 #include "gl/GLView_Caption.h"
+#include "gl/GLView_DecoratorBox.h"
 #include "gl/GLView_TrimSlider.h"
 #include "gl/drawing.h"
 #include "gl/look.h"
@@ -106,19 +108,22 @@ void GLView_StripEqView::AddStrips(const LV2UI_Touch* touch) {
 }
 
 void GLView_StripEqView::AddTrim(const LV2UI_Touch* touch) {
+    Place(new GLView_DecoratorBox, layout::kOutputLeft,
+          0.5f * (layout::kStripBottom + layout::kStripTop), layout::kOutputWidth,
+          layout::kStripTop - layout::kStripBottom);
     auto* trim = new GLView_TrimSlider(true, -20.0f, 20.0f);
     trim->SetPort(connection.GetWriter(), kTrimPort);
     trim->SetTouch(touch, kTrimPort);
     trim->SetLabel("Output Trim: ");
     trim->SetUnit("dB");
+    trim->SetTextSize(8.0f);
+    trim->SetColor(kCream);
     trim->SetSensitivity(kDragSensitivity);
     trim->SetResetValue(0.0f);
     trim->SetInfoTitle("Output Trim");
-    Place(trim, layout::kTrimLeft, layout::kTrimBottom + 0.5f * layout::kTrimHeight,
-          layout::kTrimWidth, layout::kTrimHeight);
-    Place(MakeCaption("Trim:", 8.0f, kAlignLeft), layout::kTrimLeft,
-          layout::kTrimLabelBottom + 0.5f * layout::kPresetHeight, layout::kTrimWidth,
-          layout::kPresetHeight);
+    Place(trim, layout::kTrimLeft, layout::kTrimAbove, layout::kTrimWidth, layout::kTrimHeight);
+    Place(MakeCaption("Trim:", 8.0f, kAlignLeft), layout::kTrimLeft, layout::kTrimLabelAbove,
+          layout::kTrimWidth, layout::kPresetHeight);
 }
 
 GLView_DB60Meter* GLView_StripEqView::AddMeter(float left) {
@@ -217,21 +222,70 @@ void GLView_StripEqView::PreDraw() {
     }
 }
 
-void GLView_StripEqView::DrawBack() {
-    GLView_BaseView::DrawBack();
-    DrawMeterLabel("In", layout::kMeterInLeft);
-    DrawMeterLabel("Out", layout::kMeterOutLeft);
+void GLView_StripEqView::DrawBackground() {
+    // Darker than what stands on it.
+    constexpr float kShare = 0.7f;
+    const GLColor ground = GetBackgroundColor();
+    glDisable(GL_TEXTURE_2D);
+    ground.ApplyDimmed(kShare);
+    glRectf(viewLeft, viewBottom, viewRight, viewTop);
+    glEnable(GL_TEXTURE_2D);
 }
 
-void GLView_StripEqView::DrawMeterLabel(const char* text, float meterLeft) {
+void GLView_StripEqView::DrawBack() {
+    GLView_BaseView::DrawBack();
+    DrawMeterName("In", layout::kMeterInLeft);
+    DrawMeterName("Out", layout::kMeterOutLeft);
+    color.ApplyFaded(0.6f);
+    DrawMeterScale(layout::kMeterInLeft + layout::kMeterScaleGap, kAlignLeft);
+    DrawMeterScale(layout::kMeterOutLeft - layout::kMeterScaleGap, kAlignRight);
+    DrawNameplate();
+}
+
+void GLView_StripEqView::DrawTextAt(const char* text, float left, float above, float size,
+                                    int alignment) {
     const float s = GetInterfaceScale();
     const MatrixScope matrix;
-    glTranslatef(viewLeft + meterLeft * s, viewBottom + layout::kMeterLabelBottom * s, 0.0f);
-    GetContrastColor().Apply();
-    DrawRoundRect(GetResources(), 15.0f * s, 8.0f * s, 4.0f * s);
-    glScalef(7.0f * s, 7.0f * s, 1.0f);
+    glTranslatef(viewLeft + left * s, viewBottom + above * s, 0.0f);
+    glScalef(size * s, size * s, 1.0f);
+    DrawText(GetResources(), text, alignment);
+}
+
+void GLView_StripEqView::DrawMeterName(const char* text, float meterLeft) {
+    constexpr float kSize = 7.0f;
+    constexpr float kHalfCapital = 0.585f * kSize;
+    const float middle = layout::kMeterLabelTop - kHalfCapital;
+    const float s = GetInterfaceScale();
+    {
+        const MatrixScope matrix;
+        glTranslatef(viewLeft + meterLeft * s, viewBottom + middle * s, 0.0f);
+        color.ApplyDimmed(0.8f);  // a plate on which black can be read
+        DrawRoundRect(GetResources(), 15.0f * s, (kHalfCapital + 2.0f) * s,
+                      (IsBoxy() ? 1.0f : 4.0f) * s);
+    }
     kBlack.ApplyFaded(0.8f);
-    DrawText(GetResources(), text, kAlignCentre);
+    DrawTextAt(text, meterLeft, middle, kSize, kAlignCentre);
+}
+
+void GLView_StripEqView::DrawMeterScale(float left, int alignment) {
+    // The ports tell power where the meter expects an amplitude: its marks at twice the decibels
+    // are where these levels are.
+    constexpr std::array<const char*, 6> kLevels_db = {"0", "3", "6", "10", "20", "30"};
+    constexpr float kLowest_db = 30.0f;
+    for (const char* level : kLevels_db) {
+        const float share = 1.0f - std::strtof(level, nullptr) / kLowest_db;
+        const float above =
+            layout::kMeterBottom + share * (layout::kMeterTop - layout::kMeterBottom);
+        DrawTextAt(level, left, above, 6.5f, alignment);
+    }
+}
+
+void GLView_StripEqView::DrawNameplate() {
+    constexpr float kMiddle = layout::kOutputLeft + 0.5f * layout::kOutputWidth;
+    color.ApplyFaded(0.9f);
+    DrawTextAt("Brindle", kMiddle, layout::kNameAbove, 13.0f, kAlignCentre);
+    GetContrastColor().Apply();
+    DrawTextAt("Console EQ", kMiddle, layout::kSecondNameAbove, 8.0f, kAlignCentre);
 }
 
 void GLView_StripEqView::DrawFront() {

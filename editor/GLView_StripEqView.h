@@ -37,6 +37,7 @@ class GLView_StripEqView : public GLView_BaseView {
     GLColor GetBackgroundColor() override;
     /// The help line tells of the control that is held, or else of the one that is pointed at.
     void PreDraw() override;
+    void DrawBackground() override;
     void DrawBack() override;
     void DrawFront() override;
 
@@ -51,7 +52,11 @@ class GLView_StripEqView : public GLView_BaseView {
     void AddPresets();
     /// Adds a view whose left edge and middle are so far from the panel's left and lower edge.
     void Place(GLView* view, float left, float middle, float width, float height);
-    void DrawMeterLabel(const char* text, float meterLeft);
+    /// A text in the current colour, its place and size in interface points.
+    void DrawTextAt(const char* text, float left, float above, float size, int alignment);
+    void DrawMeterName(const char* text, float meterLeft);
+    void DrawMeterScale(float left, int alignment);
+    void DrawNameplate();
     void DrawHelpLine();
 
     HostConnection connection;

@@ -29,18 +29,25 @@ inline constexpr float kGroupGap = 15.0f;
 inline constexpr float kStripBottom = 38.0f;
 inline constexpr float kStripTop = 230.0f;
 
-/// Meters on both sides, trim on the right.
+/// Meters on both sides, their names above them and their scales beside, towards the strips.
 inline constexpr float kMeterInLeft = 80.0f;
 inline constexpr float kMeterOutLeft = 1253.0f;
 inline constexpr float kMeterWidth = 22.0f;
 inline constexpr float kMeterBottom = 48.0f;
 inline constexpr float kMeterTop = 208.0f;
-inline constexpr float kMeterLabelBottom = 228.0f;
-inline constexpr float kTrimLeft = 1052.0f;
-inline constexpr float kTrimWidth = 172.0f;
-inline constexpr float kTrimHeight = 28.0f;
-inline constexpr float kTrimBottom = 132.0f;
-inline constexpr float kTrimLabelBottom = 172.0f;
+inline constexpr float kMeterLabelTop = 228.0f;
+inline constexpr float kMeterScaleGap = 16.0f;  ///< from the meter's middle
+
+/// The output section, beside the strips: nameplate and trim.
+inline constexpr float kOutputLeft = 1040.0f;
+inline constexpr float kOutputWidth = 168.0f;
+inline constexpr float kNameAbove = 194.0f;
+inline constexpr float kSecondNameAbove = 172.0f;
+inline constexpr float kTrimLeft = 1050.0f;
+inline constexpr float kTrimWidth = 148.0f;
+inline constexpr float kTrimHeight = 30.0f;
+inline constexpr float kTrimAbove = 84.0f;  ///< its middle
+inline constexpr float kTrimLabelAbove = 112.0f;
 
 /// Left edge of strip 0 to 9.
 constexpr float StripLeft(int strip) {

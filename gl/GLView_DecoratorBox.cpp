@@ -4,12 +4,12 @@
 #include <algorithm>
 
 #include "gl/look.h"
-#include "gl/settings.h"
 
 namespace brindle {
 namespace {
 
 constexpr GLColor kBoxColor{0.145f, 0.148f, 0.152f};
+constexpr GLColor kEdgeColor = kGrey60;
 
 }  // namespace
 
@@ -34,7 +34,7 @@ void GLView_DecoratorBox::DrawBack() {
     const auto layer = [&](float inset) {
         DrawFramedBox(look.resources, style, hw - inset, hh - inset, corner);
     };
-    lightColor.ApplyFaded(look.flat ? 0.6f : 0.45f);
+    kEdgeColor.ApplyFaded(look.flat ? 0.6f : 0.45f);
     layer(0.0f);
     kBoxColor.Apply();
     layer(look.s);

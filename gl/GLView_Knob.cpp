@@ -194,7 +194,7 @@ void GLView_Knob::DrawBack() {
         const MatrixScope matrix;
         const float below = round ? hw + 12.0f * look.s : hh + 7.0f * look.s;
         glTranslatef(0.0f, -below, 0.0f);
-        color.ApplyFaded(0.6f);
+        color.ApplyFaded(look.enabled ? 0.6f : 0.3f);
         DrawFittedText(look, label, kAlignCentre, labelSize * look.s, 3.0f * hw);
     }
     DrawChildrenBack();

@@ -80,7 +80,7 @@ void GLView_MenuSelector::DrawEntry(const char* text, float size) {
     const Look look(*this);
     const MatrixScope matrix;
     glTranslatef(-0.5f * kArrowRoom * look.s, 0.0f, 0.0f);
-    DrawKeyText(look, text, size, 2.0f * hw - (kArrowRoom + 4.0f) * look.s, color);
+    DrawKeyText(look, text, size, 2.0f * hw - (kArrowRoom + 3.0f) * look.s, color);
 }
 
 void GLView_MenuSelector::DrawFrame() {

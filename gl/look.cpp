@@ -18,6 +18,7 @@ constexpr GLColor kIdleColor{0.36f, 0.36f, 0.36f};
 /// Thickness of outlines in design points: a little over one pixel of a window of the design size,
 /// which has three pixels to four points. A thinner line falls between pixels here and there.
 constexpr float kOutline = 1.375f;
+constexpr GLColor kEdgeColor = kGrey60;  ///< where light falls on an edge
 
 void ApplyMixed(const GLColor& color, const GLColor& other, float share, float alpha) {
     glColor4f(color.red + (other.red - color.red) * share,
@@ -90,7 +91,7 @@ GLColor Lightened(const GLColor& color, float share) {
 
 void DrawDisplay(const Look& look, float hw, float hh) {
     if (!look.flat) {
-        lightColor.ApplyFaded(0.35f);
+        kEdgeColor.ApplyFaded(0.35f);
         FillAt(look, -look.s, hw, hh);
     }
     kDisplayColor.ApplyFaded(look.enabled ? 1.0f : 0.55f);
@@ -107,7 +108,7 @@ void DrawKey(const Look& look, float hw, float hh) {
     if (lit) {
         shadeColor.ApplyFaded(0.45f);
         FillAt(look, -1.25f * look.s, hw, hh);
-        lightColor.ApplyFaded(look.captured ? 0.15f : 0.7f);
+        kEdgeColor.ApplyFaded(look.captured ? 0.15f : 0.7f);
         Fill(look, hw, hh);
     }
     const GLColor& face = look.captured ? kKeyDownColor : kKeyColor;
@@ -116,7 +117,7 @@ void DrawKey(const Look& look, float hw, float hh) {
     const float edge = lit ? 0.5f * look.s : 0.0f;
     FillAt(look, -edge, hw, hh - edge);
     if (look.flat) {
-        lightColor.ApplyFaded(look.enabled ? 0.5f : 0.2f);
+        kEdgeColor.ApplyFaded(look.enabled ? 0.5f : 0.2f);
         DrawOutline(look, hw, hh);
     }
 }
@@ -128,7 +129,7 @@ void DrawPopup(const Look& look, float hw, float hh) {
     }
     kPopupColor.Apply();
     Fill(look, hw, hh);
-    lightColor.ApplyFaded(0.6f);
+    kEdgeColor.ApplyFaded(0.6f);
     DrawOutline(look, hw, hh);
 }
 

@@ -22,6 +22,6 @@ inline bool themeFlat = false;
 
 /// What embossing, shadows and gloss darken with, and what they lighten with.
 inline GLColor shadeColor = kBlack;
-inline GLColor lightColor = kGrey60;
+inline GLColor lightColor = kGrey40;
 
 }  // namespace brindle

@@ -8,6 +8,7 @@ namespace brindle {
 namespace {
 
 constexpr float kTextHeight = 0.24f;    // of the text's centre, in half heights
+constexpr float kTextMargins = 3.5f;    // design points, both together
 constexpr float kTrackHeight = -0.62f;  // of the track's centre
 constexpr float kTrackMargin = 5.0f;    // design points at both ends
 
@@ -48,7 +49,8 @@ void DrawValueDisplay(const Look& look, const ControlFace& face) {
     }
     glTranslatef(0.0f, kTextHeight * face.hh, 0.0f);
     face.textColor.ApplyFaded(look.TextAlpha());
-    DrawFittedText(look, face.text, kAlignCentre, face.textSize, 2.0f * face.hw - 6.0f * look.s);
+    DrawFittedText(look, face.text, kAlignCentre, face.textSize,
+                   2.0f * face.hw - kTextMargins * look.s);
 }
 
 float KnobAngle(float normalised) {

@@ -95,6 +95,7 @@ void GLView_ParametricEQ::DrawBack() {
         DrawRoundRect(GetResources(), hw + 32.0f * look.m, hh + 72.0f * look.m, 8.0f * look.m);
     }
     DrawKeyboard(look);
+    DrawFrequencyScale(GetResources(), look);
     DrawChildrenBack();
 }
 

@@ -18,7 +18,7 @@ const char* GLView_TypeSelector::ShortLabel() {
 
 void GLView_TypeSelector::Draw() {
     EnterView(*this);
-    DrawEntry(ShortLabel(), 8.0f * GetPixelSize());
+    DrawEntry(ShortLabel(), labelSize * GetInterfaceScale());
     DrawFrame();
     DrawChildren();
 }

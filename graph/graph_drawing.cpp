@@ -9,6 +9,7 @@
 
 #include "gl/drawing.h"
 #include "gl/gl.h"
+#include "graph/scales.h"
 
 namespace brindle {
 namespace {
@@ -21,6 +22,15 @@ struct Level {
 constexpr Level kLevels[] = {{18, "18"}, {15, "15"},  {12, "12"},  {9, "9"},
                              {6, "6"},   {3, "3"},    {-3, "3"},   {-6, "6"},
                              {-9, "9"},  {-12, "12"}, {-15, "15"}, {-18, "18"}};
+
+/// The lines of the frequency scale.
+struct Frequency {
+    float hz;
+    const char* label;
+};
+constexpr Frequency kFrequencies[] = {{20, "20"},     {50, "50"},    {100, "100"}, {200, "200"},
+                                      {500, "500"},   {1000, "1k"},  {2000, "2k"}, {5000, "5k"},
+                                      {10000, "10k"}, {20000, "20k"}};
 
 constexpr GLColor kClearBlack{0.0f, 0.0f, 0.0f, 0.0f};
 
@@ -253,6 +263,27 @@ void DrawLevelLabels(const GLResources* resources, const GraphLook& look) {
     for (const Level& level : kLevels) {
         draw(level, -look.hw - gap, kAlignRight);
         draw(level, look.hw + gap, kAlignLeft);
+    }
+}
+
+void DrawFrequencyScale(const GLResources* resources, const GraphLook& look) {
+    const auto place = [&](const Frequency& frequency) {
+        return (2.0f * PositionOfBandHz(frequency.hz) - 1.0f) * look.hw;
+    };
+    look.foreground.ApplyFaded(0.13f);
+    {
+        const PlainPrimitives quads(GL_QUADS);
+        for (const Frequency& frequency : kFrequencies) {
+            const float x = place(frequency);
+            EmitRect(x - look.m, -look.hh, x + look.m, look.hh);
+        }
+    }
+    look.foreground.ApplyFaded(0.6f);
+    for (const Frequency& frequency : kFrequencies) {
+        const MatrixScope matrix;
+        glTranslatef(place(frequency), look.hh + 18.0f * look.m, 0.0f);
+        glScalef(7.0f * look.m, 7.0f * look.m, 1.0f);
+        DrawText(resources, frequency.label, kAlignCentre);
     }
 }
 

@@ -34,6 +34,10 @@ void DrawLevelLines(const GraphLook& look);
 /// Their numbers without sign, on both sides.
 void DrawLevelLabels(const GLResources* resources, const GraphLook& look);
 
+/// The frequency scale: lines in steps of 1, 2, 5 behind the curve and their numbers in Hz above
+/// the graph.
+void DrawFrequencyScale(const GLResources* resources, const GraphLook& look);
+
 /// The curve through `heights`, spread evenly over the width, and the area between it and the
 /// middle, both clipped just inside the upper and lower edge.
 void DrawResponse(std::span<const float> heights, const GraphLook& look);
