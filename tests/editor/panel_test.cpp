@@ -1,0 +1,305 @@
+// SPDX-License-Identifier: ISC
+// The whole panel in a host: real pointer events at the places where a user sees the controls, the
+// engine that hears of them, and what comes out of it.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <functional>
+#include <set>
+
+#include "editor/GLView_StripEqView.h"
+#include "editor/editor_instance.h"
+#include "editor/preset_table.h"
+#include "graph/GLView_ParametricEQ.h"
+#include "lv2/ports.h"
+#include "tests/support/ui_host.h"
+
+LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index);
+
+namespace brindle {
+namespace {
+
+using test::PluginHost;
+using test::UiHost;
+using testing::ElementsAre;
+
+constexpr int kStrips = kBandCount + kSectionCount;
+constexpr double kRate = 48000.0;
+constexpr double kLn1000 = 6.9077554;
+constexpr double kLn750 = 6.6200733;
+
+/// A place on the panel in interface points from its lower left corner.
+struct Spot {
+    float x;
+    float y;
+};
+
+/// Of the strips as a user sees them: 81 wide, 87 apart, a gap of 15 after each group.
+Spot InStrip(int strip, float above_middle) {
+    const float group = strip < 4 ? 0.0f : strip < 8 ? 1.0f : 2.0f;
+    return {125.0f + 87.0f * static_cast<float>(strip) + 15.0f * group + 40.5f,
+            134.0f + above_middle};
+}
+Spot KeyOf(int strip) {
+    return InStrip(strip, 80.0f);
+}
+Spot ShapeOf(int strip) {
+    return InStrip(strip, -77.0f);
+}
+Spot PresetAt(int number) {
+    return {159.0f + 111.0f * static_cast<float>(number), 778.0f};
+}
+constexpr Spot kFlatAll = {2.0f * 800.0f * 5.0f / 6.0f - 23.0f, 778.0f};
+constexpr Spot kTrim = {1124.0f, 84.0f};
+
+uint32_t FirstPort(int strip) {
+    return strip < kBandCount ? band_port(strip) : section_port(strip - kBandCount);
+}
+
+/// As a factor: differences far below what is heard count for little.
+double Gain(const std::vector<double>& response, double hz) {
+    return std::pow(10.0, test::gain_db(response, hz, kRate) / 20.0);
+}
+
+/// A host that passes the editor's writes on to the engine and, unless it is a silent one, reports
+/// them back.
+struct Panel : testing::Test {
+    void SetUp() override {
+        ASSERT_TRUE(host.Open());
+        host.IdleTimes(2);
+        for (int strip = 0; strip < kStrips; ++strip) {
+            const auto& plan = strip < kBandCount
+                                   ? kBandStrips[static_cast<size_t>(strip)]
+                                   : kSectionStrips[static_cast<size_t>(strip - kBandCount)];
+            for (uint32_t i = 0; i < kControlCount; ++i)
+                Report(FirstPort(strip) + i, plan.defaults[i]);
+        }
+        Report(kTrimPort, 0.0f);
+        Tick();
+    }
+
+    void Report(uint32_t port, float value) {
+        plugin.port(port) = value;
+        host.Report(port, value);
+    }
+    /// Handles all pointer events that are waiting, then answers what they have led to.
+    void Tick() {
+        host.IdleTimes(1);
+        for (; answered < host.writes.size(); ++answered) {
+            const auto& write = host.writes[answered];
+            if (write.protocol != 0) continue;
+            plugin.port(write.port) = write.AsFloat();
+            if (echoes) host.Report(write.port, write.AsFloat());
+        }
+    }
+    void MoveTo(const Spot& spot) {
+        host.window.MovePointer(static_cast<int>(std::lround(spot.x * 0.75f)),
+                                static_cast<int>(std::lround(600.0f - spot.y * 0.75f)));
+    }
+    /// What is written meanwhile.
+    std::vector<test::UiWrite> During(const std::function<void()>& gesture) {
+        host.touches.clear();
+        const size_t before = host.writes.size();
+        gesture();
+        Tick();
+        return {host.writes.begin() + static_cast<std::ptrdiff_t>(before), host.writes.end()};
+    }
+    std::vector<test::UiWrite> Click(const Spot& spot) {
+        return During([&] {
+            MoveTo(spot);
+            host.window.Click();
+        });
+    }
+    /// Drags by whole window pixels. Presses close to each other would be a double click.
+    std::vector<test::UiWrite> Drag(const Spot& from, int right, int up) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(210));
+        return During([&] {
+            MoveTo(from);
+            host.window.Press();
+            const int x = static_cast<int>(std::lround(from.x * 0.75f));
+            const int y = static_cast<int>(std::lround(600.0f - from.y * 0.75f));
+            host.window.MovePointer(x + right, y - up);
+            host.window.Release();
+        });
+    }
+
+    std::vector<double> Response() {
+        Tick();  // the curve is computed for a frame
+        plugin.settle();
+        return plugin.impulse_response(1 << 14);
+    }
+    GLView& Root() { return *static_cast<EditorInstance*>(host.handle)->rootView; }
+    GLView_ParametricEQ& Graph() {
+        for (GLView* child = Root().firstChild; child != nullptr; child = child->nextSibling) {
+            if (auto* graph = dynamic_cast<GLView_ParametricEQ*>(child)) return *graph;
+        }
+        throw std::logic_error("no graph");
+    }
+    /// What the drawn curve says.
+    double CurveDb(double hz) {
+        const auto heights = Graph().Heights();
+        const auto i = static_cast<size_t>(800.0 * std::log(hz / 20.0) / kLn1000);
+        return static_cast<double>(heights[i] / Graph().hh) * 18.0;
+    }
+    /// Away from Nyquist, which the curve knows nothing of.
+    void ExpectTheSoundThatIsDrawn(double tolerance_db) {
+        const auto response = Response();
+        for (const double hz : {40.0, 100.0, 300.0, 700.0, 1000.0, 1500.0, 3000.0}) {
+            SCOPED_TRACE(hz);
+            EXPECT_NEAR(test::gain_db(response, hz, kRate), CurveDb(hz), tolerance_db);
+        }
+    }
+
+    PluginHost plugin{1, kRate};
+    UiHost host{lv2ui_descriptor(0), &plugin.map()};
+    bool echoes = true;
+    size_t answered = 0;
+};
+
+TEST_F(Panel, EachPresetIsWrittenInOrderAndHeard) {
+    for (size_t i = 0; i < kPresetCount; ++i) {
+        SCOPED_TRACE(kPresets[i].name);
+        const auto writes = Click(PresetAt(static_cast<int>(i)));
+        ASSERT_EQ(writes.size(), 51u);
+        PluginHost wanted(1, kRate);
+        for (uint32_t n = 0; n < 51; ++n) {
+            EXPECT_EQ(writes[n].port, 2 + n);
+            EXPECT_EQ(writes[n].protocol, 0u);
+            EXPECT_EQ(writes[n].bytes.size(), 4u);
+            EXPECT_EQ(writes[n].AsFloat(), kPresets[i].values[n]);
+            wanted.port(2 + n) = kPresets[i].values[n];
+        }
+        wanted.settle();
+        const auto reference = wanted.impulse_response(1 << 14);
+        const auto heard = Response();
+        for (double hz = 25.0; hz < 20000.0; hz *= 1.5) {
+            EXPECT_NEAR(Gain(heard, hz), Gain(reference, hz), 0.002) << hz;
+        }
+    }
+}
+
+TEST_F(Panel, FlatAllSwitchesEverythingOff) {
+    Click(PresetAt(4));
+    Report(kTrimPort, 6.0f);
+    EXPECT_GT(std::abs(test::gain_db(Response(), 100.0, kRate)), 6.0);
+    std::vector<uint32_t> ports;
+    for (const auto& write : Click(kFlatAll)) {
+        ports.push_back(write.port);
+        EXPECT_EQ(write.AsFloat(), 0.0f);
+    }
+    EXPECT_THAT(ports, ElementsAre(2, 7, 12, 17, 22, 27, 32, 37, 42, 47, 52));
+    const auto response = Response();
+    for (double hz = 25.0; hz < 20000.0; hz *= 2.0) {
+        EXPECT_NEAR(test::gain_db(response, hz, kRate), 0.0, 0.01) << hz;
+        EXPECT_NEAR(CurveDb(hz), 0.0, 0.01);
+    }
+}
+
+TEST_F(Panel, EachKeySwitchesItsStrip) {
+    for (int strip = 0; strip < kStrips; ++strip) {
+        SCOPED_TRACE(strip);
+        const uint32_t port = FirstPort(strip);
+        const bool on = plugin.port(port) != 0.0f;
+        for (const float wanted : {on ? 0.0f : 1.0f, on ? 1.0f : 0.0f}) {
+            const auto writes = Click(KeyOf(strip));
+            ASSERT_EQ(writes.size(), 1u);
+            EXPECT_EQ(writes[0].port, port);
+            EXPECT_EQ(writes[0].AsFloat(), wanted);
+            EXPECT_THAT(host.touches, ElementsAre(std::pair(port, true), std::pair(port, false)));
+        }
+    }
+}
+
+TEST_F(Panel, EachMenuOffersItsShapesInOrderInsideThePanel) {
+    const std::vector<float> band = {1, 2, 3, 4, 5, 6, 9, 12};
+    const std::vector<float> sections[] = {{17, 1, 2, 3, 4, 13, 14, 15, 16},
+                                           {17, 5, 6, 7, 8, 9, 10, 11, 12}};
+    for (int strip = 0; strip < kStrips; ++strip) {
+        const auto& shapes = strip < kBandCount ? band : sections[strip - kBandCount];
+        for (size_t entry = 0; entry < shapes.size(); ++entry) {
+            SCOPED_TRACE(testing::Message() << strip << ", entry " << entry);
+            const Spot shape = ShapeOf(strip);
+            // The entries stack upwards from the key, so that nothing has to give way to an edge.
+            const Spot place = {shape.x, shape.y + 18.0f * static_cast<float>(entry)};
+            const auto writes = During([&] {
+                MoveTo(shape);
+                host.window.Click();
+                MoveTo(place);
+                host.window.Click();
+            });
+            ASSERT_EQ(writes.size(), 2u);  // with the press and the release
+            for (const auto& write : writes) {
+                EXPECT_EQ(write.port, FirstPort(strip) + kType);
+                EXPECT_EQ(write.AsFloat(), shapes[entry]);
+            }
+        }
+    }
+}
+
+TEST_F(Panel, EachKnobMovesItsControlByItsMeasure) {
+    constexpr int kUp = 40;  // pixels
+    for (int strip = 0; strip < kStrips; ++strip) {
+        Report(FirstPort(strip) + kEnable, 1.0f);
+        const double octaves = strip < kBandCount ? kLn1000 : kLn750;
+        struct Row {
+            float above;
+            uint32_t control;
+            float value;
+            double moved;
+        };
+        for (const Row& row :
+             {Row{40.0f, kGain, 3.0f, 3.0 + 36.0 * 0.003 * kUp},
+              Row{0.0f, kQ, 1.0f, std::exp(kLn1000 * 0.003 * kUp)},
+              Row{-40.0f, kFrequency, 500.0f, 500.0 * std::exp(octaves * 0.0005 * kUp)}}) {
+            SCOPED_TRACE(testing::Message() << strip << ", control " << row.control);
+            const uint32_t port = FirstPort(strip) + row.control;
+            Report(port, row.value);
+            const auto writes = Drag(InStrip(strip, row.above), 0, kUp);
+            ASSERT_FALSE(writes.empty());
+            EXPECT_EQ(writes.back().port, port);
+            EXPECT_NEAR(static_cast<double>(writes.back().AsFloat()), row.moved, 1e-3 * row.moved);
+            EXPECT_THAT(host.touches, ElementsAre(std::pair(port, true), std::pair(port, false)));
+        }
+    }
+    const auto trim = Drag(kTrim, 50, 0);
+    ASSERT_FALSE(trim.empty());
+    EXPECT_EQ(trim.back().port, kTrimPort);
+    EXPECT_NEAR(trim.back().AsFloat(), 40.0f * 0.003f * 50.0f, 1e-3f);
+}
+
+TEST_F(Panel, DraggingAHandleSoundsAsTheCurveSays) {
+    // A low shelf is drawn as it sounds; a bell's curve is wider, but has the same peak.
+    const uint32_t shelf = band_port(0);
+    Report(shelf + kFrequency, 250.0f);
+    ExpectTheSoundThatIsDrawn(0.02);
+    // At 0 dB, in the middle of the graph's height, which is 920 pixels wide from 40 on.
+    const double x = 40.0 + 920.0 * std::log(250.0 / 20.0) / kLn1000;
+    const Spot handle = {static_cast<float>(x / 0.75), 800.0f - 78.0f - 171.0f};
+    EXPECT_EQ(Drag(handle, 60, 60).size(), 2u);
+    EXPECT_THAT(host.touches,
+                ElementsAre(std::pair(shelf + kFrequency, true), std::pair(shelf + kGain, true),
+                            std::pair(shelf + kGain, false), std::pair(shelf + kFrequency, false)));
+    EXPECT_NEAR(static_cast<double>(plugin.port(shelf + kFrequency)),
+                250.0 * std::exp(kLn1000 * 60.0 * 0.003 * 0.3 * 1.2), 0.5);
+    EXPECT_NEAR(plugin.port(shelf + kGain), 36.0f * 60.0f * 0.003f * 800.0f / 600.0f, 0.01f);
+    ExpectTheSoundThatIsDrawn(0.15);
+    EXPECT_NEAR(CurveDb(25.0), 8.64, 0.1);
+}
+
+TEST_F(Panel, WorksInAHostThatReportsNothingBack) {
+    echoes = false;
+    const auto wait_for = [&](uint32_t port, float value) {
+        return WaitFor([&] { return std::abs(Root().GetParameter(port) - value) < 1e-3f; },
+                       [&] { Tick(); });
+    };
+    EXPECT_EQ(Click(KeyOf(2)).back().AsFloat(), 0.0f);
+    EXPECT_TRUE(wait_for(band_port(2), 0.0f));
+    EXPECT_EQ(Click(KeyOf(2)).back().AsFloat(), 1.0f);
+    const Spot gain = InStrip(5, 40.0f);
+    EXPECT_NEAR(Drag(gain, 0, 40).back().AsFloat(), 4.32f, 0.01f);
+    EXPECT_TRUE(wait_for(band_port(5) + kGain, 4.32f));
+    EXPECT_NEAR(Drag(gain, 0, 40).back().AsFloat(), 8.64f, 0.01f);
+}
+
+}  // namespace
+}  // namespace brindle
