@@ -9,6 +9,16 @@ namespace {
 
 constexpr std::array kStopSignals = {SIGINT, SIGTERM, SIGHUP};
 
+/// The first request to stop that is pending, 0 for none.
+int pending_request() {
+    sigset_t pending;
+    sigpending(&pending);
+    for (const int signal_number : kStopSignals) {
+        if (sigismember(&pending, signal_number) == 1) return signal_number;
+    }
+    return 0;
+}
+
 }  // namespace
 
 void hold_interrupts() {
@@ -19,12 +29,12 @@ void hold_interrupts() {
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
+bool is_interrupted() {
+    return pending_request() != 0;
+}
+
 void throw_if_interrupted() {
-    sigset_t pending;
-    sigpending(&pending);
-    for (const int signal_number : kStopSignals) {
-        if (sigismember(&pending, signal_number) == 1) throw Interrupted(signal_number);
-    }
+    if (const int signal_number = pending_request()) throw Interrupted(signal_number);
 }
 
 }  // namespace brindle

@@ -20,6 +20,9 @@ class Interrupted : public UserError {
     const int exit_status;
 };
 
+/// A request to stop is pending.
+[[nodiscard]] bool is_interrupted();
+
 /// Throws Interrupted when a request to stop is pending.
 void throw_if_interrupted();
 

@@ -13,10 +13,10 @@
 
 namespace brindle {
 
-OutputFile::OutputFile(std::string target) : target_(std::move(target)) {
+OutputFile::OutputFile(std::string target, Existing existing) : target_(std::move(target)) {
     namespace fs = std::filesystem;
     std::error_code ignored;
-    if (fs::exists(fs::symlink_status(target_, ignored))) {
+    if (existing == kRefuse && fs::exists(fs::symlink_status(target_, ignored))) {
         throw UserError("cannot write " + target_ + ": it exists already.");
     }
     const fs::path path(target_);

@@ -10,8 +10,11 @@ namespace brindle {
 /// and renamed by commit(). Destroyed before that, it leaves nothing behind.
 class OutputFile {
   public:
-    /// Throws UserError where the target exists or its folder cannot be written.
-    explicit OutputFile(std::string target);
+    enum Existing { kRefuse, kReplace };
+
+    /// Throws UserError where the target exists and is not to be replaced, or its folder cannot be
+    /// written.
+    explicit OutputFile(std::string target, Existing existing = kRefuse);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "host/cairo_output.h"
 #include "host/output_file.h"
 #include "host/response.h"
 
@@ -44,12 +45,10 @@ constexpr Color kFaintInk = {0.40, 0.43, 0.48, 1.0};
 constexpr Color kCurve = {0.80, 0.33, 0.05, 1.0};
 constexpr Color kFill = {0.80, 0.33, 0.05, 0.13};
 
-struct Free {
-    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+struct ContextDestroy {
     void operator()(cairo_t* context) const { cairo_destroy(context); }
 };
-using SurfacePtr = std::unique_ptr<cairo_surface_t, Free>;
-using ContextPtr = std::unique_ptr<cairo_t, Free>;
+using ContextPtr = std::unique_ptr<cairo_t, ContextDestroy>;
 
 /// Gives back what Cairo and Fontconfig keep of the fonts that were used.
 struct FontCaches {
@@ -207,11 +206,6 @@ void draw(cairo_surface_t* surface, const std::vector<ResponsePoint>& points,
               Align::Left);
 }
 
-cairo_status_t write(void* output, const unsigned char* data, unsigned int size) {
-    return static_cast<OutputFile*>(output)->write(data, size) ? CAIRO_STATUS_SUCCESS
-                                                               : CAIRO_STATUS_WRITE_ERROR;
-}
-
 }  // namespace
 
 void plot_png(OutputFile& output, const std::vector<ResponsePoint>& points, const PlotText& text) {
@@ -221,12 +215,13 @@ void plot_png(OutputFile& output, const std::vector<ResponsePoint>& points, cons
                                    static_cast<int>(kHeight * kPixelsPerUnit)));
     cairo_surface_set_device_scale(surface.get(), kPixelsPerUnit, kPixelsPerUnit);
     draw(surface.get(), points, text);
-    cairo_surface_write_to_png_stream(surface.get(), write, &output);
+    cairo_surface_write_to_png_stream(surface.get(), write_to_output, &output);
 }
 
 void plot_svg(OutputFile& output, const std::vector<ResponsePoint>& points, const PlotText& text) {
     const FontCaches caches;
-    const SurfacePtr surface(cairo_svg_surface_create_for_stream(write, &output, kWidth, kHeight));
+    const SurfacePtr surface(
+        cairo_svg_surface_create_for_stream(write_to_output, &output, kWidth, kHeight));
     draw(surface.get(), points, text);
     cairo_surface_finish(surface.get());
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include "host/plugin.h"
 
+#include <lv2/atom/util.h>
 #include <lv2/core/lv2.h>
 #include <lv2/resize-port/resize-port.h>
+#include <lv2/state/state.h>
 
 #include <algorithm>
 #include <array>
@@ -33,7 +35,8 @@ Plugin::Plugin(Bundle& bundle, int channels, double rate, uint32_t block)
       rate_(rate),
       block_(block),
       sequence_type_(bundle.urids().map(LV2_ATOM__Sequence)),
-      chunk_type_(bundle.urids().map(LV2_ATOM__Chunk)) {
+      chunk_type_(bundle.urids().map(LV2_ATOM__Chunk)),
+      float_type_(bundle.urids().map(LV2_ATOM__Float)) {
     const LV2_Feature map = {LV2_URID__map, bundle.urids().map_feature()};
     const LV2_Feature unmap = {LV2_URID__unmap, bundle.urids().unmap_feature()};
     const std::array<const LV2_Feature*, 3> features = {&map, &unmap, nullptr};
@@ -43,6 +46,7 @@ Plugin::Plugin(Bundle& bundle, int channels, double rate, uint32_t block)
         throw UserError("the plugin in " + bundle.path() + " cannot be loaded.");
     }
     connect_ports(bundle, description);
+    clear_messages();
     lilv_instance_activate(instance_.get());
 }
 
@@ -81,14 +85,46 @@ void Plugin::set(const ControlValues& values) {
 }
 
 /// An input is an empty sequence; an output tells its capacity and is no sequence yet.
-void Plugin::prepare_messages() {
+void Plugin::clear_messages() {
     for (MessagePort& port : message_ports_) {
         LV2_Atom_Sequence* sequence = port.sequence();
-        const size_t capacity = port.buffer.size() * sizeof(uint64_t) - sizeof(LV2_Atom);
         sequence->atom.type = port.is_input ? sequence_type_ : chunk_type_;
-        sequence->atom.size =
-            port.is_input ? sizeof(LV2_Atom_Sequence_Body) : static_cast<uint32_t>(capacity);
+        sequence->atom.size = port.is_input ? static_cast<uint32_t>(sizeof(LV2_Atom_Sequence_Body))
+                                            : static_cast<uint32_t>(port.capacity());
         sequence->body = {0, 0};
+    }
+}
+
+bool Plugin::send(uint32_t index, const LV2_Atom& atom) {
+    for (MessagePort& port : message_ports_) {
+        if (port.index != index || !port.is_input) continue;
+        LV2_Atom_Sequence* sequence = port.sequence();
+        const size_t used = lv2_atom_pad_size(sequence->atom.size);
+        const size_t room = port.capacity() - used;
+        if (room < sizeof(LV2_Atom_Event) || room - sizeof(LV2_Atom_Event) < atom.size) break;
+        auto* event = reinterpret_cast<LV2_Atom_Event*>(reinterpret_cast<uint8_t*>(sequence) +
+                                                        sizeof(LV2_Atom) + used);
+        event->time.frames = 0;
+        std::memcpy(&event->body, &atom, sizeof atom + atom.size);
+        sequence->atom.size = static_cast<uint32_t>(used + sizeof(LV2_Atom_Event) + atom.size);
+        return true;
+    }
+    return false;
+}
+
+void Plugin::hand_over_messages() {
+    if (!message_sink_) return;
+    for (MessagePort& port : message_ports_) {
+        const LV2_Atom_Sequence* sequence = port.sequence();
+        const bool is_whole = sequence->atom.type == sequence_type_ &&
+                              sequence->atom.size >= sizeof(LV2_Atom_Sequence_Body) &&
+                              sequence->atom.size <= port.capacity();
+        if (port.is_input || !is_whole) continue;
+        const LV2_Atom_Event* event = lv2_atom_sequence_begin(&sequence->body);
+        while (!lv2_atom_sequence_is_end(&sequence->body, sequence->atom.size, event)) {
+            message_sink_(port.index, event->body);
+            event = lv2_atom_sequence_next(event);
+        }
     }
 }
 
@@ -98,8 +134,9 @@ void Plugin::run_block(const float* in, float* out, uint32_t frames) {
         float* buffer = inputs_[channel].data();
         for (size_t i = 0; i < frames; ++i) buffer[i] = in[i * channel_count + channel];
     }
-    prepare_messages();
     lilv_instance_run(instance_.get(), frames);
+    hand_over_messages();
+    clear_messages();
     for (size_t channel = 0; channel < channel_count; ++channel) {
         const float* buffer = outputs_[channel].data();
         for (size_t i = 0; i < frames; ++i) out[i * channel_count + channel] = buffer[i];
@@ -123,6 +160,30 @@ void Plugin::settle() {
         process(silence.data(), ignored.data(), count);
         done += count;
     }
+}
+
+StatePtr Plugin::state(Bundle& bundle) const {
+    struct Reader {
+        const Plugin& self;
+        const std::vector<ControlInfo> controls;
+    };
+    Reader reader = {*this, bundle.controls()};
+    const auto value = [](const char* symbol, void* data, uint32_t* size,
+                          uint32_t* type) -> const void* {
+        const Reader& from = *static_cast<Reader*>(data);
+        for (const ControlInfo& control : from.controls) {
+            if (control.symbol != symbol) continue;
+            *size = sizeof(float);
+            *type = from.self.float_type_;
+            return &from.self.values_[control.index];
+        }
+        *size = 0;
+        *type = 0;
+        return nullptr;
+    };
+    return StatePtr(lilv_state_new_from_instance(
+        bundle.plugin(channels_), instance_.get(), bundle.urids().map_feature(), nullptr, nullptr,
+        nullptr, nullptr, value, &reader, LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE, nullptr));
 }
 
 }  // namespace brindle

@@ -6,6 +6,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "host/bundle.h"
@@ -31,6 +33,13 @@ class Plugin {
     void set(const ControlValues& values);
     [[nodiscard]] float get(uint32_t port) const { return values_[port]; }
 
+    /// Passes a message to an atom input port with the next block. False where the port is none or
+    /// has no room left. `atom` is a whole atom with its body. Real-time safe.
+    bool send(uint32_t port, const LV2_Atom& atom);
+    /// `take(port, atom)` gets each message of an atom output port, once its block has run.
+    using MessageSink = std::function<void(uint32_t port, const LV2_Atom& atom)>;
+    void on_message(MessageSink take) { message_sink_ = std::move(take); }
+
     /// Runs interleaved audio of any length; `in` and `out` may be the same. Real-time safe.
     void process(const float* in, float* out, size_t frames);
 
@@ -38,6 +47,9 @@ class Plugin {
     /// least 2 % of the remaining way each 64 samples (128 at high rates), so after 2^17 samples
     /// (2.7 s at 48 kHz), which are 1024 such steps or more, 1e-9 of the way is left.
     void settle();
+
+    /// The instance's controls as an LV2 state. UI thread, while no audio runs.
+    [[nodiscard]] StatePtr state(Bundle& bundle) const;
 
   private:
     /// A buffer of whole 64-bit words for an atom port, as large as the bundle asks for.
@@ -48,10 +60,15 @@ class Plugin {
         [[nodiscard]] LV2_Atom_Sequence* sequence() {
             return reinterpret_cast<LV2_Atom_Sequence*>(buffer.data());
         }
+        /// Bytes behind the sequence's head.
+        [[nodiscard]] size_t capacity() const {
+            return buffer.size() * sizeof(uint64_t) - sizeof(LV2_Atom);
+        }
     };
 
     void connect_ports(const Bundle& bundle, const LilvPlugin* description);
-    void prepare_messages();
+    void clear_messages();
+    void hand_over_messages();
     void run_block(const float* in, float* out, uint32_t frames);
 
     int channels_;
@@ -59,9 +76,11 @@ class Plugin {
     uint32_t block_;
     LV2_URID sequence_type_;
     LV2_URID chunk_type_;
+    LV2_URID float_type_;
     InstancePtr instance_;
     std::vector<float> values_;  ///< by port number, zero for ports that have none
     std::vector<MessagePort> message_ports_;
+    MessageSink message_sink_;
     std::vector<std::vector<float>> inputs_;  ///< by channel, `block_` frames each
     std::vector<std::vector<float>> outputs_;
 };

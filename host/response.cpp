@@ -125,6 +125,7 @@ PlotText plot_text(const Bundle& bundle, const ResponseRequest& request) {
                      "Measured at " + std::to_string(request.rate_hz) + " Hz"};
     const Settings& settings = request.settings;
     if (!settings.preset.empty()) text.title += " \u2013 " + bundle.preset_label(settings.preset);
+    if (!settings.state.empty()) text.note += ", " + settings.state;
     for (const std::string& assignment : settings.assignments) text.note += ", " + assignment;
     return text;
 }

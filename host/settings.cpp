@@ -9,6 +9,7 @@
 #include <cmath>
 #include <optional>
 
+#include "host/state_file.h"
 #include "host/user_error.h"
 
 namespace brindle {
@@ -67,6 +68,7 @@ std::string short_number(float value) {
 
 ControlValues Settings::resolve(Bundle& bundle) const {
     ControlValues values;
+    if (!state.empty()) values = load_state(bundle, state);
     if (!preset.empty()) values = bundle.preset(preset);
     const std::vector<ControlInfo> controls = bundle.controls();
     for (const std::string& assignment : assignments) {

@@ -8,9 +8,10 @@
 
 namespace brindle {
 
-/// The controls that a command line asks for: a preset, then single values over it.
+/// The controls that a command line asks for: a saved state, a preset, then single values over it.
 struct Settings {
-    std::string preset;                    ///< label; empty for the defaults
+    std::string state;                     ///< path of an LV2 state; empty for none
+    std::string preset;                    ///< label; empty for none
     std::vector<std::string> assignments;  ///< each "SYMBOL=VALUE"
 
     /// Port numbers and values in the order in which they are to be set. A value is a number

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: ISC
+// `brindle open` on a real display: the window, a user's hands on it, and the state that is left.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <regex>
+#include <string>
+
+#include "tests/host/opened_window.h"
+#include "tests/host/program.h"
+
+namespace brindle::test {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+constexpr const char* kTitle = "Brindle Console EQ";
+/// The third band's gain at the editor's design size, in pixels of the window.
+constexpr int kGainX = 254;
+constexpr int kGainY = 470;
+
+class Open : public ProgramTest {
+  protected:
+    /// Starts the program without waiting for its end.
+    std::future<Outcome> start(const std::string& arguments) {
+        return std::async(std::launch::async, [this, arguments] {
+            return shell("timeout 60 " BRINDLE_PROGRAM " open --silent " + arguments);
+        });
+    }
+
+    /// Values of a state by symbol.
+    [[nodiscard]] std::map<std::string, double> state(const std::string& name) const {
+        const std::regex port("lv2:symbol \"(\\w+)\"\\s*;\\s*pset:value ([-+.0-9eE]+)");
+        const std::string text = text_of(name);
+        std::map<std::string, double> values;
+        for (std::sregex_iterator i(text.begin(), text.end(), port); i != std::sregex_iterator();
+             ++i) {
+            values[(*i)[1]] = std::stod((*i)[2]);
+        }
+        return values;
+    }
+};
+
+TEST_F(Open, ClosingTheWindowLeavesTheStateThatWasSet) {
+    std::future<Outcome> ended = start("--preset Kick --set trim=-3.25 --save s.ttl");
+    OpenedWindow window(kTitle);
+    EXPECT_TRUE(window.resize(1300, 700));
+    EXPECT_TRUE(window.resize(640, 500));
+    window.close();
+    const Outcome outcome = ended.get();
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.out,
+                AllOf(HasSubstr("Playing pink noise (stereo, 48000 Hz) without a sound "
+                                "device. Close the window to end.\n"),
+                      EndsWith("Wrote s.ttl.\n")));
+    const auto values = state("s.ttl");
+    EXPECT_EQ(values.size(), 51u);
+    EXPECT_EQ(values.at("trim"), -3.25);
+    EXPECT_NEAR(values.at("b1_freq"), 419.428, 1e-4);
+
+    // Read again from another place, as a file or a folder, it sounds the same.
+    std::filesystem::create_directory(path("folder"));
+    std::filesystem::rename(path("s.ttl"), path("folder/state.ttl"));
+    shell("cp folder/state.ttl moved.ttl");
+    brindle("response asked.csv --preset Kick --set trim=-3.25");
+    brindle("response file.csv --load moved.ttl");
+    brindle("response folder.csv --load folder");
+    EXPECT_EQ(text_of("file.csv"), text_of("asked.csv"));
+    EXPECT_EQ(text_of("folder.csv"), text_of("asked.csv"));
+    EXPECT_NE(text_of("asked.csv"), "");
+}
+
+TEST_F(Open, ADraggedKnobChangesItsControlAndNothingElse) {
+    save("loop.wav", tone(500.0, 0.3, 0.4, 44100, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16));
+    std::future<Outcome> ended = start("loop.wav --save before.ttl");
+    OpenedWindow(kTitle).close();
+    EXPECT_THAT(ended.get().out, HasSubstr("Playing loop.wav (mono, 44100 Hz)"));
+    ended = start("--signal sweep --load before.ttl --save after.ttl");
+    OpenedWindow window(kTitle);
+    window.drag(kGainX, kGainY, 30, -30);
+    window.close();
+    EXPECT_THAT(ended.get().out, HasSubstr("Playing a sweep"));
+    auto before = state("before.ttl");
+    auto after = state("after.ttl");
+    EXPECT_EQ(before["b3_gain"], 0.0);
+    EXPECT_GT(after["b3_gain"], 1.0);
+    before.erase("b3_gain");
+    after.erase("b3_gain");
+    EXPECT_EQ(before, after);
+}
+
+TEST_F(Open, ARequestToStopEndsItLikeAClosedWindow) {
+    const Outcome outcome = shell("timeout --preserve-status -s TERM 3 " BRINDLE_PROGRAM
+                                  " open --silent --set b2_gain=4 --save s.ttl");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(state("s.ttl")["b2_gain"], 4.0);
+    // The state that was loaded may be written over.
+    shell("timeout --preserve-status -s INT 3 " BRINDLE_PROGRAM
+          " open --silent --load s.ttl --set b2_gain=5 --save s.ttl");
+    EXPECT_EQ(state("s.ttl")["b2_gain"], 5.0);
+    EXPECT_THAT(files(), testing::ElementsAre("s.ttl"));
+}
+
+TEST_F(Open, WhatCannotBeOpenedIsSaidAndLeavesNothingBehind) {
+    save("six.wav", noise(0.5, 1000, 48000, 6, SF_FORMAT_WAV | SF_FORMAT_PCM_16));
+    save("empty.wav", noise(0.5, 0, 48000, 2, SF_FORMAT_WAV | SF_FORMAT_PCM_16));
+    std::ofstream(path("there.ttl")) << "<> a <urn:nothing> .\n";
+    struct Case {
+        const char* arguments;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"none.wav", "cannot read none.wav: No such file or directory."},
+        {"six.wav", "it has 6 channels, the plugin takes one or two."},
+        {"empty.wav", "cannot play empty.wav: it is empty."},
+        {"--save there.ttl", "cannot write there.ttl: it exists already."},
+        {"--save none/s.ttl", "cannot write none/s.ttl: No such file or directory."},
+        {"--load none.ttl", "cannot read none.ttl: No such file or directory."},
+        {"--load .", "cannot read ./state.ttl: No such file or directory."},
+        {"--load there.ttl", "cannot read there.ttl: it holds no state of this plugin."},
+    };
+    const auto before = files();
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.arguments);
+        const Outcome outcome = start(each.arguments).get();
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_THAT(outcome.err, AllOf(HasSubstr("brindle: "), HasSubstr(each.reason)))
+            << outcome.err;
+        EXPECT_EQ(files(), before);
+    }
+    const Outcome blind = brindle("open --silent", "unset DISPLAY");
+    EXPECT_EQ(blind.status, 1);
+    EXPECT_EQ(blind.err,
+              "brindle: there is no display to open a window on; \"brindle screenshot\" needs "
+              "none.\n");
+    // The inner shell tells the program's own status: xvfb-run has failures of its own at the end.
+    const Outcome plain = shell(
+        "xvfb-run -a -s '-screen 0 1200x800x24 -extension GLX -noreset' sh -c '" BRINDLE_PROGRAM
+        " open --silent --save s.ttl; echo status $?'");
+    EXPECT_THAT(plain.out, EndsWith("status 1\n"));
+    EXPECT_THAT(plain.err, HasSubstr("brindle: the editor cannot be opened on this display.\n"));
+    EXPECT_EQ(files(), before);
+}
+
+}  // namespace
+}  // namespace brindle::test

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: ISC
+// `brindle screenshot` where there is no display: what is to be seen in the picture.
+#include <cairo.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/host/program.h"
+
+namespace brindle::test {
+namespace {
+
+using testing::HasSubstr;
+
+struct Screenshot {
+    int width = 0;
+    int height = 0;
+    std::vector<uint32_t> pixels;  ///< 0xRRGGBB by rows
+
+    [[nodiscard]] uint32_t at(int x, int y) const {
+        return pixels.at(static_cast<size_t>(y * width + x));
+    }
+};
+
+class ScreenshotTest : public ProgramTest {
+  protected:
+    Screenshot take(const std::string& arguments) {
+        const std::string name = "picture.png";
+        std::filesystem::remove(path(name));
+        const Outcome outcome = brindle("screenshot " + name + ' ' + arguments, "unset DISPLAY");
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_THAT(outcome.out, HasSubstr("Wrote picture.png.\n"));
+        return read(name);
+    }
+
+  private:
+    [[nodiscard]] Screenshot read(const std::string& name) const {
+        cairo_surface_t* surface = cairo_image_surface_create_from_png(path(name).c_str());
+        Screenshot picture = {
+            cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface), {}};
+        const int stride = cairo_image_surface_get_stride(surface);
+        for (int y = 0; y < picture.height; ++y) {
+            const unsigned char* row = cairo_image_surface_get_data(surface) + y * stride;
+            for (int x = 0; x < picture.width; ++x) {
+                uint32_t pixel = 0;
+                std::memcpy(&pixel, row + x * 4, sizeof pixel);
+                picture.pixels.push_back(pixel & 0xffffffu);
+            }
+        }
+        cairo_surface_destroy(surface);
+        return picture;
+    }
+};
+
+/// Share of the pixels inside a rectangle that differ.
+double difference(const Screenshot& a, const Screenshot& b, int left, int top, int right,
+                  int bottom) {
+    int count = 0;
+    for (int y = top; y < bottom; ++y) {
+        for (int x = left; x < right; ++x) count += a.at(x, y) != b.at(x, y) ? 1 : 0;
+    }
+    return static_cast<double>(count) / ((right - left) * (bottom - top));
+}
+
+// The graph of the design size: 20 Hz to 20 kHz from x = 41 to 958, 0 dB at y = 187, 7.13 pixels
+// to a dB.
+int graph_x(double freq_hz) {
+    return static_cast<int>(std::lround(41.0 + 917.0 / 3.0 * std::log10(freq_hz / 20.0)));
+}
+double graph_y(double gain_db) {
+    return 187.0 - 7.13 * gain_db;
+}
+/// Row of the curve in a column where it lies above 0 dB: the topmost pixel as bright as no grid
+/// line is.
+int curve_y(const Screenshot& picture, int x) {
+    int y = 50;
+    while (y < 320 && (picture.at(x, y) >> 16) < 150) ++y;
+    return y;
+}
+
+TEST_F(ScreenshotTest, TheCurveStandsWhereTheMeasuredResponseIs) {
+    const std::string settings = " --set b1_type='Lo Shelf' --set b1_freq=1000 --set b1_gain=10";
+    const Screenshot flat = take("");
+    const Screenshot shelf = take(settings);
+    ASSERT_EQ(flat.width, 1000);
+    ASSERT_EQ(flat.height, 600);
+    brindle("response shelf.csv" + settings);
+    const std::map<double, double> gains = table("shelf.csv");
+    for (const double freq_hz : {170.0, 350.0, 700.0, 1400.0, 2800.0}) {
+        SCOPED_TRACE(freq_hz);
+        const double gain_db = gains.lower_bound(freq_hz)->second;
+        EXPECT_NEAR(curve_y(flat, graph_x(freq_hz)), graph_y(0.0), 3.0);
+        EXPECT_NEAR(curve_y(shelf, graph_x(freq_hz)), graph_y(gain_db), 3.0);
+    }
+}
+
+TEST_F(ScreenshotTest, AudioMovesTheMeters) {
+    const Screenshot plain = take("");
+    const Screenshot loud = take("--set trim=12");
+    // Beside the left edge the input's meter, beside the right one the output's.
+    EXPECT_LT(difference(plain, loud, 45, 430, 75, 575), 0.01);
+    EXPECT_GT(difference(plain, loud, 925, 430, 955, 575), 0.05);
+    // The analyser's rows above the keyboard show the noise in many shades.
+    std::set<uint32_t> shades;
+    for (int x = 45; x < 955; ++x) shades.insert(plain.at(x, 345));
+    EXPECT_GT(shades.size(), 30u);
+}
+
+TEST_F(ScreenshotTest, OtherSizesAndPresets) {
+    const Screenshot start = take("--size 1500x900");
+    const Screenshot preset = take("--size 1500x900 --preset 'push+pull tone'");
+    ASSERT_EQ(start.width, 1500);
+    ASSERT_EQ(start.height, 900);
+    ASSERT_EQ(preset.pixels.size(), start.pixels.size());
+    EXPECT_GT(difference(start, preset, 0, 0, 1500, 900), 0.02);
+    EXPECT_NE(start.at(1490, 890), 0u);  // drawn to the last corner
+}
+
+TEST_F(ScreenshotTest, WhatCannotBeDoneIsSaidAndLeavesNothingBehind) {
+    struct Case {
+        const char* arguments;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"out.jpg", "cannot write out.jpg: its name has to end in .png."},
+        {"none/out.png", "cannot write none/out.png: No such file or directory."},
+        {"out.png --size 1000", "\"1000\" is no size from 500x300 to 7680x4320 pixels."},
+        {"out.png --size 1000x600x2", "is no size"},
+        {"out.png --size 499x600", "is no size"},
+        {"out.png --size 99999999999x600", "is no size"},
+        {"out.png --preset Nothing", "there is no preset \"Nothing\""},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.arguments);
+        const Outcome outcome =
+            brindle(std::string("screenshot ") + each.arguments, "unset DISPLAY");
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_THAT(outcome.err, HasSubstr(each.reason));
+        EXPECT_TRUE(files().empty());
+    }
+    const Outcome without = brindle("screenshot out.png", "unset DISPLAY; PATH=/none");
+    EXPECT_EQ(without.status, 1);
+    EXPECT_EQ(without.err,
+              "brindle: there is no display, and Xvfb, which would stand in, cannot be "
+              "started.\n");
+    EXPECT_TRUE(files().empty());
+}
+
+}  // namespace
+}  // namespace brindle::test
