@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: ISC
 // The editor of the built bundle, opened as hosts open it.
-#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <lv2/parameters/parameters.h>
 #include <malloc.h>
 
 #include <fstream>
 #include <memory>
-#include <stdexcept>
 
 #include "tests/support/ui_host.h"
 
 namespace brindle {
 namespace {
 
+using test::BuiltEditor;
 using test::UiHost;
 using test::UiWrite;
 using testing::ElementsAre;
@@ -21,17 +20,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
-
-const LV2UI_Descriptor* Entry(uint32_t index = 0) {
-    static const auto entry = [] {
-        void* library = dlopen(BRINDLE_BUNDLE "brindle.so", RTLD_NOW | RTLD_LOCAL);
-        if (library == nullptr) {
-            throw std::runtime_error(dlerror());
-        }
-        return reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor"));
-    }();
-    return entry(index);
-}
 
 /// What the editor printed meanwhile.
 struct Printed {
@@ -61,16 +49,16 @@ long ResidentKib() {
 }
 
 TEST(Editor, HasOneDescriptorWithAnIdleInterface) {
-    ASSERT_NE(Entry(), nullptr);
-    EXPECT_EQ(Entry(), Entry());
-    EXPECT_EQ(Entry(1), nullptr);
-    EXPECT_STREQ(Entry()->URI, kEditorUri);
-    EXPECT_NE(Entry()->extension_data(LV2_UI__idleInterface), nullptr);
-    EXPECT_EQ(Entry()->extension_data(LV2_UI__showInterface), nullptr);
+    ASSERT_NE(BuiltEditor(), nullptr);
+    EXPECT_EQ(BuiltEditor(), BuiltEditor());
+    EXPECT_EQ(BuiltEditor(1), nullptr);
+    EXPECT_STREQ(BuiltEditor()->URI, kEditorUri);
+    EXPECT_NE(BuiltEditor()->extension_data(LV2_UI__idleInterface), nullptr);
+    EXPECT_EQ(BuiltEditor()->extension_data(LV2_UI__showInterface), nullptr);
 }
 
 TEST(Editor, OpensInTheParentAndAsksForItsSize) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     EXPECT_TRUE(host.window.IsShown(host.child));
     EXPECT_TRUE(host.window.HasSize(host.child, 1000, 600));
@@ -79,7 +67,7 @@ TEST(Editor, OpensInTheParentAndAsksForItsSize) {
 }
 
 TEST(Editor, SaysItsTwoMessagesToTheByte) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     host.IdleTimes(3);
     host.Close();
@@ -96,7 +84,7 @@ TEST(Editor, SaysItsTwoMessagesToTheByte) {
 }
 
 TEST(Editor, MapsOptionsThenMessagesInOrder) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     auto order = host.map.order();
     // Forge types stand between, mapped in the order of LV2's own header.
@@ -118,7 +106,7 @@ TEST(Editor, MapsOptionsThenMessagesInOrder) {
 }
 
 TEST(Editor, TellsTheOptionsThatItUses) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     host.AddOption(LV2_UI__scaleFactor, LV2_ATOM__Float, 2.0f);
     host.AddOption(LV2_UI__backgroundColor, LV2_ATOM__Int, 0x11223380u);
     host.AddOption(LV2_UI__backgroundColor, LV2_ATOM__Int, 0x445566ffu, false);
@@ -145,7 +133,7 @@ TEST(Editor, TellsTheOptionsThatItUses) {
 }
 
 TEST(Editor, ReadsNoOptionsWithoutAMap) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     host.AddOption(kStyleBoxyUri, LV2_ATOM__Bool, 1);
     host.hasMap = false;
     const Printed printed = PrintedBy([&] { EXPECT_TRUE(host.Open()); });
@@ -155,7 +143,7 @@ TEST(Editor, ReadsNoOptionsWithoutAMap) {
 }
 
 TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     host.hasTouch = false;
     EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err,
                 "error: Required touch interface extension is not available.\n");
@@ -177,7 +165,7 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
 }
 
 TEST(Editor, TellsKeysOnStandardError) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     host.IdleTimes(3);
     host.window.MovePointer(20, 20);
@@ -202,7 +190,7 @@ TEST(Editor, TellsKeysOnStandardError) {
 }
 
 TEST(Editor, FollowsItsParentsSize) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     host.window.Resize(1500, 700);
     EXPECT_TRUE(
@@ -210,9 +198,9 @@ TEST(Editor, FollowsItsParentsSize) {
 }
 
 TEST(Editor, OpensAndClosesWithoutTrace) {
-    UiHost other(Entry());
+    UiHost other(BuiltEditor());
     ASSERT_TRUE(other.Open());
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     const auto round = [&](bool parentGoesFirst) {
         ASSERT_TRUE(host.Open());
         host.Report(kTrimPort, 1.0f);
@@ -238,7 +226,7 @@ TEST(Editor, OpensAndClosesWithoutTrace) {
 }
 
 TEST(Editor, LetsNoExceptionThrough) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     host.failsWrites = true;
     EXPECT_FALSE(host.Open());
     host.failsWrites = false;
@@ -250,7 +238,7 @@ TEST(Editor, LetsNoExceptionThrough) {
 }
 
 TEST(Editor, IgnoresWhatIsMalformed) {
-    UiHost host(Entry());
+    UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     alignas(8)
         const uint32_t lies[] = {0xffffffffu, host.map(LV2_ATOM__Object), 1, host.map(kMessageUri)};

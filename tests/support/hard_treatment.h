@@ -28,7 +28,7 @@ class Random {
         return std::uniform_real_distribution<float>(low, high)(engine_);
     }
     template <typename List>
-    const auto& pick(const List& list) {
+    auto& pick(List& list) {
         return list[below(static_cast<uint32_t>(std::size(list)))];
     }
 

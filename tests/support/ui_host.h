@@ -3,6 +3,7 @@
 /// all that it asks of its host.
 #pragma once
 
+#include <dlfcn.h>
 #include <lv2/atom/atom.h>
 #include <lv2/options/options.h>
 #include <lv2/ui/ui.h>
@@ -17,6 +18,18 @@
 #include "tests/support/plugin_host.h"
 
 namespace brindle::test {
+
+/// The descriptors of the built bundle's editors, its library loaded on first use.
+inline const LV2UI_Descriptor* BuiltEditor(uint32_t index = 0) {
+    static const auto entry = [] {
+        void* library = dlopen(BRINDLE_BUNDLE "brindle.so", RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr) {
+            throw std::runtime_error(dlerror());
+        }
+        return reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor"));
+    }();
+    return entry(index);
+}
 
 /// One call of the write function.
 struct UiWrite {
