@@ -13,12 +13,14 @@
 namespace brindle {
 namespace {
 
+LV2UI_DescriptorFunction Entry() {
+    void* library = dlopen(BRINDLE_BUNDLE "brindle.so", RTLD_NOW | RTLD_LOCAL);
+    return reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor"));
+}
+
 /// From instantiate until the first frame is on the screen.
 void BM_OpenToFirstFrame(benchmark::State& state) {
-    void* library = dlopen(BRINDLE_BUNDLE "brindle.so", RTLD_NOW | RTLD_LOCAL);
-    const auto entry =
-        reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor"));
-    test::UiHost host(entry(0));
+    test::UiHost host(Entry()(0));
     for (auto _ : state) {
         host.Open();
         host.Idle();
@@ -49,6 +51,38 @@ void BM_Frame(benchmark::State& state) {
     window->MakeCurrent();
 }
 BENCHMARK(BM_Frame)->ArgName("dirty")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// A frame of the whole panel at 1000 x 600 with its meters moving, until the X server shows it.
+/// Argument: what else has changed: nothing, a gain, or whether a band is on.
+void BM_PanelFrame(benchmark::State& state) {
+    test::UiHost host(Entry()(0));
+    host.Open();
+    for (int strip = 0; strip < kBandCount; ++strip) {
+        const float values[] = {1.0f, 9.0f, 6.0f, 63.0f * static_cast<float>(1 << strip), 1.0f};
+        for (uint32_t i = 0; i < kControlCount; ++i) {
+            host.Report(band_port(strip) + i, values[i]);
+        }
+    }
+    host.IdleTimes(3);
+    int frame = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        ++frame;
+        host.Report(kMeterInPort, 0.01f * static_cast<float>(frame % 50));
+        if (state.range(0) == 1) {
+            host.Report(band_port(3) + kGain, 0.1f * static_cast<float>(frame % 100));
+        } else if (state.range(0) == 2) {
+            host.Report(band_port(3) + kEnable, static_cast<float>(frame % 2));
+        }
+        host.Idle();
+        host.GetPixel(0, 0);
+    }
+}
+BENCHMARK(BM_PanelFrame)
+    ->ArgName("change")
+    ->DenseRange(0, 2)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 
 }  // namespace
 }  // namespace brindle

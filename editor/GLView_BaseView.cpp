@@ -260,7 +260,11 @@ void GLView_BaseView::RenderFrame() {
         layerWidth = windowWidth;
         layerHeight = windowHeight;
         UpdateLetterbox();
-        DrawLayers();
+        DrawStaticLayer();
+        frameStale = true;
+    }
+    if (frameStale) {
+        DrawFrameLayer();
     }
     FrameLayers::BindWindow();
     glDisable(GL_DEPTH_TEST);
@@ -272,7 +276,7 @@ void GLView_BaseView::RenderFrame() {
     DrawOverlay();
 }
 
-void GLView_BaseView::DrawLayers() {
+void GLView_BaseView::DrawStaticLayer() {
     layers.BindStatic();
     SetProjection();
     DrawBackground();
@@ -280,6 +284,11 @@ void GLView_BaseView::DrawLayers() {
         const MatrixScope matrix;
         DrawBack();
     }
+    redrawNeeded = false;
+}
+
+void GLView_BaseView::DrawFrameLayer() {
+    layers.BindStatic();
     layers.CopyStaticToFrame();
     layers.BindFrame();
     SetProjection();
@@ -287,7 +296,7 @@ void GLView_BaseView::DrawLayers() {
         const MatrixScope matrix;
         Draw();
     }
-    redrawNeeded = false;
+    frameStale = false;
 }
 
 void GLView_BaseView::DrawFrameTexture() const {

@@ -35,6 +35,8 @@ class GLView_BaseView : public GLView {
     /// Renders one frame into the window of the current GL context, which it leaves bound.
     void RenderFrame();
     void SetSampleRate(float rate);
+    /// Whether the next frame draws more than what moves.
+    bool IsStale() const { return redrawNeeded || frameStale; }
     /// Of the event that is passed in next.
     void SetEventTime(uint32_t time_ms) { eventTime = time_ms; }
     void SetModifiers(uint32_t newModifiers) { modifiers = newModifiers; }
@@ -114,6 +116,7 @@ class GLView_BaseView : public GLView {
     float letterboxX = 0.0f;  ///< margins beside and above the frame, window pixels
     float letterboxY = 0.0f;
     FrameLayers layers;
+    bool frameStale = false;  ///< main passes have changed, the back passes in the static layer not
     GLView* modalDialog = nullptr;  ///< observed
     std::array<float, 128> parameters{};
 
@@ -121,7 +124,8 @@ class GLView_BaseView : public GLView {
     GLPoint PixelToTree(GLPoint framePixel) const;
     void ClearInfo();
     void UpdateLetterbox();
-    void DrawLayers();
+    void DrawStaticLayer();
+    void DrawFrameLayer();
     void SetProjection() const;
     void DrawFrameTexture() const;
     void DrawOverlay();

@@ -23,6 +23,16 @@ constexpr int32_t kDesignWidth = 1000;
 constexpr int32_t kDesignHeight = 600;
 constexpr float kDragSensitivity = 0.003f;
 
+/// Which controls light up and which have an effect is seen in the static layer; their values are
+/// not. A drag then costs half a panel only.
+bool ChangesStaticLayer(uint32_t port) {
+    if (port < band_port(0) || port >= section_port(kSectionCount)) {
+        return port != kTrimPort;
+    }
+    const uint32_t control = (port - band_port(0)) % kControlCount;
+    return control == kEnable || control == kType;
+}
+
 GLView_Caption* MakeCaption(const char* text, float labelSize, int alignment) {
     auto* caption = new GLView_Caption;
     caption->SetLabel(text);
@@ -173,10 +183,12 @@ void GLView_StripEqView::TakeControl(uint32_t port, float value) {
     // drawn in each frame anyway.
     const bool isMeter = port == kMeterInPort || port == kMeterOutPort;
     const bool isNews = port >= reported.size() || !reported[port] || GetParameter(port) != value;
+    const bool isDrawn = isNews && !isMeter;
     if (port < reported.size()) {
         reported[port] = true;
     }
-    SetParameter(port, value, isNews && !isMeter);
+    SetParameter(port, value, isDrawn && ChangesStaticLayer(port));
+    frameStale = frameStale || isDrawn;
     if (port == kMeterInPort) {
         inputMeter->level = value;
     }
@@ -226,10 +238,10 @@ void GLView_StripEqView::DrawBackground() {
     // Darker than what stands on it.
     constexpr float kShare = 0.7f;
     const GLColor ground = GetBackgroundColor();
-    glDisable(GL_TEXTURE_2D);
-    ground.ApplyDimmed(kShare);
-    glRectf(viewLeft, viewBottom, viewRight, viewTop);
-    glEnable(GL_TEXTURE_2D);
+    // The layer has the panel's proportions; a rectangle over all of it takes five times as long.
+    glClearColor(ground.red * kShare, ground.green * kShare, ground.blue * kShare, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);  // what the window's margins are cleared with
 }
 
 void GLView_StripEqView::DrawBack() {

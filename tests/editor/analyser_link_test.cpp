@@ -107,10 +107,11 @@ TEST(Panel, DrawsAnewForNewsOnly) {
     auto& panel = *static_cast<EditorInstance*>(host.handle)->rootView;
     host.IdleTimes(3);
     const auto draws_anew = [&](uint32_t port, float value) {
-        panel.redrawNeeded = false;
+        host.IdleTimes(2);
+        EXPECT_FALSE(panel.IsStale());
         host.Report(port, value);
         EXPECT_EQ(panel.GetParameter(port), port < 128 ? value : 0.0f);
-        return panel.redrawNeeded;
+        return panel.IsStale();
     };
     EXPECT_TRUE(draws_anew(kTrimPort, 0.0f));  // told for the first time
     EXPECT_FALSE(draws_anew(kTrimPort, 0.0f));

@@ -286,6 +286,28 @@ TEST_F(Panel, DraggingAHandleSoundsAsTheCurveSays) {
     EXPECT_NEAR(CurveDb(25.0), 8.64, 0.1);
 }
 
+TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
+    const auto shown = [&] {
+        host.IdleTimes(2);
+        return host.window.GetPixels(host.child, 1000, 600);
+    };
+    auto before = shown();
+    for (int strip = 0; strip < kStrips; strip += 3) {
+        const bool wasOn = plugin.port(FirstPort(strip)) != 0.0f;
+        const float values[] = {wasOn ? 0.0f : 1.0f, 4.0f, 9.0f, 3000.0f, 4.0f};
+        for (uint32_t control = 0; control < kControlCount; ++control) {
+            SCOPED_TRACE(testing::Message() << strip << ", control " << control);
+            Report(FirstPort(strip) + kEnable, 1.0f);
+            Report(FirstPort(strip) + control, values[control]);
+            const auto parts = shown();
+            Root().redrawNeeded = true;
+            EXPECT_TRUE(parts == shown());
+            EXPECT_TRUE(parts != before);
+            before = parts;
+        }
+    }
+}
+
 TEST_F(Panel, WorksInAHostThatReportsNothingBack) {
     echoes = false;
     const auto wait_for = [&](uint32_t port, float value) {

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 namespace brindle {
 
@@ -119,6 +120,19 @@ class HostWindow {
         const auto pixel = static_cast<uint32_t>(XGetPixel(image, 0, 0));
         XDestroyImage(image);
         return pixel & 0xffffffu;
+    }
+    /// The same for all pixels of a window's upper left part, row by row.
+    std::vector<uint32_t> GetPixels(uintptr_t window, int width, int height) {
+        XImage* image = XGetImage(display, window, 0, 0, static_cast<unsigned>(width),
+                                  static_cast<unsigned>(height), AllPlanes, ZPixmap);
+        std::vector<uint32_t> pixels;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                pixels.push_back(static_cast<uint32_t>(XGetPixel(image, x, y)) & 0xffffffu);
+            }
+        }
+        XDestroyImage(image);
+        return pixels;
     }
     bool HasSize(uintptr_t window, int width, int height) {
         XWindowAttributes attributes{};
