@@ -66,8 +66,8 @@ void glide(double& value, double target) {
     value = 0.98 * value + 0.02 * target + 1e-20;
 }
 
-// Glides of one stage, then its design; true when any of its values is new.
-bool tick_stage(FilterStage& stage, bool on) {
+// Glides of one stage, then its design, for which `alike` may serve; true when any value is new.
+bool tick_stage(FilterStage& stage, bool on, const FilterStage* alike) {
     const FilterStage before = stage;
     glide(stage.gain, stage.gain_target);
     glide(stage.freq, stage.freq_target);
@@ -76,7 +76,7 @@ bool tick_stage(FilterStage& stage, bool on) {
     double& falling = on ? stage.dry : stage.wet;
     rising = 0.98 * rising + 0.02;
     falling = 0.98 * falling + 1e-20;
-    const bool designed = design(stage);
+    const bool designed = design(stage, alike);
     return designed || stage.gain != before.gain || stage.freq != before.freq ||
            stage.q != before.q || stage.wet != before.wet || stage.dry != before.dry;
 }
@@ -144,9 +144,14 @@ void control_tick(EqInstance& eq) noexcept {
             apply_section(eq.sections[i], eq.section_type[i], eq.section_gain[i],
                           eq.section_freq[i], eq.section_q[i]);
         }
-        for (FilterStage& stage : eq.sections[i]) changed |= tick_stage(stage, eq.section_on[i]);
+        const FilterStage* last = nullptr;  // the stages of a steep pass are all alike
+        for (FilterStage& stage : eq.sections[i]) {
+            changed |= tick_stage(stage, eq.section_on[i], last);
+            last = &stage;
+        }
     }
-    for (size_t i = 0; i < eq.bands.size(); ++i) changed |= tick_stage(eq.bands[i], eq.band_on[i]);
+    for (size_t i = 0; i < eq.bands.size(); ++i)
+        changed |= tick_stage(eq.bands[i], eq.band_on[i], nullptr);
     if (changed) update_weights(eq);
 
     const float trim_before = eq.trim_gain;

@@ -25,6 +25,12 @@ bool has_fixed_q(int32_t type) {
            type == static_cast<int32_t>(BandType::HighPass12);
 }
 
+Coefficients designed(const FilterStage& stage) {
+    const bool known = stage.type >= 0 && static_cast<size_t>(stage.type) < kDesigns.size();
+    const DesignFunction function = known ? kDesigns[static_cast<size_t>(stage.type)] : design_flat;
+    return function({stage.gain, stage.freq, stage.q, stage.damping, stage.dt});
+}
+
 // The tiny addend keeps a value that falls toward zero off the denormal numbers.
 void smooth(double& value, double target) {
     value = 0.95 * value + 0.05 * target + 1e-24;
@@ -53,18 +59,21 @@ void set_targets(FilterStage& stage, double gain, double freq, double q) noexcep
     stage.q_target = q;
 }
 
-bool design(FilterStage& stage) noexcept {
+bool design(FilterStage& stage, const FilterStage* alike) noexcept {
     smooth(stage.gain, stage.gain_target);
     smooth(stage.freq, stage.freq_target);
     smooth(stage.q, stage.q_target);
-    if (has_fixed_q(stage.type)) stage.q = kFixedQ;
+    const bool pass = has_fixed_q(stage.type);
+    if (pass) stage.q = kFixedQ;
 
-    const FilterStage::Origin origin = {stage.type, stage.gain, stage.freq, stage.q, stage.damping};
+    FilterStage::Origin origin = {stage.type, stage.gain, stage.freq, stage.q, stage.damping};
+    if (pass) origin.gain = origin.damping = 0.0;
     if (origin == stage.origin) return false;
     stage.origin = origin;
-    const bool known = stage.type >= 0 && static_cast<size_t>(stage.type) < kDesigns.size();
-    const DesignFunction function = known ? kDesigns[static_cast<size_t>(stage.type)] : design_flat;
-    const Coefficients c = function({stage.gain, stage.freq, stage.q, stage.damping, stage.dt});
+    const bool same = alike && alike->origin == origin;
+    const Coefficients c = same
+                               ? Coefficients{alike->b0, alike->b1, alike->b2, alike->a1, alike->a2}
+                               : designed(stage);
     stage.b0 = c.b0;
     stage.b1 = c.b1;
     stage.b2 = c.b2;

@@ -19,7 +19,7 @@ inline constexpr double kFixedQ = 0.7071;
 /// y = b0·x + s1; s1 ← s2 + b1·x + a1·y; s2 ← b2·x + a2·y.
 /// The states s1 and s2 of each channel stand beside those of the other stages, in CascadeState.
 struct FilterStage {
-    /// What the coefficients were designed from.
+    /// What the coefficients were designed from; zero what does not enter into them.
     struct Origin {
         int32_t type;
         double gain, freq, q, damping;
@@ -48,7 +48,8 @@ void set_targets(FilterStage& stage, double gain, double freq, double q) noexcep
 
 /// One smoothing step of gain, frequency and Q toward their targets, then new coefficients for the
 /// stage's type, unless they would be the same. Called at each control tick; true when the
-/// coefficients are new. Real-time safe.
-bool design(FilterStage& stage) noexcept;
+/// coefficients are new. Where those of the stage `alike` would be the same, they are copied; it
+/// may be null. Real-time safe.
+bool design(FilterStage& stage, const FilterStage* alike = nullptr) noexcept;
 
 }  // namespace brindle
