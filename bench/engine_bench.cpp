@@ -72,10 +72,10 @@ std::map<Shape, double> plain_ns;
 std::map<std::pair<Shape, int64_t>, double> rest_ns;
 
 /// Time of `block` for a sample [ns], the least of many short spans, in which no other program
-/// took the processor away.
+/// took the processor away. Not inlined, so that valgrind can count its instructions by name.
 template <typename Block>
-double measure(benchmark::State& state, int64_t samples, Block block) {
-    const int64_t calls = std::max<int64_t>(1, 16384 / samples);
+[[gnu::noinline]] double measure(benchmark::State& state, int64_t samples, Block block) {
+    const int64_t calls = std::max<int64_t>(1, 2048 / samples);
     double least = std::numeric_limits<double>::infinity();
     for ([[maybe_unused]] auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
