@@ -5,7 +5,6 @@ install(TARGETS brindle_host DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS brindle_plugin DESTINATION ${CMAKE_INSTALL_LIBDIR}/lv2/brindle.lv2)
 install(DIRECTORY ${BRINDLE_BUNDLE}/ DESTINATION ${CMAKE_INSTALL_LIBDIR}/lv2/brindle.lv2
         PATTERN *.so EXCLUDE)
-install(TARGETS brindle_host DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/org.freedesktop.LinuxAudio.Plugins.BrindleConsoleEQ.metainfo.xml
         DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 file(ARCHIVE_CREATE OUTPUT ${PROJECT_BINARY_DIR}/changelog.gz PATHS ${PROJECT_SOURCE_DIR}/CHANGELOG.md

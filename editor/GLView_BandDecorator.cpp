@@ -77,7 +77,7 @@ const StripPlan& PlanOf(int strip) {
     return kSectionPlans[static_cast<size_t>(strip - kBandCount)];
 }
 
-const StripSpec& DefaultsOf(int strip) {
+const StripRow& DefaultsOf(int strip) {
     return strip < kBandCount ? kBandStrips[static_cast<size_t>(strip)]
                               : kSectionStrips[static_cast<size_t>(strip - kBandCount)];
 }
@@ -143,7 +143,7 @@ void GLView_BandDecorator::AddSelector() {
 
 void GLView_BandDecorator::AddKnobs(const HostWriter& writer, const LV2UI_Touch* touch) {
     const float s = GetInterfaceScale();
-    const ControlSpecs& ranges = IsBand() ? kBandControls : kSectionControls;
+    const ControlRows& ranges = IsBand() ? kBandControls : kSectionControls;
     for (const KnobPlan& plan : kKnobs) {
         auto* knob =
             new GLView_Knob(false, ranges[plan.control].minimum, ranges[plan.control].maximum);

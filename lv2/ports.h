@@ -12,7 +12,7 @@
 namespace brindle {
 
 /// One of the five controls that every band and every section has.
-struct ControlSpec {
+struct ControlRow {
     const char* symbol;  ///< follows the strip's symbol and an underscore
     const char* name;    ///< follows the strip's name
     float minimum;       ///< in the port's unit, as are the two below
@@ -27,10 +27,10 @@ inline constexpr const char* kDecibels = "units:unit units:db ; pprops:rangeStep
 inline constexpr const char* kHertz = "units:unit units:hz ; lv2:portProperty pprops:logarithmic";
 inline constexpr const char* kLogarithmic = "lv2:portProperty pprops:logarithmic";
 
-using ControlSpecs = std::array<ControlSpec, kControlCount>;
+using ControlRows = std::array<ControlRow, kControlCount>;
 
 // clang-format off
-inline constexpr ControlSpecs kBandControls = {{
+inline constexpr ControlRows kBandControls = {{
     // symbol   name          min     max     properties
     {"enable", "Enable",      0.0f,     1.0f, kToggled},
     {"type",   "Type",        0.0f,    12.0f, kEnumeration},
@@ -39,7 +39,7 @@ inline constexpr ControlSpecs kBandControls = {{
     {"q",      "Q",           0.1f,   100.0f, kLogarithmic},
 }};
 
-inline constexpr ControlSpecs kSectionControls = {{
+inline constexpr ControlRows kSectionControls = {{
     {"enable", "Enable",      0.0f,     1.0f, kToggled},
     {"type",   "Type",        0.0f,    17.0f, kEnumeration},
     {"gain",   "Gain",      -18.0f,    18.0f, kDecibels},
@@ -48,7 +48,7 @@ inline constexpr ControlSpecs kSectionControls = {{
 }};
 
 /// A band or a section: five consecutive ports that a host shows as one group.
-struct StripSpec {
+struct StripRow {
     const char* symbol;
     const char* name;
     const char* group;  ///< fragment of the group's URI, and its symbol
@@ -57,7 +57,7 @@ struct StripSpec {
 
 /// Together the defaults leave the sound unchanged: every shelf and bell stands at 0 dB, the
 /// sections are off.
-inline constexpr std::array<StripSpec, kBandCount> kBandStrips = {{
+inline constexpr std::array<StripRow, kBandCount> kBandStrips = {{
     //                          on    type  gain [dB]  freq [Hz]  Q
     {"b1", "Band 1", "band1", {1.0f,  5.0f,  0.0f,      63.0f,    0.71f}},
     {"b2", "Band 2", "band2", {1.0f,  9.0f,  0.0f,     125.0f,    0.71f}},
@@ -69,13 +69,13 @@ inline constexpr std::array<StripSpec, kBandCount> kBandStrips = {{
     {"b8", "Band 8", "band8", {1.0f,  6.0f,  0.0f,    8000.0f,    0.71f}},
 }};
 
-inline constexpr std::array<StripSpec, kSectionCount> kSectionStrips = {{
+inline constexpr std::array<StripRow, kSectionCount> kSectionStrips = {{
     {"seca", "Section A", "sectionA", {0.0f,  2.0f, 0.0f,    30.0f, 1.0f}},
     {"secb", "Section B", "sectionB", {0.0f,  6.0f, 0.0f, 15000.0f, 1.0f}},
 }};
 
 /// A control port outside the strips. Only inputs have a default.
-struct SingleControlSpec {
+struct SingleControlRow {
     uint32_t index;
     const char* direction;  ///< Turtle class
     const char* symbol;
@@ -83,14 +83,14 @@ struct SingleControlSpec {
     const char* range;  ///< Turtle: default (inputs only), minimum, maximum, properties
 };
 
-inline constexpr std::array<SingleControlSpec, 3> kSingleControls = {{
+inline constexpr std::array<SingleControlRow, 3> kSingleControls = {{
     {kTrimPort,     "lv2:InputPort",  "trim",      "Trim",
      "lv2:default 0 ; lv2:minimum -20 ; lv2:maximum 20 ; units:unit units:db ; pprops:rangeSteps 401"},
     {kMeterInPort,  "lv2:OutputPort", "meter_in",  "Input Level",  "lv2:minimum 0 ; lv2:maximum 1"},
     {kMeterOutPort, "lv2:OutputPort", "meter_out", "Output Level", "lv2:minimum 0 ; lv2:maximum 1"},
 }};
 
-struct AudioPortSpec {
+struct AudioPortRow {
     const char* direction;  ///< Turtle class
     const char* symbol;
     const char* name;
@@ -99,11 +99,11 @@ struct AudioPortSpec {
 };
 
 /// From kFirstAudioPort on.
-inline constexpr std::array<AudioPortSpec, kMonoPortCount - kFirstAudioPort> kMonoAudioPorts = {{
+inline constexpr std::array<AudioPortRow, kMonoPortCount - kFirstAudioPort> kMonoAudioPorts = {{
     {"lv2:InputPort",  "in",    "Input",        "monoIn",    "pg:center"},
     {"lv2:OutputPort", "out",   "Output",       "monoOut",   "pg:center"},
 }};
-inline constexpr std::array<AudioPortSpec, kStereoPortCount - kFirstAudioPort> kStereoAudioPorts = {{
+inline constexpr std::array<AudioPortRow, kStereoPortCount - kFirstAudioPort> kStereoAudioPorts = {{
     {"lv2:InputPort",  "in_l",  "Left Input",   "stereoIn",  "pg:left"},
     {"lv2:OutputPort", "out_l", "Left Output",  "stereoOut", "pg:left"},
     {"lv2:InputPort",  "in_r",  "Right Input",  "stereoIn",  "pg:right"},

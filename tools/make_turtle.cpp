@@ -86,11 +86,11 @@ std::string scale_points(std::span<const TypeLabel> labels) {
 }
 
 /// The five ports of a band or section, separated by commas.
-std::string strip_ports(const StripSpec& strip, uint32_t first_port, const ControlSpecs& controls,
+std::string strip_ports(const StripRow& strip, uint32_t first_port, const ControlRows& controls,
                         std::span<const TypeLabel> type_labels) {
     std::string ports;
     for (uint32_t i = 0; i < kControlCount; ++i) {
-        const ControlSpec& control = controls[i];
+        const ControlRow& control = controls[i];
         Node node = port("lv2:InputPort , lv2:ControlPort", first_port + i,
                          std::string(strip.symbol) + '_' + control.symbol,
                          std::string(strip.name) + ' ' + control.name);
@@ -121,7 +121,7 @@ std::string common_ports() {
         ports += strip_ports(kSectionStrips[static_cast<size_t>(section)], section_port(section),
                              kSectionControls, kSectionTypeLabels);
     }
-    for (const SingleControlSpec& single : kSingleControls) {
+    for (const SingleControlRow& single : kSingleControls) {
         ports += " , " + port(std::string(single.direction) + " , lv2:ControlPort", single.index,
                               single.symbol, single.name)
                              .add(single.range)
@@ -130,29 +130,29 @@ std::string common_ports() {
     return ports;
 }
 
-std::string audio_ports(std::span<const AudioPortSpec> specs) {
+std::string audio_ports(std::span<const AudioPortRow> rows) {
     std::string ports;
-    for (size_t i = 0; i < specs.size(); ++i) {
-        const AudioPortSpec& spec = specs[i];
-        ports += (i == 0 ? "" : " , ") +
-                 port(std::string(spec.direction) + " , lv2:AudioPort",
-                      kFirstAudioPort + static_cast<uint32_t>(i), spec.symbol, spec.name)
-                     .add("pg:group " + uri(std::string("#") + spec.group))
-                     .add(std::string("lv2:designation ") + spec.designation)
-                     .str();
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const AudioPortRow& row = rows[i];
+        ports += (i == 0 ? "" : " , ") + port(std::string(row.direction) + " , lv2:AudioPort",
+                                              kFirstAudioPort + static_cast<uint32_t>(i),
+                                              row.symbol, row.name)
+                                             .add("pg:group " + uri(std::string("#") + row.group))
+                                             .add(std::string("lv2:designation ") + row.designation)
+                                             .str();
     }
     return ports;
 }
 
-std::string strip_group(const StripSpec& strip) {
+std::string strip_group(const StripRow& strip) {
     return '\n' + uri(std::string("#") + strip.group) + "\n\ta pg:Group ;\n\tlv2:symbol " +
            quoted(strip.group) + " ;\n\tlv2:name " + quoted(strip.name) + " .\n";
 }
 
 std::string strip_groups() {
     std::string groups;
-    for (const StripSpec& strip : kBandStrips) groups += strip_group(strip);
-    for (const StripSpec& strip : kSectionStrips) groups += strip_group(strip);
+    for (const StripRow& strip : kBandStrips) groups += strip_group(strip);
+    for (const StripRow& strip : kSectionStrips) groups += strip_group(strip);
     return groups;
 }
 
@@ -161,9 +161,9 @@ std::string control_symbol(uint32_t index) {
     if (index == kTrimPort) return kSingleControls[0].symbol;
     const uint32_t strip = (index - kFirstPresetPort) / kControlCount;
     const uint32_t control = (index - kFirstPresetPort) % kControlCount;
-    const StripSpec& spec =
+    const StripRow& row =
         strip < kBandCount ? kBandStrips.at(strip) : kSectionStrips.at(strip - kBandCount);
-    return std::string(spec.symbol) + '_' + kBandControls[control].symbol;
+    return std::string(row.symbol) + '_' + kBandControls[control].symbol;
 }
 
 /// "60Hz Buzz Kill" has the URI ".../presets/60hz-buzz-kill".
