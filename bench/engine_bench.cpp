@@ -138,6 +138,14 @@ class BusyHost {
         host_->port(kTrimPort) = -6.0f * up;
     }
 
+    /// Makes the input `level` with the signs of noise, and lets ten seconds of that pass.
+    void hush(float level) {
+        for (auto& channel : in_) {
+            for (float& sample : channel) sample = std::copysign(level, sample);
+        }
+        for (double n = 0.0; n < 10.0 * kRate; n += static_cast<double>(shape_.block)) run();
+    }
+
   private:
     static std::unique_ptr<test::PluginHost> make(Shape shape, int64_t target) {
         hwy::SetSupportedTargetsForTest(target);
@@ -211,6 +219,28 @@ void longest_call(benchmark::State& state, Shape shape) {
     state.counters["longest_raw"] = longest_raw / median;
 }
 
+/// A block after ten seconds of silence, or of samples that are denormal numbers, beside one of
+/// noise, by turns. Filters that are left with denormals make the first many times slower.
+void after_silence(benchmark::State& state, Shape shape, float level) {
+    BusyHost quiet(shape, 0);
+    BusyHost noisy(shape, 0);
+    quiet.hush(level);
+    const auto time_of = [](BusyHost& host, double& least) {
+        const auto begin = std::chrono::steady_clock::now();
+        host.run();
+        const std::chrono::duration<double, std::nano> span =
+            std::chrono::steady_clock::now() - begin;
+        least = std::min(least, span.count());
+    };
+    double quiet_ns = std::numeric_limits<double>::infinity();
+    double noisy_ns = quiet_ns;
+    for ([[maybe_unused]] auto _ : state) {
+        time_of(quiet, quiet_ns);
+        time_of(noisy, noisy_ns);
+    }
+    state.counters["of_noise"] = quiet_ns / noisy_ns;
+}
+
 void start(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
         test::PluginHost host(2, kRate);
@@ -245,6 +275,11 @@ void register_all() {
         for (int channels : {1, 2}) {
             add("longest_call", {64, channels, analysing}, longest_call)->Iterations(1);
         }
+    }
+    const std::pair<const char*, float> levels[] = {{"silence", 0.0f}, {"denormals", 1e-39f}};
+    for (const auto& [name, level] : levels) {
+        add(std::string("after_") + name, {1024, 2, false},
+            [level](benchmark::State& state, Shape s) { after_silence(state, s, level); });
     }
     benchmark::RegisterBenchmark("start", start);
 }

@@ -208,7 +208,7 @@ class Session {
 TEST(Threads, EnginesAndEditorsMeetInQueuesOnly) {
     live(1, [](Random& random) {
         std::array<Session, 2> sessions;
-        for (int turn = 0; turn < 150; ++turn) {
+        for (int turn = 0; turn < 100; ++turn) {
             Session& session = random.pick(sessions);
             if (!session.editor) {
                 session.Open();
