@@ -248,7 +248,7 @@ class Cage {
         lv2_atom_forge_init(&forge, static_cast<LV2_URID_Map*>(host.map.feature()->data));
         alignas(8) uint8_t bytes[2048];
         lv2_atom_forge_set_buffer(&forge, bytes, sizeof bytes);
-        std::vector<float> row(random.one_in(10) ? random.below(300) : kPlotBins);
+        std::vector<float> row(random.one_in(10) ? 1 + random.below(300) : kPlotBins);
         std::generate(row.begin(), row.end(),
                       [&] { return random.one_in(50) ? AnyValue() : random.real(-90.0f, 0.0f); });
         LV2_Atom_Forge_Frame frame;
