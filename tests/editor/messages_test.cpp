@@ -58,7 +58,7 @@ class Messages : public testing::Test {
         }
         number(kPlotIdUri, plot.idType, plot.id);
         if (plot.withRow) {
-            std::vector<float> row(plot.bins);
+            std::vector<float> row(plot.bins + 1);  // never null, which may not be copied from
             for (size_t i = 0; i < row.size(); ++i) {
                 row[i] = -static_cast<float>(i);
             }
