@@ -192,6 +192,13 @@ void GLView_BandDecorator::ShowInfoAt(GLPoint point) {
     GLView_DecoratorBox::ShowInfoAt(point);
 }
 
+GLRect GLView_BandDecorator::DrawnArea() {
+    // The halo of the lamp is seen so far above the frame. The graph begins a little higher, and
+    // what touches it would be drawn anew together with it.
+    constexpr float kHalo = 0.6f;
+    return {x - hw, y - hh, x + hw, y + hh + kHalo * GetInterfaceScale()};
+}
+
 void GLView_BandDecorator::DrawFront() {
     const Look look(*this);
     EnterView(*this);

@@ -29,6 +29,7 @@ class GLView_BandDecorator : public GLView_DecoratorBox {
     /// Pointing at a strip selects its handle on the graph.
     void ShowInfoAt(GLPoint point) override;
     void DrawFront() override;
+    GLRect DrawnArea() override;
 
     const int index;
     const uint32_t firstPort;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "editor/GLView_BaseView.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "gl/drawing.h"
@@ -12,6 +14,25 @@ namespace {
 constexpr int32_t kLayerScale = 2;        // layer pixels to a design point
 constexpr uint32_t kDoubleClickMs = 200;  // presses this far apart are two clicks again
 constexpr float kScalePoints = 800.0f;    // interface points in the height of the view
+
+/// Draws in one part of the bound layer only, and tells in which, for the lifetime of a scope.
+class AreaScope {
+  public:
+    AreaScope(std::optional<LayerArea>& drawn, const LayerArea& area) : drawn_(drawn) {
+        drawn_ = area;
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(area.left, area.bottom, area.right - area.left, area.top - area.bottom);
+    }
+    ~AreaScope() {
+        glDisable(GL_SCISSOR_TEST);
+        drawn_.reset();
+    }
+    AreaScope(const AreaScope&) = delete;
+    AreaScope& operator=(const AreaScope&) = delete;
+
+  private:
+    std::optional<LayerArea>& drawn_;
+};
 
 }  // namespace
 
@@ -224,8 +245,49 @@ void GLView_BaseView::CloseDialog(bool /*outside*/) {
 }
 
 void GLView_BaseView::SetCapturedView(GLView* view) {
+    MarkViewStatic(captureView);
     captureView = view;
-    redrawNeeded = true;
+    MarkViewStatic(view);
+}
+
+LayerArea GLView_BaseView::ToLayer(const GLRect& area) const {
+    constexpr float kRounding = 0.01f;  // pixels
+    const auto width = static_cast<float>(kLayerScale * designWidth);
+    const auto height = static_cast<float>(kLayerScale * designHeight);
+    const float perUnit = height / (viewTop - viewBottom);
+    const auto lower = [&](float place, float size) {
+        return static_cast<int32_t>(std::clamp(place * perUnit + kRounding, 0.0f, size));
+    };
+    const auto upper = [&](float place, float size) {
+        return static_cast<int32_t>(std::ceil(std::clamp(place * perUnit - kRounding, 0.0f, size)));
+    };
+    return {lower(area.left - viewLeft, width), lower(area.bottom - viewBottom, height),
+            upper(area.right - viewLeft, width), upper(area.top - viewBottom, height)};
+}
+
+void GLView_BaseView::MarkFrame(const GLRect& area) {
+    AddArea(staleFrame, ToLayer(area));
+}
+
+void GLView_BaseView::MarkStatic(const GLRect& area) {
+    AddArea(staleStatic, ToLayer(area));
+}
+
+void GLView_BaseView::MarkViewStatic(GLView* view) {
+    while (view != nullptr && view->parent != this) {
+        view = view->parent;
+    }
+    if (view != nullptr) {
+        MarkStatic(view->DrawnArea());
+    }
+}
+
+bool GLView_BaseView::IsDrawn(const GLRect& area) const {
+    return !drawnArea || drawnArea->Touches(ToLayer(area));
+}
+
+bool GLView_BaseView::DrawsChild(GLView& child) {
+    return IsDrawn(child.DrawnArea());
 }
 
 void GLView_BaseView::SetSelected(bool /*on*/) {
@@ -259,13 +321,9 @@ void GLView_BaseView::RenderFrame() {
     if (redrawNeeded || layerWidth != windowWidth || layerHeight != windowHeight) {
         layerWidth = windowWidth;
         layerHeight = windowHeight;
-        UpdateLetterbox();
-        DrawStaticLayer();
-        frameStale = true;
+        MarkStatic({viewLeft, viewBottom, viewRight, viewTop});
     }
-    if (frameStale) {
-        DrawFrameLayer();
-    }
+    DrawLayers();
     FrameLayers::BindWindow();
     glDisable(GL_DEPTH_TEST);
     SetProjection();
@@ -276,27 +334,34 @@ void GLView_BaseView::RenderFrame() {
     DrawOverlay();
 }
 
-void GLView_BaseView::DrawStaticLayer() {
+void GLView_BaseView::DrawLayers() {
+    for (const LayerArea& area : staleStatic) {
+        AddArea(staleFrame, area);
+    }
+    if (staleFrame.empty()) {
+        return;
+    }
     layers.BindStatic();
     SetProjection();
-    DrawBackground();
-    {
+    for (const LayerArea& area : staleStatic) {
+        const AreaScope part(drawnArea, area);
+        DrawBackground();
         const MatrixScope matrix;
         DrawBack();
     }
-    redrawNeeded = false;
-}
-
-void GLView_BaseView::DrawFrameLayer() {
-    layers.BindStatic();
-    layers.CopyStaticToFrame();
+    for (const LayerArea& area : staleFrame) {
+        layers.CopyStaticToFrame(area);
+    }
     layers.BindFrame();
     SetProjection();
-    {
+    for (const LayerArea& area : staleFrame) {
+        const AreaScope part(drawnArea, area);
         const MatrixScope matrix;
         Draw();
     }
-    frameStale = false;
+    redrawNeeded = false;
+    staleStatic.clear();
+    staleFrame.clear();
 }
 
 void GLView_BaseView::DrawFrameTexture() const {

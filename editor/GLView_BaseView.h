@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "editor/frame_layers.h"
 #include "gl/GLResources.h"
@@ -13,7 +15,8 @@ namespace brindle {
 
 /// The root of the editor's tree: brings window events to the views they are for, answers the
 /// page services, and renders frames. What moves is drawn over a picture of what stands still,
-/// which is drawn anew only when something marks it out of date (`redrawNeeded`).
+/// which is drawn anew only where something marks it out of date, and everywhere when
+/// `redrawNeeded` is set.
 ///
 /// Window pixels count from the window's top left corner, frame pixels from that of the letterboxed
 /// frame in it; the tree's y grows upwards. Events are ignored until the first frame. UI thread.
@@ -36,7 +39,7 @@ class GLView_BaseView : public GLView {
     void RenderFrame();
     void SetSampleRate(float rate);
     /// Whether the next frame draws more than what moves.
-    bool IsStale() const { return redrawNeeded || frameStale; }
+    bool IsStale() const { return redrawNeeded || !staleStatic.empty() || !staleFrame.empty(); }
     /// Of the event that is passed in next.
     void SetEventTime(uint32_t time_ms) { eventTime = time_ms; }
     void SetModifiers(uint32_t newModifiers) { modifiers = newModifiers; }
@@ -88,11 +91,19 @@ class GLView_BaseView : public GLView {
     GLView* GetCapturedView() override { return captureView; }
     void SetSelectedView(GLView* view) override { focusView = view; }
     void SetHoverView(GLView* view) override { hoverView = view; }
+    /// Marks the static layer where the old and the new one are.
     void SetCapturedView(GLView* view) override;
     /// Pointing at the root itself selects nothing, whatever `on` says.
     void SetSelected(bool on) override;
+    bool DrawsChild(GLView& child) override;
 
   protected:
+    /// What the main passes show in a part of the tree has changed, or the back passes too.
+    void MarkFrame(const GLRect& area);
+    void MarkStatic(const GLRect& area);
+    /// Whether what is being drawn is to be seen in some part of the tree.
+    bool IsDrawn(const GLRect& area) const;
+
     float sampleRate = 0.0f;                    ///< Hz
     std::unique_ptr<GLResources> textRenderer;  ///< null until the first frame
     GLView* focusView = nullptr;                ///< selected: gets the wheel. Observed
@@ -116,19 +127,23 @@ class GLView_BaseView : public GLView {
     float letterboxX = 0.0f;  ///< margins beside and above the frame, window pixels
     float letterboxY = 0.0f;
     FrameLayers layers;
-    bool frameStale = false;  ///< main passes have changed, the back passes in the static layer not
     GLView* modalDialog = nullptr;  ///< observed
     std::array<float, 128> parameters{};
 
   private:
+    LayerArea ToLayer(const GLRect& area) const;
+    void MarkViewStatic(GLView* view);
     GLPoint PixelToTree(GLPoint framePixel) const;
     void ClearInfo();
     void UpdateLetterbox();
-    void DrawStaticLayer();
-    void DrawFrameLayer();
+    void DrawLayers();
     void SetProjection() const;
     void DrawFrameTexture() const;
     void DrawOverlay();
+
+    std::vector<LayerArea> staleStatic;  ///< what of each layer is out of date
+    std::vector<LayerArea> staleFrame;
+    std::optional<LayerArea> drawnArea;  ///< while a part of a layer is drawn
 };
 
 }  // namespace brindle

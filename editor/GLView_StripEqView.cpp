@@ -11,7 +11,6 @@
 #include "editor/preset_table.h"
 #include "gl/GLView_Caption.h"
 #include "gl/GLView_DecoratorBox.h"
-#include "gl/GLView_TrimSlider.h"
 #include "gl/drawing.h"
 #include "gl/look.h"
 #include "graph/GLView_ParametricEQGrabber.h"
@@ -22,16 +21,6 @@ namespace {
 constexpr int32_t kDesignWidth = 1000;
 constexpr int32_t kDesignHeight = 600;
 constexpr float kDragSensitivity = 0.003f;
-
-/// Which controls light up and which have an effect is seen in the static layer; their values are
-/// not. A drag then costs half a panel only.
-bool ChangesStaticLayer(uint32_t port) {
-    if (port < band_port(0) || port >= section_port(kSectionCount)) {
-        return port != kTrimPort;
-    }
-    const uint32_t control = (port - band_port(0)) % kControlCount;
-    return control == kEnable || control == kType;
-}
 
 GLView_Caption* MakeCaption(const char* text, float labelSize, int alignment) {
     auto* caption = new GLView_Caption;
@@ -114,6 +103,7 @@ void GLView_StripEqView::AddStrips(const LV2UI_Touch* touch) {
         Place(strip, layout::StripLeft(i), 0.5f * (layout::kStripBottom + layout::kStripTop),
               layout::kStripWidth, layout::kStripTop - layout::kStripBottom);
         strip->AddWidgets(connection.GetWriter(), touch);
+        strips[static_cast<size_t>(i)] = strip;
     }
 }
 
@@ -121,7 +111,7 @@ void GLView_StripEqView::AddTrim(const LV2UI_Touch* touch) {
     Place(new GLView_DecoratorBox, layout::kOutputLeft,
           0.5f * (layout::kStripBottom + layout::kStripTop), layout::kOutputWidth,
           layout::kStripTop - layout::kStripBottom);
-    auto* trim = new GLView_TrimSlider(true, -20.0f, 20.0f);
+    trim = new GLView_TrimSlider(true, -20.0f, 20.0f);
     trim->SetPort(connection.GetWriter(), kTrimPort);
     trim->SetTouch(touch, kTrimPort);
     trim->SetLabel("Output Trim: ");
@@ -183,17 +173,42 @@ void GLView_StripEqView::TakeControl(uint32_t port, float value) {
     // drawn in each frame anyway.
     const bool isMeter = port == kMeterInPort || port == kMeterOutPort;
     const bool isNews = port >= reported.size() || !reported[port] || GetParameter(port) != value;
-    const bool isDrawn = isNews && !isMeter;
     if (port < reported.size()) {
         reported[port] = true;
     }
-    SetParameter(port, value, isDrawn && ChangesStaticLayer(port));
-    frameStale = frameStale || isDrawn;
+    SetParameter(port, value, false);
+    if (isNews && !isMeter) {
+        MarkControl(port);
+    }
     if (port == kMeterInPort) {
         inputMeter->level = value;
     }
     if (port == kMeterOutPort) {
         outputMeter->level = value;
+    }
+}
+
+void GLView_StripEqView::MarkControl(uint32_t port) {
+    if (port == kTrimPort) {
+        MarkFrame(trim->DrawnArea());
+        return;
+    }
+    if (port < band_port(0) || port >= section_port(kSectionCount)) {
+        redrawNeeded = true;
+        return;
+    }
+    // Handles of bands that are boosted beyond the graph stand above it.
+    GLRect aroundGraph = graph->DrawnArea();
+    aroundGraph.top = viewTop;
+    MarkFrame(aroundGraph);
+    // Which controls light up and which have an effect is seen in the static layer; their values
+    // are not.
+    const uint32_t control = (port - band_port(0)) % kControlCount;
+    const GLRect strip = strips[(port - band_port(0)) / kControlCount]->DrawnArea();
+    if (control == kEnable || control == kType) {
+        MarkStatic(strip);
+    } else {
+        MarkFrame(strip);
     }
 }
 
@@ -257,8 +272,14 @@ void GLView_StripEqView::DrawBack() {
 void GLView_StripEqView::DrawTextAt(const char* text, float left, float above, float size,
                                     int alignment) {
     const float s = GetInterfaceScale();
+    const GLPoint place = {viewLeft + left * s, viewBottom + above * s};
+    const float width = TextWidth(text) * size * s;
+    const float height = size * s;
+    if (!IsDrawn({place.x - width, place.y - height, place.x + width, place.y + height})) {
+        return;
+    }
     const MatrixScope matrix;
-    glTranslatef(viewLeft + left * s, viewBottom + above * s, 0.0f);
+    glTranslatef(place.x, place.y, 0.0f);
     glScalef(size * s, size * s, 1.0f);
     DrawText(GetResources(), text, alignment);
 }

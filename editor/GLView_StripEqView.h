@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstdint>
 
@@ -9,6 +10,7 @@
 #include "editor/host_connection.h"
 #include "gl/GLView_DB60Meter.h"
 #include "gl/GLView_PresetButton.h"
+#include "gl/GLView_TrimSlider.h"
 #include "graph/GLView_ParametricEQ.h"
 
 namespace brindle {
@@ -43,6 +45,8 @@ class GLView_StripEqView : public GLView_BaseView {
 
   private:
     void TakeControl(uint32_t port, float value);
+    /// What shows a control's value is drawn anew.
+    void MarkControl(uint32_t port);
     // The pieces of the panel, in the order in which they are asked for the pointer.
     void AddFlatAll();
     void AddGraph(const LV2UI_Touch* touch);
@@ -63,6 +67,8 @@ class GLView_StripEqView : public GLView_BaseView {
     // Children of this view, observed.
     GLView_PresetButton* flatAll = nullptr;
     GLView_ParametricEQ* graph = nullptr;
+    std::array<GLView*, kBandCount + kSectionCount> strips{};
+    GLView_TrimSlider* trim = nullptr;
     GLView_DB60Meter* inputMeter = nullptr;
     GLView_DB60Meter* outputMeter = nullptr;
     int32_t selectedBand = -1;  ///< strip whose handle is selected, -1 for none

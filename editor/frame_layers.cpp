@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "editor/frame_layers.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace brindle {
@@ -15,6 +16,21 @@ void MakeTexture(GLuint& texture, int32_t width, int32_t height) {
 }
 
 }  // namespace
+
+bool LayerArea::Touches(const LayerArea& other) const {
+    return left < other.right && other.left < right && bottom < other.top && other.bottom < top;
+}
+
+void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
+    const auto touches = [&](const LayerArea& other) { return area.Touches(other); };
+    for (auto other = std::ranges::find_if(areas, touches); other != areas.end();
+         other = std::ranges::find_if(areas, touches)) {
+        area = {std::min(area.left, other->left), std::min(area.bottom, other->bottom),
+                std::max(area.right, other->right), std::max(area.top, other->top)};
+        areas.erase(other);
+    }
+    areas.push_back(area);
+}
 
 FrameLayers::~FrameLayers() {
     if (framebuffer != 0) {
@@ -52,10 +68,11 @@ void FrameLayers::BindFrame() {
     Bind(frameTexture);
 }
 
-void FrameLayers::CopyStaticToFrame() const {
+void FrameLayers::CopyStaticToFrame(const LayerArea& area) const {
     // Pixel for pixel, which costs a fraction of drawing one texture into the other.
     glBindTexture(GL_TEXTURE_2D, frameTexture);
-    glCopyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
+    glCopyTexSubImage2D(GL_TEXTURE_2D, 0, area.left, area.bottom, area.left, area.bottom,
+                        area.right - area.left, area.top - area.bottom);
 }
 
 void FrameLayers::BindWindow() {

@@ -2,10 +2,24 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "gl/gl.h"
 
 namespace brindle {
+
+/// A part of the layers in their pixels, from the lower left corner; right and top are beyond it.
+struct LayerArea {
+    int32_t left = 0;
+    int32_t bottom = 0;
+    int32_t right = 0;
+    int32_t top = 0;
+
+    bool Touches(const LayerArea& other) const;
+};
+
+/// Adds an area to some that do not touch each other, as one with those that it touches.
+void AddArea(std::vector<LayerArea>& areas, LayerArea area);
 
 /// The two pictures of which a frame is made, and the framebuffer that draws into them: what stands
 /// still, and that with what moves on top. All calls need the editor's GL context current.
@@ -22,8 +36,8 @@ class FrameLayers {
     /// cannot be drawn to is told on standard output.
     void BindStatic();
     void BindFrame();
-    /// Makes the frame a copy of the static layer, which must be the one that is bound.
-    void CopyStaticToFrame() const;
+    /// Makes a part of the frame a copy of the static layer, which must be the one that is bound.
+    void CopyStaticToFrame(const LayerArea& area) const;
     /// Binds the window's own framebuffer.
     static void BindWindow();
 

@@ -26,10 +26,12 @@ void ForEachChild(const GLView& view, void (GLView::*operation)(Parameters...),
 
 /// One drawing pass over the children, from a copy of their list: children that go while it is
 /// drawn do not break the walk.
-void DrawEachChild(const GLView& view, void (GLView::*pass)()) {
+void DrawEachChild(GLView& view, void (GLView::*pass)()) {
     std::vector<GLView*> children;
     for (GLView* child = view.firstChild; child != nullptr; child = child->nextSibling) {
-        children.push_back(child);
+        if (view.DrawsChild(*child)) {
+            children.push_back(child);
+        }
     }
     for (GLView* child : children) {
         const MatrixScope matrix;
@@ -185,6 +187,15 @@ void GLView::DrawChildren() {
 
 void GLView::DrawChildrenFront() {
     DrawEachChild(*this, &GLView::DrawFront);
+}
+
+GLRect GLView::DrawnArea() {
+    const float edge = 2.0f * GetInterfaceScale();
+    return {x - hw - edge, y - hh - edge, x + hw + edge, y + hh + edge};
+}
+
+bool GLView::DrawsChild(GLView& /*child*/) {
+    return true;
 }
 
 GLPoint GLView::LocalToPage(GLPoint point) {

@@ -6,6 +6,7 @@
 
 #include "gl/GLColor.h"
 #include "gl/GLPoint.h"
+#include "gl/GLRect.h"
 
 namespace brindle {
 
@@ -73,6 +74,11 @@ class GLView {
     virtual void DrawChildrenBack();
     virtual void DrawChildren();
     virtual void DrawChildrenFront();
+    /// Where the back and main passes draw, in the parent's coordinates: the rectangle, and two
+    /// design points around it for shadows and edges.
+    virtual GLRect DrawnArea();
+    /// Whether the passes draw a child: all, but on a page that draws a part of its picture anew.
+    virtual bool DrawsChild(GLView& child);
 
     // Coordinates
     virtual GLPoint LocalToPage(GLPoint point);

@@ -29,6 +29,11 @@ void GLView_DB60Meter::DrawBack() {
     }
 }
 
+GLRect GLView_DB60Meter::DrawnArea() {
+    const float s = GetInterfaceScale();
+    return {x - hw - s, y - hh - 7.0f * s, x + hw + s, y + hh + 7.0f * s};
+}
+
 void GLView_DB60Meter::DrawFront() {
     const float s = GetInterfaceScale();
     glTranslatef(x, y, 0.0f);

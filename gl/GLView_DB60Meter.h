@@ -11,6 +11,7 @@ class GLView_DB60Meter : public GLView {
   public:
     void DrawBack() override;
     void DrawFront() override;
+    GLRect DrawnArea() override;
 
     /// The part of the height that is filled, 0 to 1; 0 for what is no level.
     float GetFill() const;

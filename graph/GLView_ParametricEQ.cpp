@@ -14,6 +14,13 @@ namespace {
 constexpr float kReachX = 0.08f;
 constexpr float kReachY = 0.28f;
 
+/// The panel, in design pixels: its middle's depth below the graph's, and how far it reaches beyond
+/// the graph's sides and height.
+constexpr float kPanelBelow = 40.0f;
+constexpr float kPanelBeside = 32.0f;
+constexpr float kPanelBeyond = 72.0f;
+constexpr float kPanelCorner = 8.0f;
+
 bool IsSectionPort(uint32_t index) {
     return index >= section_port(0) && index < section_port(kSectionCount);
 }
@@ -90,9 +97,10 @@ void GLView_ParametricEQ::DrawBack() {
     const GraphLook look = Look();
     {
         const MatrixScope matrix;
-        glTranslatef(0.0f, -40.0f * look.m, 0.0f);
+        glTranslatef(0.0f, -kPanelBelow * look.m, 0.0f);
         look.background.Apply();
-        DrawRoundRect(GetResources(), hw + 32.0f * look.m, hh + 72.0f * look.m, 8.0f * look.m);
+        DrawRoundRect(GetResources(), hw + kPanelBeside * look.m, hh + kPanelBeyond * look.m,
+                      kPanelCorner * look.m);
     }
     DrawKeyboard(look);
     DrawFrequencyScale(GetResources(), look);
@@ -108,9 +116,17 @@ void GLView_ParametricEQ::Draw() {
     DrawEdgeShading(look);
     DrawLevelLabels(GetResources(), look);
     DrawChildren();
-    glTranslatef(0.0f, -40.0f * look.m, 0.0f);
+    glTranslatef(0.0f, -kPanelBelow * look.m, 0.0f);
     look.background.Apply();
-    DrawRoundFrame(GetResources(), hw + 32.0f * look.m, hh + 72.0f * look.m, 8.0f * look.m);
+    DrawRoundFrame(GetResources(), hw + kPanelBeside * look.m, hh + kPanelBeyond * look.m,
+                   kPanelCorner * look.m);
+}
+
+GLRect GLView_ParametricEQ::DrawnArea() {
+    const float m = GetPixelSize();
+    const float middle = y - kPanelBelow * m;
+    return {x - hw - kPanelBeside * m, middle - hh - kPanelBeyond * m, x + hw + kPanelBeside * m,
+            middle + hh + kPanelBeyond * m};
 }
 
 void GLView_ParametricEQ::DrawFront() {

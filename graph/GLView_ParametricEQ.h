@@ -43,6 +43,8 @@ class GLView_ParametricEQ : public GLView {
     void DrawBack() override;
     void Draw() override;
     void DrawFront() override;
+    /// The panel around the graph. Handles above its upper edge are beyond it.
+    GLRect DrawnArea() override;
 
     /// What the graph is drawn with, for those that draw upon it.
     GraphLook Look();

@@ -291,6 +291,12 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
         host.IdleTimes(2);
         return host.window.GetPixels(host.child, 1000, 600);
     };
+    const auto shown_in_parts = [&] {
+        auto parts = shown();
+        Root().redrawNeeded = true;
+        EXPECT_TRUE(parts == shown());
+        return parts;
+    };
     auto before = shown();
     for (int strip = 0; strip < kStrips; strip += 3) {
         const bool wasOn = plugin.port(FirstPort(strip)) != 0.0f;
@@ -299,12 +305,22 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
             SCOPED_TRACE(testing::Message() << strip << ", control " << control);
             Report(FirstPort(strip) + kEnable, 1.0f);
             Report(FirstPort(strip) + control, values[control]);
-            const auto parts = shown();
-            Root().redrawNeeded = true;
-            EXPECT_TRUE(parts == shown());
+            const auto parts = shown_in_parts();
             EXPECT_TRUE(parts != before);
             before = parts;
         }
+    }
+    Report(kTrimPort, 5.0f);
+    EXPECT_TRUE(shown_in_parts() != before);
+    for (int band = 0; band < kBandCount; ++band) Report(band_port(band) + kGain, 18.0f);
+    shown_in_parts();  // with handles above the graph
+    for (GLView* view = Root().firstChild; view != nullptr; view = view->nextSibling) {
+        SCOPED_TRACE(typeid(*view).name());
+        GLView* held = view->firstChild != nullptr ? view->firstChild : view;
+        held->SetCaptured(true);
+        shown_in_parts();
+        held->SetCaptured(false);
+        shown_in_parts();
     }
 }
 
