@@ -26,7 +26,7 @@ void run_stage(const CascadeWeights& weights, CascadeState& state, size_t stage,
 
 template <size_t kChannels>
 void run_plain(std::span<const Stretch> stretches, CascadeState* states, const float* const* in,
-               float* const* out, size_t n) noexcept {
+               float* const* out, size_t n, const Followers& followers) noexcept {
     for (size_t channel = 0; channel < kChannels; ++channel) {
         std::copy_n(in[channel], n, out[channel]);
         for (size_t i = 0; i < stretches.size(); ++i) {
@@ -38,6 +38,8 @@ void run_plain(std::span<const Stretch> stretches, CascadeState* states, const f
             }
         }
     }
+    Followers follow = followers;
+    for (size_t i = 0; i < n; ++i) follow.step(i, out[0][i], out[kChannels - 1][i]);
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <span>
 
+#include "engine/followers.h"
+
 namespace brindle {
 
 inline constexpr size_t kStageCount = 16;
@@ -38,9 +40,10 @@ inline constexpr size_t kMinStretch = 64;
 
 /// Sends `n` samples of each channel through the cascade, from `in` to `out` (which are not the
 /// same), with the weights that the stretches say; the first begins at 0, all at or before `n`.
-/// Yields the same bits on every instruction set. Real-time safe.
+/// Writes the followers' powers. Yields the same bits on every instruction set. Real-time safe.
 using RunCascade = void (*)(std::span<const Stretch> stretches, CascadeState* states,
-                            const float* const* in, float* const* out, size_t n) noexcept;
+                            const float* const* in, float* const* out, size_t n,
+                            const Followers& followers) noexcept;
 
 /// The cascade of one channel and of two.
 struct CascadeKernels {

@@ -42,13 +42,16 @@ HWY_INLINE V round_to_float(V x) {
 template <size_t kSkew, size_t kVectors, size_t kChannels>
 class Pipeline {
   public:
+    /// Whether samples that leave have passed the whole cascade.
+    static constexpr bool kWhole = kVectors * kLanes == kStageCount;
     /// Steps from a sample's entrance to its leaving.
     static constexpr size_t kDelay = kSkew * (kVectors * kLanes - 1);
     static_assert(kDelay <= kMinStretch, "two ticks at once in the pipeline");
     static_assert(kSkew == 1 || kSkew == 2, "steps have one or two phases");
 
-    HWY_INLINE Pipeline(size_t first, const float* const* in, float* const* out, size_t n)
-        : first_(first), in_(in), out_(out), n_(n) {}
+    HWY_INLINE Pipeline(size_t first, const float* const* in, float* const* out, size_t n,
+                        const Followers& followers)
+        : first_(first), in_(in), out_(out), n_(n), followers_(followers) {}
 
     HWY_INLINE void run(std::span<const Stretch> stretches, CascadeState* states) {
         load(states);
@@ -178,10 +181,13 @@ class Pipeline {
     }
 
     template <size_t kPhase>
-    HWY_INLINE void put_out(size_t sample) const {
+    HWY_INLINE void put_out(size_t sample) {
+        float out[kChannels];
         for (size_t c = 0; c < kChannels; ++c) {
-            out_[c][sample] = hn::ExtractLane(left_[kPhase][c][kVectors - 1], kLanes - 1);
+            out[c] = hn::ExtractLane(left_[kPhase][c][kVectors - 1], kLanes - 1);
+            out_[c][sample] = out[c];
         }
+        if constexpr (kWhole) followers_.step(sample, out[0], out[kChannels - 1]);
     }
 
     /// Steps up to `until` at which not all stages have a sample (kMasked), or not all have the
@@ -248,6 +254,7 @@ class Pipeline {
     const float* const* in_;
     float* const* out_;
     size_t n_;
+    Followers followers_;
     V s1_[kChannels][kVectors], s2_[kChannels][kVectors];
     VF left_[kSkew][kChannels][kVectors];  // what left the stages at the last steps, by their phase
     size_t step_ = 0;
@@ -255,11 +262,15 @@ class Pipeline {
 
 template <size_t kSkew, size_t kVectors, size_t kChannels>
 HWY_NOINLINE void run_passes(std::span<const Stretch> stretches, CascadeState* states,
-                             const float* const* in, float* const* out, size_t n) noexcept {
-    constexpr size_t kStages = kVectors * kLanes;
-    for (size_t first = 0; first < kStageCount; first += kStages) {
-        Pipeline<kSkew, kVectors, kChannels> pipeline(first, first == 0 ? in : out, out, n);
-        pipeline.run(stretches, states);
+                             const float* const* in, float* const* out, size_t n,
+                             const Followers& followers) noexcept {
+    using Part = Pipeline<kSkew, kVectors, kChannels>;
+    for (size_t first = 0; first < kStageCount; first += kVectors * kLanes) {
+        Part(first, first == 0 ? in : out, out, n, followers).run(stretches, states);
+    }
+    if constexpr (!Part::kWhole) {
+        Followers follow = followers;
+        for (size_t i = 0; i < n; ++i) follow.step(i, out[0][i], out[kChannels - 1][i]);
     }
 }
 
@@ -271,12 +282,12 @@ constexpr size_t kVectors = std::min<size_t>(4, kStageCount / kLanes);
 /// the latter.
 template <size_t kChannels>
 void run_cascade(std::span<const Stretch> stretches, CascadeState* states, const float* const* in,
-                 float* const* out, size_t n) noexcept {
+                 float* const* out, size_t n, const Followers& followers) noexcept {
     constexpr size_t kShort = kChannels * kVectors == 8 ? 128 : 0;
     if (n < kShort) {
-        run_passes<1, kVectors, kChannels>(stretches, states, in, out, n);
+        run_passes<1, kVectors, kChannels>(stretches, states, in, out, n, followers);
     } else {
-        run_passes<2, kVectors, kChannels>(stretches, states, in, out, n);
+        run_passes<2, kVectors, kChannels>(stretches, states, in, out, n, followers);
     }
 }
 

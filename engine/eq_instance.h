@@ -32,7 +32,8 @@ struct alignas(64) Samples : std::array<float, kChunk> {};
 struct Workspace {
     alignas(64) std::array<float, kChunk + kDitherRoom> dither;
     std::array<Samples, 2> in, out;  ///< of each channel, before and after the cascade
-    Samples in_square, out_square;   ///< of the loudest channel, weighted for the followers
+    Samples in_square;               ///< of the loudest channel, weighted for its follower
+    Samples in_powers, out_powers;   ///< the followers' after each sample
 };
 
 /// The record of one instance, allocated zero-filled in one piece. Port buffers and the host's

@@ -9,6 +9,7 @@
 #include "engine/cascade.h"
 #include "engine/controls.h"
 #include "engine/eq_instance.h"
+#include "engine/followers.h"
 #include "engine/messages.h"
 
 namespace brindle {
@@ -68,8 +69,10 @@ Stretches take_chunk(EqInstance& eq, size_t offset, size_t n) {
 }
 
 // Input that is no finite number makes every later state and output of its channel so for good.
-// Where the output before a control tick is such, the channel starts again from silence there.
-void restart_poisoned(EqInstance& eq, const Stretches& stretches, size_t channel, size_t n) {
+// Where the output before a control tick is such, the channel starts again from silence there; true
+// when it did.
+bool restart_poisoned(EqInstance& eq, const Stretches& stretches, size_t channel, size_t n,
+                      const Followers& followers) {
     const float* in = eq.work.in[channel].data();
     float* out = eq.work.out[channel].data();
     bool restarted = false;
@@ -83,7 +86,25 @@ void restart_poisoned(EqInstance& eq, const Stretches& stretches, size_t channel
         const Stretch alone = {0, stretches.list[i].weights};
         const float* from = in + begin;
         float* to = out + begin;
-        eq.cascade.mono({&alone, 1}, &eq.states[channel], &from, &to, stretches.end(i, n) - begin);
+        eq.cascade.mono({&alone, 1}, &eq.states[channel], &from, &to, stretches.end(i, n) - begin,
+                        followers);
+    }
+    return restarted;
+}
+
+// Follows the powers once more where they or a channel were poisoned: they too start again at the
+// next control tick.
+template <size_t kChannels>
+void follow_again(const EqInstance& eq, const Stretches& stretches, size_t n,
+                  Followers followers) {
+    for (size_t i = 0; i < stretches.count; ++i) {
+        if (stretches.is_tick(i)) {
+            if (!std::isfinite(followers.in_power)) followers.in_power = 0.0f;
+            if (!std::isfinite(followers.out_power)) followers.out_power = 0.0f;
+        }
+        for (size_t k = stretches.list[i].begin; k < stretches.end(i, n); ++k) {
+            followers.step(k, eq.work.out[0][k], eq.work.out[kChannels - 1][k]);
+        }
     }
 }
 
@@ -94,38 +115,30 @@ void run_stages(EqInstance& eq, const Stretches& stretches, size_t n) {
             eq.states[channel] = {};
         }
     }
-    const std::array<const float*, 2> in = {eq.work.in[0].data(), eq.work.in[1].data()};
-    const std::array<float*, 2> out = {eq.work.out[0].data(), eq.work.out[1].data()};
+    Workspace& work = eq.work;
+    const std::array<const float*, 2> in = {work.in[0].data(), work.in[1].data()};
+    const std::array<float*, 2> out = {work.out[0].data(), work.out[1].data()};
+    const Followers followers = {eq.power_take, eq.power_keep,         work.in_square.data(),
+                                 eq.in_power,   eq.out_power,          work.in_powers.data(),
+                                 work.out_powers.data()};
     const RunCascade run_cascade = kChannels == 1 ? eq.cascade.mono : eq.cascade.stereo;
     run_cascade({stretches.list.data(), stretches.count}, eq.states.data(), in.data(), out.data(),
-                n);
+                n, followers);
+    bool poisoned = !std::isfinite(work.in_powers[n - 1]) || !std::isfinite(work.out_powers[n - 1]);
     for (size_t channel = 0; channel < kChannels; ++channel) {
-        restart_poisoned(eq, stretches, channel, n);
+        poisoned |= restart_poisoned(eq, stretches, channel, n, followers);
         eq.last_out[channel] = out[channel][n - 1];
     }
+    if (poisoned) follow_again<kChannels>(eq, stretches, n, followers);
+    eq.in_power = work.in_powers[n - 1];
+    eq.out_power = work.out_powers[n - 1];
 }
 
 template <size_t kChannels>
 void put_output(EqInstance& eq, size_t offset, size_t n) {
-    Workspace& work = eq.work;
-    eq.loops.squares(work.out[0].data(), work.out[kChannels - 1].data(), eq.power_take,
-                     work.out_square.data(), n);
     for (size_t channel = 0; channel < kChannels; ++channel) {
-        std::copy_n(work.out[channel].data(), n, eq.ports[out_port(channel)] + offset);
+        std::copy_n(eq.work.out[channel].data(), n, eq.ports[out_port(channel)] + offset);
     }
-}
-
-// Follows the mean squares of the loudest channel, before and after, from `begin` to `end`.
-void follow_powers(EqInstance& eq, size_t begin, size_t end) {
-    const float keep = eq.power_keep;
-    float in_power = eq.in_power;
-    float out_power = eq.out_power;
-    for (size_t i = begin; i < end; ++i) {
-        in_power = eq.work.in_square[i] + keep * in_power;
-        out_power = eq.work.out_square[i] + keep * out_power;
-    }
-    eq.in_power = in_power;
-    eq.out_power = out_power;
 }
 
 // A held meter falls from tick to tick and is lifted by what exceeds it. Powers that are no finite
@@ -139,24 +152,16 @@ void update_meter(const EqInstance& eq, uint32_t port, float power) {
     *meter = static_cast<float>(static_cast<double>(eq.meter_decay * held) + 1e-20);
 }
 
-// Followers and meters over a chunk; true when a meter tick was in it. The meters take what the
-// followers hold after the tick's own sample.
-bool follow_chunk(EqInstance& eq, const Stretches& stretches, size_t n) {
+// Meters over a chunk; true when a meter tick was in it. They take what the followers hold after
+// the tick's own sample.
+bool update_meters(EqInstance& eq, const Stretches& stretches) {
     bool meter_tick = false;
     for (size_t i = 0; i < stretches.count; ++i) {
-        size_t begin = stretches.list[i].begin;
-        if (stretches.is_tick(i)) {
-            if (!std::isfinite(eq.in_power)) eq.in_power = 0.0f;
-            if (!std::isfinite(eq.out_power)) eq.out_power = 0.0f;
-        }
-        if (((eq.sample_counter + begin) & eq.meter_mask) == 0) {
-            follow_powers(eq, begin, begin + 1);
-            ++begin;
-            update_meter(eq, kMeterInPort, eq.in_power);
-            update_meter(eq, kMeterOutPort, eq.out_power);
-            meter_tick = true;
-        }
-        follow_powers(eq, begin, stretches.end(i, n));
+        const size_t begin = stretches.list[i].begin;
+        if (((eq.sample_counter + begin) & eq.meter_mask) != 0) continue;
+        update_meter(eq, kMeterInPort, eq.work.in_powers[begin]);
+        update_meter(eq, kMeterOutPort, eq.work.out_powers[begin]);
+        meter_tick = true;
     }
     return meter_tick;
 }
@@ -168,7 +173,7 @@ bool process_chunk(EqInstance& eq, size_t offset, size_t n) {
     const Stretches stretches = take_chunk<kChannels>(eq, offset, n);
     run_stages<kChannels>(eq, stretches, n);
     put_output<kChannels>(eq, offset, n);
-    const bool meter_tick = follow_chunk(eq, stretches, n);
+    const bool meter_tick = update_meters(eq, stretches);
     eq.sample_counter = (eq.sample_counter + static_cast<uint32_t>(n)) & kCounterMask;
     return meter_tick;
 }

@@ -61,15 +61,8 @@ void take(const SampleLoops::Input& input, size_t n) noexcept {
     }
 }
 
-void squares(const float* left, const float* right, float weight, float* square,
-             size_t n) noexcept {
-    for (size_t i = 0; i < n; ++i) {
-        square[i] = weight * std::max(left[i] * left[i], right[i] * right[i]);
-    }
-}
-
 SampleLoops sample_loops_here() {
-    return {dither, take<1>, take<2>, squares};
+    return {dither, take<1>, take<2>};
 }
 
 }  // namespace

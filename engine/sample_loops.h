@@ -30,10 +30,6 @@ struct SampleLoops {
     };
     void (*take_mono)(const Input& input, size_t n) noexcept;
     void (*take_stereo)(const Input& input, size_t n) noexcept;
-
-    /// The louder channel's square times `weight`; both channels may be the same.
-    void (*squares)(const float* left, const float* right, float weight, float* square,
-                    size_t n) noexcept;
 };
 
 /// The fastest loops for the processor at hand. Asks the processor: call at instantiation.
