@@ -44,6 +44,9 @@ class Pipeline {
   public:
     /// Whether samples that leave have passed the whole cascade.
     static constexpr bool kWhole = kVectors * kLanes == kStageCount;
+    /// Vectors whose recursions run side by side. Narrow ones of two channels leave the processor
+    /// enough to choose from one at a time.
+    static constexpr size_t kTogether = kLanes == 2 && kChannels == 2 ? 1 : kChannels * kVectors;
     /// Steps from a sample's entrance to its leaving.
     static constexpr size_t kDelay = kSkew * (kVectors * kLanes - 1);
     static_assert(kDelay <= kMinStretch, "two ticks at once in the pipeline");
@@ -166,16 +169,24 @@ class Pipeline {
     /// decides on the states of vector p.
     template <size_t kPhase, typename Keep>
     HWY_INLINE void advance(const Weights& w, const VF* input, Keep keep) {
-        for (size_t c = 0; c < kChannels; ++c) {
-            VF* left = left_[kPhase][c];
-            for (size_t p = kVectors; p-- > 0;) {
-                const V x = entering(left, p, input[c]);
-                const V y = round_to_float(hn::Add(s1_[c][p], hn::Mul(w.b0[p], x)));
-                const V s1 = hn::Add(hn::Add(s2_[c][p], hn::Mul(w.b1[p], x)), hn::Mul(w.a1[p], y));
-                const V s2 = hn::Add(hn::Mul(w.b2[p], x), hn::Mul(w.a2[p], y));
+        // From the last vector to the first: each needs what the one before it left earlier.
+#pragma GCC unroll 8
+        for (size_t last = kChannels * kVectors; last > 0; last -= kTogether) {
+            V x[kTogether], y[kTogether];
+            for (size_t i = 0; i < kTogether; ++i) {
+                const size_t c = (last - 1 - i) / kVectors, p = (last - 1 - i) % kVectors;
+                x[i] = entering(left_[kPhase][c], p, input[c]);
+                y[i] = round_to_float(hn::Add(s1_[c][p], hn::Mul(w.b0[p], x[i])));
+            }
+            for (size_t i = 0; i < kTogether; ++i) {
+                const size_t c = (last - 1 - i) / kVectors, p = (last - 1 - i) % kVectors;
+                const V s1 =
+                    hn::Add(hn::Add(s2_[c][p], hn::Mul(w.b1[p], x[i])), hn::Mul(w.a1[p], y[i]));
+                const V s2 = hn::Add(hn::Mul(w.b2[p], x[i]), hn::Mul(w.a2[p], y[i]));
                 s1_[c][p] = keep(p, s1_[c][p], s1);
                 s2_[c][p] = keep(p, s2_[c][p], s2);
-                left[p] = hn::DemoteTo(F(), hn::Add(hn::Mul(w.wet[p], y), hn::Mul(w.dry[p], x)));
+                left_[kPhase][c][p] = hn::DemoteTo(
+                    F(), hn::Add(hn::Mul(w.wet[p], y[i]), hn::Mul(w.dry[p], x[i])));
             }
         }
     }
