@@ -64,17 +64,17 @@ class Pipeline {
             const size_t end = i + 1 < stretches.size() ? stretches[i + 1].begin : n_ + kDelay;
             if (weights != before) {
                 // All stages have a sample, but at the ends of the block.
-                const size_t passed = std::min(end, begin + kDelay);
-                if (begin >= kDelay && passed <= n_) {
-                    edges<false, true>(passed, begin, *before, *weights);
+                if (begin >= kDelay && begin + kDelay <= n_) {
+                    cross<false>(*before, *weights);
                 } else {
-                    edges<true, true>(passed, begin, *before, *weights);
+                    cross<true>(*before, *weights);
                 }
             }
+            const Weights w = weights_of(*weights);
             const size_t whole = (step_ + kSkew - 1) / kSkew * kSkew;
-            edges<true, false>(std::min(end, std::max(kDelay, whole)), begin, *weights, *weights);
-            steady(std::min(end, n_), *weights);
-            edges<true, false>(end, begin, *weights, *weights);
+            edges<true>(std::min(end, std::max(kDelay, whole)), w);
+            steady(std::min(end, n_), w);
+            edges<true>(end, w);
             before = weights;
         }
         store(states);
@@ -130,22 +130,22 @@ class Pipeline {
         return w;
     }
 
-    HWY_INLINE Weights mixed_weights(const CascadeWeights& before_tick,
-                                     const CascadeWeights& after_tick, size_t crossed) const {
-        const Weights from = weights_of(before_tick);
-        const Weights to = weights_of(after_tick);
-        Weights w;
-        for (size_t p = 0; p < kVectors; ++p) {
-            const Mask m = before(crossed, p);
-            w.b0[p] = hn::IfThenElse(m, to.b0[p], from.b0[p]);
-            w.b1[p] = hn::IfThenElse(m, to.b1[p], from.b1[p]);
-            w.b2[p] = hn::IfThenElse(m, to.b2[p], from.b2[p]);
-            w.a1[p] = hn::IfThenElse(m, to.a1[p], from.a1[p]);
-            w.a2[p] = hn::IfThenElse(m, to.a2[p], from.a2[p]);
-            w.wet[p] = hn::IfThenElse(m, to.wet[p], from.wet[p]);
-            w.dry[p] = hn::IfThenElse(m, to.dry[p], from.dry[p]);
-        }
-        return w;
+    /// Has a stage take its next weights while those after it still work with the ones before.
+    HWY_INLINE void take_over(Weights& w, size_t stage, const CascadeWeights& from,
+                              const CascadeWeights& to) const {
+        const size_t p = stage / kLanes;
+        const size_t at = first_ + p * kLanes;
+        const Mask m = before(stage + 1, p);
+        const auto pick = [m, at](const StageArray& next, const StageArray& now) HWY_ATTR {
+            return hn::IfThenElse(m, hn::Load(D(), &next[at]), hn::Load(D(), &now[at]));
+        };
+        w.b0[p] = pick(to.b0, from.b0);
+        w.b1[p] = pick(to.b1, from.b1);
+        w.b2[p] = pick(to.b2, from.b2);
+        w.a1[p] = pick(to.a1, from.a1);
+        w.a2[p] = pick(to.a2, from.a2);
+        w.wet[p] = pick(to.wet, from.wet);
+        w.dry[p] = pick(to.dry, from.dry);
     }
 
     /// What enters the stages of vector `p`: what left the stage before each, or `input`.
@@ -185,8 +185,8 @@ class Pipeline {
                 const V s2 = hn::Add(hn::Mul(w.b2[p], x[i]), hn::Mul(w.a2[p], y[i]));
                 s1_[c][p] = keep(p, s1_[c][p], s1);
                 s2_[c][p] = keep(p, s2_[c][p], s2);
-                left_[kPhase][c][p] = hn::DemoteTo(
-                    F(), hn::Add(hn::Mul(w.wet[p], y[i]), hn::Mul(w.dry[p], x[i])));
+                left_[kPhase][c][p] =
+                    hn::DemoteTo(F(), hn::Add(hn::Mul(w.wet[p], y[i]), hn::Mul(w.dry[p], x[i])));
             }
         }
     }
@@ -201,32 +201,37 @@ class Pipeline {
         if constexpr (kWhole) followers_.step(sample, out[0], out[kChannels - 1]);
     }
 
-    /// Steps up to `until` at which not all stages have a sample (kMasked), or not all have the
-    /// same weights (kMixed).
-    template <bool kMasked, bool kMixed>
-    HWY_INLINE void edges(size_t until, size_t tick, const CascadeWeights& before_tick,
-                          const CascadeWeights& after_tick) {
+    /// The steps at which the first sample after a control tick passes from stage to stage, and the
+    /// tick's weights with it.
+    template <bool kMasked>
+    HWY_INLINE void cross(const CascadeWeights& from, const CascadeWeights& to) {
+        Weights w = weights_of(from);
+        for (size_t stage = 0; stage + 1 < kVectors * kLanes; ++stage) {
+            take_over(w, stage, from, to);
+            edges<kMasked>(step_ + kSkew, w);
+        }
+    }
+
+    /// Steps up to `until`, at some of which not all stages have a sample if kMasked.
+    template <bool kMasked>
+    HWY_INLINE void edges(size_t until, const Weights& w) {
         for (; step_ < until; ++step_) {
             if (step_ % kSkew == 0) {
-                edge<0, kMasked, kMixed>(tick, before_tick, after_tick);
+                edge<0, kMasked>(w);
             } else {
-                edge<1 % kSkew, kMasked, kMixed>(tick, before_tick, after_tick);
+                edge<1 % kSkew, kMasked>(w);
             }
         }
     }
 
-    template <size_t kPhase, bool kMasked, bool kMixed>
-    HWY_INLINE void edge(size_t tick, const CascadeWeights& before_tick,
-                         const CascadeWeights& after_tick) {
+    template <size_t kPhase, bool kMasked>
+    HWY_INLINE void edge(const Weights& w) {
         const size_t step = step_;
         VF input[kChannels];
         for (size_t c = 0; c < kChannels; ++c) {
             const float x = !kMasked || step < n_ ? in_[c][step] : 0.0f;
             input[c] = hn::Set(F(), x);
         }
-        const size_t crossed = step < tick ? 0 : (step - tick) / kSkew + 1;
-        const Weights w =
-            kMixed ? mixed_weights(before_tick, after_tick, crossed) : weights_of(after_tick);
         const size_t begun = kMasked ? step / kSkew + 1 : kStageCount;
         const size_t ended = !kMasked || step < n_ ? 0 : (step - n_) / kSkew + 1;
         Mask active[kVectors];
@@ -240,8 +245,7 @@ class Pipeline {
     }
 
     /// Steps up to `until`, or a few less, at which nothing changes.
-    HWY_INLINE void steady(size_t until, const CascadeWeights& weights) {
-        const Weights w = weights_of(weights);
+    HWY_INLINE void steady(size_t until, const Weights& w) {
         if (step_ % kSkew != 0) return;
         size_t step = step_;
         for (; step + kSkew <= until; step += kSkew) {

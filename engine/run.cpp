@@ -95,8 +95,7 @@ bool restart_poisoned(EqInstance& eq, const Stretches& stretches, size_t channel
 // Follows the powers once more where they or a channel were poisoned: they too start again at the
 // next control tick.
 template <size_t kChannels>
-void follow_again(const EqInstance& eq, const Stretches& stretches, size_t n,
-                  Followers followers) {
+void follow_again(const EqInstance& eq, const Stretches& stretches, size_t n, Followers followers) {
     for (size_t i = 0; i < stretches.count; ++i) {
         if (stretches.is_tick(i)) {
             if (!std::isfinite(followers.in_power)) followers.in_power = 0.0f;
@@ -118,8 +117,8 @@ void run_stages(EqInstance& eq, const Stretches& stretches, size_t n) {
     Workspace& work = eq.work;
     const std::array<const float*, 2> in = {work.in[0].data(), work.in[1].data()};
     const std::array<float*, 2> out = {work.out[0].data(), work.out[1].data()};
-    const Followers followers = {eq.power_take, eq.power_keep,         work.in_square.data(),
-                                 eq.in_power,   eq.out_power,          work.in_powers.data(),
+    const Followers followers = {eq.power_take,         eq.power_keep, work.in_square.data(),
+                                 eq.in_power,           eq.out_power,  work.in_powers.data(),
                                  work.out_powers.data()};
     const RunCascade run_cascade = kChannels == 1 ? eq.cascade.mono : eq.cascade.stereo;
     run_cascade({stretches.list.data(), stretches.count}, eq.states.data(), in.data(), out.data(),
