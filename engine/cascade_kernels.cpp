@@ -276,9 +276,9 @@ class Pipeline {
 };
 
 template <size_t kSkew, size_t kVectors, size_t kChannels>
-HWY_NOINLINE void run_passes(std::span<const Stretch> stretches, CascadeState* states,
-                             const float* const* in, float* const* out, size_t n,
-                             const Followers& followers) noexcept {
+HWY_NOINLINE void run_cascade(std::span<const Stretch> stretches, CascadeState* states,
+                              const float* const* in, float* const* out, size_t n,
+                              const Followers& followers) noexcept {
     using Part = Pipeline<kSkew, kVectors, kChannels>;
     for (size_t first = 0; first < kStageCount; first += kVectors * kLanes) {
         Part(first, first == 0 ? in : out, out, n, followers).run(stretches, states);
@@ -292,22 +292,13 @@ HWY_NOINLINE void run_passes(std::span<const Stretch> stretches, CascadeState* s
 // More vectors than four a channel do not fit into the registers.
 constexpr size_t kVectors = std::min<size_t>(4, kStageCount / kLanes);
 
-/// Measured: a skew of 2 hides most of a stage's latency, and one of 1 fills sooner; where the
-/// stages of both channels take eight vectors, these hide it themselves, and short blocks gain by
-/// the latter.
+/// Measured: a skew of 2 hides most of a stage's latency. Eight vectors of four lanes hide it
+/// themselves, and the pipeline fills sooner with a skew of 1.
 template <size_t kChannels>
-void run_cascade(std::span<const Stretch> stretches, CascadeState* states, const float* const* in,
-                 float* const* out, size_t n, const Followers& followers) noexcept {
-    constexpr size_t kShort = kChannels * kVectors == 8 ? 128 : 0;
-    if (n < kShort) {
-        run_passes<1, kVectors, kChannels>(stretches, states, in, out, n, followers);
-    } else {
-        run_passes<2, kVectors, kChannels>(stretches, states, in, out, n, followers);
-    }
-}
+constexpr size_t kSkewOf = kChannels == 2 && kLanes == 4 ? 1 : 2;
 
 CascadeKernels cascade_here() {
-    return {run_cascade<1>, run_cascade<2>};
+    return {run_cascade<kSkewOf<1>, kVectors, 1>, run_cascade<kSkewOf<2>, kVectors, 2>};
 }
 
 #endif
