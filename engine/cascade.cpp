@@ -38,8 +38,7 @@ void run_plain(std::span<const Stretch> stretches, CascadeState* states, const f
             }
         }
     }
-    Followers follow = followers;
-    for (size_t i = 0; i < n; ++i) follow.step(i, out[0][i], out[kChannels - 1][i]);
+    follow(followers, out[0], out[kChannels - 1], n);
 }
 
 }  // namespace

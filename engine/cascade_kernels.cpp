@@ -44,8 +44,8 @@ class Pipeline {
   public:
     /// Whether samples that leave have passed the whole cascade.
     static constexpr bool kWhole = kVectors * kLanes == kStageCount;
-    /// Vectors whose recursions run side by side. Narrow ones of two channels leave the processor
-    /// enough to choose from one at a time.
+    /// Vectors that are filtered side by side, so that one's waits are filled with another's work.
+    /// Measured: eight narrow ones need more registers than that is worth.
     static constexpr size_t kTogether = kLanes == 2 && kChannels == 2 ? 1 : kChannels * kVectors;
     /// Steps from a sample's entrance to its leaving.
     static constexpr size_t kDelay = kSkew * (kVectors * kLanes - 1);
@@ -283,10 +283,7 @@ HWY_NOINLINE void run_cascade(std::span<const Stretch> stretches, CascadeState* 
     for (size_t first = 0; first < kStageCount; first += kVectors * kLanes) {
         Part(first, first == 0 ? in : out, out, n, followers).run(stretches, states);
     }
-    if constexpr (!Part::kWhole) {
-        Followers follow = followers;
-        for (size_t i = 0; i < n; ++i) follow.step(i, out[0][i], out[kChannels - 1][i]);
-    }
+    if constexpr (!Part::kWhole) follow(followers, out[0], out[kChannels - 1], n);
 }
 
 // More vectors than four a channel do not fit into the registers.

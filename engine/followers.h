@@ -25,4 +25,9 @@ struct Followers {
     }
 };
 
+/// Follows `n` samples that have left the cascade.
+inline void follow(Followers followers, const float* left, const float* right, size_t n) noexcept {
+    for (size_t i = 0; i < n; ++i) followers.step(i, left[i], right[i]);
+}
+
 }  // namespace brindle
