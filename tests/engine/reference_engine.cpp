@@ -210,29 +210,11 @@ void Engine::read_controls() {
         section_type[s] = whole(p[1]);
         section_gain[s] = p[2];
         section_q[s] = p[4];
+        static const double factors[9] = {1.0, 1.0, 0.88, 0.75, 0.7, 1.0, 1.2, 1.4, 1.5};
+        const int type = section_type[s];
         double f = static_cast<double>(p[3]);
-        switch (section_type[s]) {
-            case 2:
-                f = f * 0.88;
-                break;
-            case 3:
-                f = f * 0.75;
-                break;
-            case 4:
-                f = f * 0.7;
-                break;
-            case 6:
-                f = std::min(f * 1.2, 20000.0);
-                break;
-            case 7:
-                f = std::min(f * 1.4, 20000.0);
-                break;
-            case 8:
-                f = std::min(f * 1.5, 20000.0);
-                break;
-            default:
-                break;
-        }
+        if (type >= 2 && type <= 8) f = f * factors[type];
+        if (type >= 6 && type <= 8) f = std::min(f, 20000.0);
         section_freq[s] = static_cast<float>(f);
     }
     for (int b = 0; b < 8; ++b) {

@@ -128,47 +128,6 @@ TEST(Controls, ThatAreNoNumberLeaveTheLastValueInForce) {
     }
 }
 
-// Whatever stands on the ports, at rates where most frequencies lie beyond Nyquist and others:
-// first one kind of nonsense everywhere, then arbitrary mixtures, with time to glide there.
-TEST(Controls, OfAnyValueLeaveFiniteInputFinite) {
-    const float kBad[] = {kNan,  kInf,   -kInf, 0.0f, -1.0f,    1e30f, -1e30f,
-                          3e38f, 1e-30f, 1e9f,  0.5f, 20000.0f, 9.2f,  17.0f};
-    for (double rate : {100.0, 8000.0, 22050.0, 44100.0, 768000.0}) {
-        SCOPED_TRACE(rate);
-        PluginHost host(1, rate);
-        std::mt19937 random(7);
-        const Audio in = noise(1, 16384, 11);
-        for (int round = 0; round < 60; ++round) {
-            const auto type = static_cast<float>(round % 19);
-            for (uint32_t number = 2; number <= kTrimPort; ++number) {
-                const auto kind = (number - 2) % kControlCount;
-                const size_t pick = round < 14 ? static_cast<size_t>(round) : random() % 14;
-                host.port(number) = kind == kType ? type : kind == kEnable ? 1.0f : kBad[pick];
-            }
-            ASSERT_TRUE(all_finite(host.process(in))) << "round " << round;
-            ASSERT_TRUE(std::isfinite(host.port(kMeterInPort)));
-            ASSERT_TRUE(std::isfinite(host.port(kMeterOutPort)));
-        }
-    }
-}
-
-TEST(Controls, AreTruncatedAfterATenthIsAdded) {
-    const std::pair<float, float> kRows[] = {{2.95f, 3.0f},
-                                             {2.85f, 2.0f},
-                                             {2.899f, 2.0f},
-                                             {0.95f, 1.0f},
-                                             {0.9f, 0.0f}};  // 0.9f is below 0.9
-    for (const auto& [value, meant] : kRows) {
-        SCOPED_TRACE(value);
-        PluginHost host(1, 48000.0), plain(1, 48000.0);
-        for (PluginHost* h : {&host, &plain}) h->set_band(0, 0, 0.0f, 500.0f, 1.0f);
-        host.port(band_port(0) + kType) = value;
-        plain.port(band_port(0) + kType) = meant;
-        const Audio in = noise(1, 8192, 13);
-        EXPECT_EQ(host.process(in), plain.process(in));
-    }
-}
-
 // Bursts that end in mid-block between ticks; the other channel must not notice.
 TEST(Bursts, EndWithinOneControlTickAndLeaveTheOtherChannelAlone) {
     constexpr size_t kTick = 64, kStart = 2000, kEnd = 2500;

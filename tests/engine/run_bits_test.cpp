@@ -72,18 +72,19 @@ class Session {
         plain_.port[number] = value;
     }
 
-    // Within the port's range, as hosts send it: ends of the range and fractions included.
+    // Within the port's range, as hosts send it: ends of the range and fractions included, and
+    // types that do not exist.
     float any_value(uint32_t number) {
+        constexpr float kFractions[] = {0.0f, 0.0f, 0.0f, 0.85f, 0.9f, 0.95f};  // 0.9f is below 0.9
         const bool section = number >= section_port(0);
         const float share = below(10) == 0 ? static_cast<float>(below(2))
                                            : static_cast<float>(below(10000)) / 9999.0f;
         if (number == kTrimPort) return -20.0f + 40.0f * share;
         switch ((number - 2) % kControlCount) {
             case kEnable:
-                return below(3) == 0 ? 0.0f : 1.0f;
+                return static_cast<float>(below(2)) + kFractions[below(6)];
             case kType:
-                return static_cast<float>(below(section ? 19 : 14)) +
-                       (below(4) == 0 ? 0.95f : 0.0f);
+                return static_cast<float>(below(section ? 22 : 17)) - 2.0f + kFractions[below(6)];
             case kGain:
                 return below(6) == 0 ? 0.0f : -18.0f + 36.0f * share;
             case kFrequency:
