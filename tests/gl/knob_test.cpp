@@ -151,24 +151,12 @@ TEST_F(Knob, AResetPressWritesTheResetValueIfThereIsOne) {
     knob->MouseDown({}, kGrip);
     knob->MouseUp({});
     EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Released(kPort)));
-    host.calls.clear();
-    knob->SetResetValue(1.5f);
-    knob->MouseDown({}, kGrip);
-    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Wrote(kPort, 1.5f)));
-    page.resetPress = false;
-    knob->MouseUp({});
-    host.calls.clear();
-    knob->MouseDown({}, kGrip);
-    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort)));
-}
-
-TEST_F(Knob, AHandThatTremblesOnAResetPressDoesNotUndoIt) {
     knob->SetResetValue(0.0f);
     page.Report(kPort, 9.0f);
-    page.resetPress = true;
+    host.calls.clear();
     knob->MouseDown({}, kGrip);
     page.resetPress = false;
-    Drag(0.0f, -1.0f);
+    Drag(0.0f, -1.0f);  // a hand that trembles does not undo it
     EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Wrote(kPort, 0.0f)));
     page.Report(kPort, 0.0f);
     Drag(0.0f, -11.0f);  // ten pixels on from where the report found the pointer
@@ -179,7 +167,9 @@ TEST_F(Knob, AHandThatTremblesOnAResetPressDoesNotUndoIt) {
     knob->MouseDown({}, kGrip);
     knob->MouseUp({});
     page.resetPress = false;
+    host.calls.clear();
     knob->MouseDown({}, kGrip);  // without any report: a new press is a new drag
+    EXPECT_THAT(host.calls, ElementsAre(Touched(kPort)));
     Drag(0.0f, -10.0f);
     EXPECT_NEAR(LastWrite(), 1.08f, 1e-4f);
 }
@@ -223,6 +213,7 @@ TEST_F(Knob, ValuesBeyondTheRangeShowAtItsEndsAndNonsenseNotAtAll) {
         page.Report(kPort, nonsense);
         EXPECT_EQ(knob->normalised, 0.25f);
         EXPECT_STREQ(knob->infoText, "-9.0dB");
+        EXPECT_EQ(page.texts.back(), "-9.0dB");
     }
     // The logarithm of nothing lies below every scale.
     knob->SetMapping([](float n) { return std::exp(n); }, [](float v) { return std::log(v); });
@@ -230,43 +221,6 @@ TEST_F(Knob, ValuesBeyondTheRangeShowAtItsEndsAndNonsenseNotAtAll) {
     EXPECT_EQ(knob->normalised, 0.0f);
     page.Report(kPort, 0.0f);
     EXPECT_EQ(knob->normalised, 0.0f);
-}
-
-TEST_F(Knob, MappingsReplaceTheLinearScale) {
-    // 20 Hz to 20 kHz: three decades over the range.
-    knob->SetMapping([](float n) { return 20.0f * std::pow(1000.0f, n); },
-                     [](float v) { return std::log10(v / 20.0f) / 3.0f; });
-    EXPECT_NEAR(knob->MapValue(1.0f / 3.0f), 200.0f, 0.01f);
-    page.Report(kPort, 2000.0f);
-    EXPECT_NEAR(knob->normalised, 2.0f / 3.0f, 1e-6f);
-    knob->SetSensitivity(1.0f / 300.0f);
-    knob->MouseDown({}, kGrip);
-    Drag(0.0f, 100.0f);  // a decade down
-    EXPECT_NEAR(LastWrite(), 200.0f, 0.1f);
-    knob->Scroll(1.0f);  // 0.02 of three decades up
-    EXPECT_NEAR(LastWrite(), 2000.0f * 1.14815f, 0.1f);
-}
-
-TEST_F(Knob, WithoutWriteAndTouchFunctionsItTurnsInSilence) {
-    knob->SetPort({}, kPort);
-    knob->SetTouch(nullptr, kPort);
-    knob->SetResetValue(0.0f);
-    knob->gesturePort = 5;
-    page.resetPress = true;
-    knob->MouseDown({}, kGrip);
-    Drag(0.0f, -10.0f);
-    knob->Scroll(1.0f);
-    knob->MouseUp({});
-    EXPECT_THAT(host.calls, IsEmpty());
-    EXPECT_EQ(page.capturedView, nullptr);
-}
-
-TEST_F(Knob, TheHelpLineShowsTheNewValueUnderItsName) {
-    knob->SetInfoTitle("Band 1 gain");
-    knob->SetUnit("dB");
-    page.Report(kPort, 2.5f);
-    EXPECT_STREQ(page.infoTitle, "Band 1 gain");
-    EXPECT_EQ(page.texts.back(), "2.5dB");
 }
 
 TEST_F(Knob, TrackStartsAtZeroOrAtTheNearestEnd) {
@@ -297,6 +251,9 @@ TEST_F(Knob, ASliderDragsSidewaysAndIsOneRectangle) {
 }
 
 TEST(ValueText, FollowsTheSizeOfTheValue) {
+    constexpr auto kPlain = ValueStyle::Plain;
+    constexpr auto kWhole = ValueStyle::Whole;
+    constexpr auto kDecibels = ValueStyle::Decibels;
     struct Row {
         float value;
         ValueStyle style;
@@ -304,24 +261,24 @@ TEST(ValueText, FollowsTheSizeOfTheValue) {
         const char* text;
     };
     for (const Row& row : {
-             Row{1500.0f, ValueStyle::Plain, "Hz", "1.5kHz"},
-             Row{999.0f, ValueStyle::Plain, "Hz", "999Hz"},
-             Row{20000.0f, ValueStyle::Plain, "Hz", "20.0kHz"},
-             Row{50.0f, ValueStyle::Plain, "", " 50"},
-             Row{5.0f, ValueStyle::Plain, "", "5.0"},
-             Row{0.7125f, ValueStyle::Plain, " ", "0.7 "},
-             Row{-12.4f, ValueStyle::Plain, "dB", "-12dB"},
-             Row{-9.54f, ValueStyle::Plain, "dB", "-9.5dB"},
-             Row{-1500.0f, ValueStyle::Plain, "", "-1.5k"},
-             Row{-0.04f, ValueStyle::Plain, "dB", "0.0dB"},
-             Row{3.6f, ValueStyle::Whole, "", " 4"},
-             Row{-0.3f, ValueStyle::Whole, "%", " 0%"},
-             Row{1.0f, ValueStyle::Decibels, "dB", "0.0dB"},
-             Row{0.7943f, ValueStyle::Decibels, "dB", "-2.0dB"},
-             Row{0.1f, ValueStyle::Decibels, "dB", "-20dB"},
-             Row{4.0f, ValueStyle::Decibels, "dB", " 12dB"},
-             Row{0.0f, ValueStyle::Decibels, "dB", "-120dB"},
-             Row{-1.0f, ValueStyle::Decibels, "dB", "-120dB"},
+             Row{1500.0f, kPlain, "Hz", "1.5kHz"},
+             Row{999.0f, kPlain, "Hz", "999Hz"},
+             Row{20000.0f, kPlain, "Hz", "20.0kHz"},
+             Row{50.0f, kPlain, "", " 50"},
+             Row{5.0f, kPlain, "", "5.0"},
+             Row{0.7125f, kPlain, " ", "0.7 "},
+             Row{-12.4f, kPlain, "dB", "-12dB"},
+             Row{-9.54f, kPlain, "dB", "-9.5dB"},
+             Row{-1500.0f, kPlain, "", "-1.5k"},
+             Row{-0.04f, kPlain, "dB", "0.0dB"},
+             Row{3.6f, kWhole, "", " 4"},
+             Row{-0.3f, kWhole, "%", " 0%"},
+             Row{1.0f, kDecibels, "dB", "0.0dB"},
+             Row{0.7943f, kDecibels, "dB", "-2.0dB"},
+             Row{0.1f, kDecibels, "dB", "-20dB"},
+             Row{4.0f, kDecibels, "dB", " 12dB"},
+             Row{0.0f, kDecibels, "dB", "-120dB"},
+             Row{-1.0f, kDecibels, "dB", "-120dB"},
          }) {
         char text[32];
         FormatValue(text, sizeof text, row.value, row.style, row.unit);

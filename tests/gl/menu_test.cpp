@@ -45,53 +45,17 @@ struct Menu : ::testing::Test {
     GLPoint At(int index) { return Item(index)->LocalToPage({0.0f, 0.0f}); }
 };
 
-TEST_F(Menu, EntriesStackUpwardsFromTheSelector) {
-    EXPECT_FLOAT_EQ(selector->menu.x, 0.5f);
-    EXPECT_FLOAT_EQ(selector->menu.y, -0.25f);
-    EXPECT_EQ(selector->menu.CountChildren(), 3);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_FLOAT_EQ(Item(i)->x, 0.0f);
-        EXPECT_FLOAT_EQ(Item(i)->y, static_cast<float>(i) * kItem);
-        EXPECT_FLOAT_EQ(Item(i)->hw, 55.0f * kScale);
-        EXPECT_FLOAT_EQ(Item(i)->hh, kItem / 2.0f);
-    }
-    EXPECT_STREQ(Item(2)->label, "Bell");
-    EXPECT_STREQ(selector->menu.name, "Menu");
-}
-
-TEST_F(Menu, AnEntryWritesOnPressAndReleaseAndClosesTheMenu) {
+TEST_F(Menu, TheClickThatOpensItChoosesNothingButADragOntoAnEntryDoes) {
+    // Pressed and released over the selector, where the first entry is.
     GLView_Menu& menu = Opened();
     EXPECT_EQ(page.dialog, &menu);
-    EXPECT_THAT(page.sent, IsEmpty());
-    ASSERT_TRUE(menu.HitTest(At(1)));
-    menu.MouseDown(At(1), {});
-    EXPECT_EQ(page.dialog, nullptr);
-    EXPECT_FALSE(menu.visible);
-    EXPECT_THAT(page.sent, ElementsAre(Pair(kPort, 5.0f)));
-    ASSERT_EQ(page.capturedView, Item(1));
-    page.capturedView->MouseUp(At(1));
-    EXPECT_THAT(page.sent, ElementsAre(Pair(kPort, 5.0f), Pair(kPort, 5.0f)));
-    EXPECT_THAT(page.closings, ElementsAre(false, false));
     EXPECT_EQ(page.capturedView, nullptr);
-    Opened();  // entries come back with the menu
     EXPECT_TRUE(menu.HitTest(At(1)));
-}
-
-TEST_F(Menu, OnlyEntriesBelongToIt) {
-    GLView_Menu& menu = Opened();
     EXPECT_FALSE(menu.HitTest({menu.x + 56.0f * kScale, menu.y}));
     EXPECT_FALSE(menu.HitTest({menu.x, menu.y + 2.6f * kItem}));
     EXPECT_FALSE(menu.HitTest({menu.x, menu.y - 0.6f * kItem}));
     page.CloseDialog(true);
     EXPECT_FALSE(menu.HitTest(At(1)));
-}
-
-TEST_F(Menu, TheClickThatOpensItChoosesNothingButADragOntoAnEntryDoes) {
-    GLView_Menu& menu =
-        Opened();  // pressed and released over the selector, where the first entry is
-    EXPECT_EQ(page.dialog, &menu);
-    EXPECT_EQ(page.capturedView, nullptr);
-    page.CloseDialog(true);
 
     selector->MouseDown(selector->GetPosition(), {});
     EXPECT_EQ(page.capturedView, selector);
@@ -109,13 +73,10 @@ TEST_F(Menu, TheClickThatOpensItChoosesNothingButADragOntoAnEntryDoes) {
 }
 
 TEST_F(Menu, OpensFullyVisibleWhereverTheSelectorStands) {
-    struct Row {
-        float x, y;
-    };
-    for (const Row& row : {Row{1.66f, -0.99f}, Row{-1.66f, 0.99f}, Row{1.66f, 0.99f},
-                           Row{-1.66f, -0.99f}, Row{0.0f, 0.0f}}) {
-        SCOPED_TRACE(::testing::Message() << row.x << ' ' << row.y);
-        selector->SetPosition(row.x, row.y);
+    for (const auto& [x, y] : {GLPoint{1.66f, -0.99f}, GLPoint{-1.66f, 0.99f},
+                               GLPoint{1.66f, 0.99f}, GLPoint{-1.66f, -0.99f}, GLPoint{}}) {
+        SCOPED_TRACE(::testing::Message() << x << ' ' << y);
+        selector->SetPosition(x, y);
         Opened();
         for (int i = 0; i < 3; ++i) {
             const GLPoint centre = At(i);
@@ -129,51 +90,18 @@ TEST_F(Menu, OpensFullyVisibleWhereverTheSelectorStands) {
     EXPECT_FLOAT_EQ(At(0).y, 0.0f);
 }
 
-TEST_F(Menu, OpensOverASelectorInsideAMovedAndScaledParent) {
-    auto* box = new GLView;
-    box->SetPosition(0.25f, 0.25f);
-    box->SetScale(0.5f);
-    page.AddChild(box);
-    auto* nested = new GLView_MenuSelector;
-    nested->SetPosition(0.5f, 0.5f);
-    nested->SetSize(60.0f * kScale, 20.0f * kScale);
-    box->AddChild(nested);
-    nested->AddItem(kPort, 1.0f, 110.0f * kScale, "one");
-    nested->AddItem(kPort, 2.0f, 110.0f * kScale, "two");
-    nested->MouseDown({0.5f, 0.5f}, {});
-    EXPECT_FLOAT_EQ(nested->menu.x, 0.5f);
-    EXPECT_FLOAT_EQ(nested->menu.y, 0.5f);
-    nested->MouseUp({0.5f, 0.5f});  // its own place on the page, and the first entry's
-    EXPECT_EQ(page.dialog, &nested->menu);
-    EXPECT_THAT(page.sent, IsEmpty());
-}
-
 TEST_F(Menu, MarksTheEntryThatTheEngineReads) {
-    struct Row {
-        float reported;
-        int entry;
-    };
-    for (const Row& row : {Row{1.0f, 0}, Row{5.5f, 1}, Row{4.95f, 1}, Row{4.85f, -1}, Row{9.0f, 2},
-                           Row{0.0f, -1}, Row{-7.0f, -1}}) {
-        SCOPED_TRACE(row.reported);
-        page.Report(kPort, row.reported);
-        EXPECT_EQ(selector->menu.PresentItem(), row.entry < 0 ? nullptr : Item(row.entry));
+    for (const auto& [reported, entry] : {std::pair(1.0f, 0),
+                                          {5.5f, 1},
+                                          {4.95f, 1},
+                                          {4.85f, -1},
+                                          {9.0f, 2},
+                                          {0.0f, -1},
+                                          {-7.0f, -1}}) {
+        SCOPED_TRACE(reported);
+        page.Report(kPort, reported);
+        EXPECT_EQ(selector->menu.PresentItem(), entry < 0 ? nullptr : Item(entry));
     }
-}
-
-TEST_F(Menu, GoesWithItsSelector) {
-    Opened();
-    page.RemoveChild(selector);
-    delete selector;
-    EXPECT_EQ(page.dialog, nullptr);
-}
-
-TEST_F(Menu, WithoutAPageThereIsNothingToOpen) {
-    GLView_MenuSelector alone;
-    alone.AddItem(kPort, 1.0f, 1.0f, "one");
-    alone.MouseDown({}, {});
-    EXPECT_EQ(alone.menu.CountChildren(), 0);
-    EXPECT_EQ(page.dialog, nullptr);
 }
 
 }  // namespace

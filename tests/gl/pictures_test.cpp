@@ -78,18 +78,6 @@ TEST(Pictures, GlyphsStandInTheirAdvances) {
     }
 }
 
-TEST(Pictures, SymmetricCharactersAreCentred) {
-    for (const char character : {'0', '8', 'A', 'H', 'I', 'O', 'T', 'o', 'v', '|', '+', '\x7f'}) {
-        SCOPED_TRACE(character);
-        const Bitmap glyph = LoadPicture("chars/char_" + std::to_string(int{character}));
-        const Ink ink = FindInk(glyph);
-        EXPECT_NEAR(ink.left + ink.right, glyph.width, 1.0);
-        if (std::isupper(character) != 0) {
-            EXPECT_NEAR(ink.bottom + ink.top, glyph.height, 2.0);
-        }
-    }
-}
-
 TEST(Pictures, NothingIsDarkWhereItIsTransparent) {
     for (const char* name : {"images/img_150.bmp", "images/img_160.bmp", "images/img_318.bmp",
                              "images/img_102.bmp", "chars/char_65"}) {

@@ -78,23 +78,18 @@ struct Tree : ::testing::Test {
     }
 };
 
-TEST_F(Tree, ChildrenKeepTheirOrderAndAreNeverDoubled) {
+TEST_F(Tree, ChildrenKeepTheirOrderAreNeverDoubledAndComeBackAlone) {
     page->AddChild(a);
     page->AddChild(nullptr);
     page->AddChild(page.get());
-    EXPECT_EQ(page->CountChildren(), 2);
-    EXPECT_EQ(c->CountChildren(), 0);
     page->RemoveChild(c);  // a grandchild, no child
     EXPECT_EQ(page->CountChildren(), 2);
+    EXPECT_EQ(c->CountChildren(), 0);
     EXPECT_EQ(c->Page(), page.get());
-}
-
-TEST_F(Tree, ARemovedChildRemembersItsParentAndComesBackAlone) {
     page->RemoveChild(a);
     EXPECT_EQ(a->parent, page.get());
     EXPECT_EQ(page->CountChildren(), 1);
     page->AddChild(a);  // behind b, which had followed it
-    EXPECT_EQ(page->CountChildren(), 2);
     page->ParameterChanged(7);
     EXPECT_THAT(log, ElementsAre("b hears 7", "a hears 7", "c hears 7"));
 }
@@ -133,16 +128,13 @@ TEST_F(Tree, HitsAskTheFirstChildFirstAndReachBeyondTheParent) {
     EXPECT_THAT(log, IsEmpty());
 }
 
-TEST_F(Tree, BordersAreOutsideAndScaleAppliesToTheSize) {
+TEST_F(Tree, BordersAndHiddenViewsAreNotHitAndScaleAppliesToTheSize) {
     EXPECT_FALSE(b->HitTest({3.0f, 0.0f}));
     EXPECT_TRUE(b->HitTest({2.999f, 0.0f}));
     EXPECT_FALSE(b->HitTest({1.0f, -1.0f}));
     b->SetScale(0.5f);  // half widths count in local units
     EXPECT_FALSE(b->HitTest({2.001f, 0.0f}));
     EXPECT_TRUE(b->HitTest({1.999f, 0.0f}));
-}
-
-TEST_F(Tree, HiddenViewsAreNotHitButAChildShownAgainIs) {
     a->SetVisible(false);
     EXPECT_FALSE(a->HitTest({-1.0f, 0.0f}));
     EXPECT_FALSE(a->HitTest({-1.0f, 3.0f}));
@@ -182,23 +174,17 @@ TEST_F(Tree, EachRoleHasOneHolder) {
     EXPECT_EQ(page->selectedView, nullptr);
     EXPECT_EQ(page->hoverView, nullptr);
     EXPECT_EQ(page->capturedView, nullptr);
-}
 
-TEST_F(Tree, HidingGivesUpTheSelectionButNotAnothers) {
     c->SetSelected(true);
     b->SetVisible(false);
     EXPECT_EQ(page->selectedView, c);
     a->SetVisible(false);
     EXPECT_EQ(page->selectedView, nullptr);
-}
-
-TEST_F(Tree, ReleaseOverNothingFreesTheCapture) {
-    b->SetCaptured(true);
-    page->MouseUp({4.0f, 4.0f});
-    EXPECT_EQ(page->capturedView, nullptr);
-    b->SetCaptured(true);
-    page->MouseUp({-1.0f, 0.0f});  // over a, which has no child there
-    EXPECT_EQ(page->capturedView, nullptr);
+    for (const GLPoint at : {GLPoint{4.0f, 4.0f}, {-1.0f, 0.0f}}) {  // over nothing, over a alone
+        b->SetCaptured(true);
+        page->MouseUp(at);
+        EXPECT_EQ(page->capturedView, nullptr);
+    }
 }
 
 TEST_F(Tree, ShowInfoSelectsTheInnermostViewAndShowsItsTexts) {
@@ -211,23 +197,18 @@ TEST_F(Tree, ShowInfoSelectsTheInnermostViewAndShowsItsTexts) {
 }
 
 TEST_F(Tree, ServicesReachThePageFromAnyDepth) {
-    page->parameters[42] = 0.5f;
-    page->modifiers = 2;
     c->SendParameter(3, -4.5f);
     c->ShowInfo("t", "x");
     c->ShowMessage("1", "2", "3", "4", "5");
     c->OpenDialog(b);
     c->CloseDialog(true);
-    EXPECT_FLOAT_EQ(c->GetParameter(42), 0.5f);
-    EXPECT_EQ(c->GetModifiers(), 2u);
     EXPECT_THAT(page->sent, ElementsAre(std::pair(3u, -4.5f)));
     EXPECT_STREQ(page->infoText, "x");
     EXPECT_THAT(page->messages, ElementsAre("1", "2", "3", "4", "5"));
     EXPECT_THAT(page->closings, ElementsAre(true));
     EXPECT_FALSE(b->visible);
-}
 
-TEST_F(Tree, EachQueryGetsItsOwnAnswer) {
+    page->parameters[42] = 0.5f;
     page->pageWidth = 2.0f;
     page->pageHeight = 3.0f;
     page->interfaceScale = 4.0f;
@@ -240,24 +221,24 @@ TEST_F(Tree, EachQueryGetsItsOwnAnswer) {
         {&GLView::GetViewLeft, -5.0f},      {&GLView::GetViewTop, 6.0f},
         {&GLView::GetViewBottom, -6.0f},    {&GLView::GetPixelSize, 7.0f},
     };
-    for (const auto& [query, answer] : sizes) {
-        EXPECT_EQ((c->*query)(), answer);
-    }
+    for (const auto& [query, answer] : sizes) EXPECT_EQ((c->*query)(), answer);
+    EXPECT_EQ(c->GetParameter(42), 0.5f);
     EXPECT_EQ(c->GetBackgroundColor().red, kCream.red);
     EXPECT_EQ(c->GetContrastColor().red, kAmber.red);
-    page->resetPress = true;
+    page->modifiers = 2;
     page->pressedButton = 3;
     page->eventTime = 99;
-    page->boxy = true;
-    EXPECT_TRUE(c->IsResetPress());
+    EXPECT_EQ(c->GetModifiers(), 2u);
     EXPECT_EQ(c->GetPressedButton(), 3);
     EXPECT_EQ(c->GetEventTime(), 99u);
-    EXPECT_TRUE(c->IsBoxy());
-    EXPECT_FALSE(c->IsFlat());
-    page->boxy = false;
-    page->flat = true;
-    EXPECT_FALSE(c->IsBoxy());
-    EXPECT_TRUE(c->IsFlat());
+    using Flag = std::pair<bool FakePage::*, bool (GLView::*)()>;
+    for (const auto& [flag, query] :
+         {Flag{&FakePage::resetPress, &GLView::IsResetPress},
+          Flag{&FakePage::boxy, &GLView::IsBoxy}, Flag{&FakePage::flat, &GLView::IsFlat}}) {
+        EXPECT_FALSE((c->*query)());
+        page.get()->*flag = true;
+        EXPECT_TRUE((c->*query)());
+    }
 }
 
 TEST(View, WithoutAPageItSaysSoAndServicesAnswerNothing) {
@@ -271,31 +252,19 @@ TEST(View, WithoutAPageItSaysSoAndServicesAnswerNothing) {
     alone.ShowInfoAt({0.0f, 0.0f});
 }
 
-TEST(View, SizesAreKeptAsHalves) {
-    GLView view;
-    view.SetSize(10.0f, 4.0f);
-    EXPECT_FLOAT_EQ(view.hw, 5.0f);
-    EXPECT_FLOAT_EQ(view.hh, 2.0f);
-    view.SetSize(GLPoint{1.0f, 3.0f});
-    EXPECT_FLOAT_EQ(view.hh, 1.5f);
-}
-
 TEST(View, InfoTextsAreFormatsOfTheirOwnLength) {
     GLView view;
-    struct Case {
-        const char* text;
-        const char* shown;
-    };
-    for (const Case& row :
+    using Case = std::pair<const char*, const char*>;
+    for (const auto& [text, shown] :
          {Case{"", ""}, Case{nullptr, ""}, Case{"100%% wet", "100% wet"},
           Case{"%d bytes", "8 bytes"}, Case{"%04zu!", "0006!"}, Case{"%d then %d", "10 then %d"},
           Case{"50% louder", "50% louder"}, Case{"%s %n %f %", "%s %n %f %"}, Case{"%*d", "%*d"},
           Case{"%.3ld", "005"}, Case{"%hhx", "4"}}) {
-        SCOPED_TRACE(row.text != nullptr ? row.text : "null");
-        view.SetInfoTitle(row.text);
-        EXPECT_STREQ(view.infoTitle, row.shown);
-        view.SetInfoText(row.text);
-        EXPECT_STREQ(view.infoText, row.shown);
+        SCOPED_TRACE(text != nullptr ? text : "null");
+        view.SetInfoTitle(text);
+        EXPECT_STREQ(view.infoTitle, shown);
+        view.SetInfoText(text);
+        EXPECT_STREQ(view.infoText, shown);
     }
 }
 
