@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace brindle {
@@ -17,7 +20,7 @@ constexpr size_t kClockBlock = 512;
 class Device : public AudioOutput {
   public:
     /// Throws RtAudioError where there is no device, or it refuses.
-    Device(LivePlugin& plugin, double rate_hz) {
+    Device(RtAudio::Api api, LivePlugin& plugin, double rate_hz) : audio_(api) {
         // Its searches for devices are none of the user's business.
         audio_.showWarnings(false);
         if (audio_.getDeviceCount() == 0) throw RtAudioError("none found");
@@ -33,7 +36,7 @@ class Device : public AudioOutput {
         name_ = audio_.getDeviceInfo(output.deviceId).name;
     }
 
-    [[nodiscard]] std::string name() const override { return name_; }
+    [[nodiscard]] std::string place() const override { return "on " + name_; }
 
   private:
     static int play(void* out, void*, unsigned frames, double, RtAudioStreamStatus, void* plugin) {
@@ -47,11 +50,12 @@ class Device : public AudioOutput {
 
 class SilentClock : public AudioOutput {
   public:
-    SilentClock(LivePlugin& plugin, double rate_hz)
-        : thread_([&plugin, rate_hz](const std::stop_token& stop) { run(plugin, rate_hz, stop); }) {
+    SilentClock(LivePlugin& plugin, double rate_hz, std::string place)
+        : place_(std::move(place)),
+          thread_([&plugin, rate_hz](const std::stop_token& stop) { run(plugin, rate_hz, stop); }) {
     }
 
-    [[nodiscard]] std::string name() const override { return ""; }
+    [[nodiscard]] std::string place() const override { return place_; }
 
   private:
     static void run(LivePlugin& plugin, double rate_hz, const std::stop_token& stop) {
@@ -67,20 +71,34 @@ class SilentClock : public AudioOutput {
         }
     }
 
+    std::string place_;
     std::jthread thread_;
 };
+
+/// On the first sound system that takes the rate: a sound server may run at another one than the
+/// device that it leaves to others.
+std::unique_ptr<AudioOutput> start_device(LivePlugin& plugin, double rate_hz) {
+    std::vector<RtAudio::Api> apis;
+    RtAudio::getCompiledApi(apis);
+    for (const RtAudio::Api api : apis) {
+        try {
+            return std::make_unique<Device>(api, plugin, rate_hz);
+        } catch (const RtAudioError&) {
+            // The next one may.
+        }
+    }
+    return nullptr;
+}
 
 }  // namespace
 
 std::unique_ptr<AudioOutput> start_audio(LivePlugin& plugin, double rate_hz, bool silent) {
-    if (!silent) {
-        try {
-            return std::make_unique<Device>(plugin, rate_hz);
-        } catch (const RtAudioError&) {
-            // A machine without sound shows all the same what the plugin does.
-        }
-    }
-    return std::make_unique<SilentClock>(plugin, rate_hz);
+    if (silent) return std::make_unique<SilentClock>(plugin, rate_hz, "without a sound device");
+    if (auto device = start_device(plugin, rate_hz)) return device;
+    // A machine without sound shows all the same what the plugin does.
+    const auto rate = std::to_string(std::lround(rate_hz));
+    return std::make_unique<SilentClock>(plugin, rate_hz,
+                                         "in silence, as no sound device takes " + rate + " Hz");
 }
 
 }  // namespace brindle

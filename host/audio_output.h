@@ -17,12 +17,12 @@ class AudioOutput {
     AudioOutput& operator=(const AudioOutput&) = delete;
     virtual ~AudioOutput() = default;
 
-    /// The sound device; empty where there is none.
-    [[nodiscard]] virtual std::string name() const = 0;
+    /// Where the sound goes, as it is told to the user: "on" a device, or why it goes nowhere.
+    [[nodiscard]] virtual std::string place() const = 0;
 };
 
-/// Plays on the system's sound device. Where there is none that takes `rate_hz`, or `silent` is
-/// asked for, a clock takes its place and nothing is heard. `plugin` outlives it.
+/// Plays on the system's sound device. Where there is none that takes `rate_hz` [Hz], or `silent`
+/// is asked for, a clock takes its place and nothing is heard. `plugin` outlives it.
 std::unique_ptr<AudioOutput> start_audio(LivePlugin& plugin, double rate_hz, bool silent);
 
 }  // namespace brindle

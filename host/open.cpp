@@ -34,10 +34,8 @@ std::unique_ptr<OutputFile> state_output(const OpenRequest& request) {
 void tell(const OpenRequest& request, const SignalSource& source, const AudioOutput& audio) {
     const std::string built_in = request.signal == "sweep" ? "a sweep" : "pink noise";
     const std::string& signal = request.input.empty() ? built_in : request.input;
-    const std::string place =
-        audio.name().empty() ? "without a sound device" : "on " + audio.name();
     std::printf("Playing %s (%s, %.0f Hz) %s. Close the window to end.\n", signal.c_str(),
-                source.channels() == 1 ? "mono" : "stereo", source.rate(), place.c_str());
+                source.channels() == 1 ? "mono" : "stereo", source.rate(), audio.place().c_str());
     std::fflush(stdout);
 }
 
