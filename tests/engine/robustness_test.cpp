@@ -158,19 +158,28 @@ TEST(Bursts, EndWithinOneControlTickAndLeaveTheOtherChannelAlone) {
     }
 }
 
-// Nor must squares beyond the range of a float, or what a host left in the ports.
+// Nor must squares beyond the range of a float, before or after the cascade, or what a host left in
+// the ports.
 TEST(Bursts, DoNotHoldTheMeters) {
-    PluginHost host(1, 48000.0);
-    for (float sample : {kNan, kInf, 1e30f}) {
+    const std::pair<float, float> bursts[] = {
+        {kNan, 0.0f}, {kInf, 0.0f}, {1e30f, 0.0f}, {1e20f, -40.0f}, {1e18f, 40.0f}};
+    for (const auto& [sample, trim_db] : bursts) {
+        SCOPED_TRACE(testing::Message() << sample << " with " << trim_db << " dB");
+        PluginHost host(1, 48000.0);
+        host.port(kTrimPort) = trim_db;
+        host.settle();
         host.process({std::vector<float>(4096, sample)});
-        EXPECT_TRUE(std::isfinite(host.port(kMeterInPort))) << sample;
-        EXPECT_TRUE(std::isfinite(host.port(kMeterOutPort))) << sample;
+        EXPECT_TRUE(std::isfinite(host.port(kMeterInPort)));
+        EXPECT_TRUE(std::isfinite(host.port(kMeterOutPort)));
+        host.port(kTrimPort) = 0.0f;
+        host.port(kMeterInPort) = kNan;
+        host.port(kMeterOutPort) = kInf;
+        host.process({std::vector<float>(192000, 0.5f)});
+        host.port(kMeterInPort) = host.port(kMeterOutPort) = 0.0f;
+        host.process({std::vector<float>(4096, 0.5f)});
+        EXPECT_NEAR(host.port(kMeterInPort), 0.25f, 0.01f);
+        EXPECT_NEAR(host.port(kMeterOutPort), 0.25f, 0.01f);
     }
-    host.port(kMeterInPort) = kNan;
-    host.port(kMeterOutPort) = kInf;
-    host.process({std::vector<float>(96000, 0.5f)});
-    EXPECT_NEAR(host.port(kMeterInPort), 0.25f, 0.01f);
-    EXPECT_NEAR(host.port(kMeterOutPort), 0.25f, 0.01f);
 }
 
 }  // namespace
