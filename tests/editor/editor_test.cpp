@@ -162,6 +162,11 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
     setenv("DISPLAY", display.c_str(), 1);
     EXPECT_THAT(host.writes, IsEmpty());
     EXPECT_TRUE(host.Open());
+
+    UiHost orphan(BuiltEditor());
+    orphan.window.Destroy();
+    EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(orphan.Open()); }).err,
+                testing::StartsWith("error: "));
 }
 
 TEST(Editor, TellsKeysOnStandardError) {
@@ -189,12 +194,22 @@ TEST(Editor, TellsKeysOnStandardError) {
     EXPECT_THAT(printed.out, HasSubstr("GLView_BaseView::KeyDown, doing nothing\n"));
 }
 
-TEST(Editor, FollowsItsParentsSize) {
+TEST(Editor, FollowsItsParentsSizeUnlessTheHostSizesIt) {
     UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
-    host.window.Resize(1500, 700);
-    EXPECT_TRUE(
-        WaitFor([&] { return host.window.HasSize(host.child, 1500, 700); }, [&] { host.Idle(); }));
+    const auto takes = [&](int width, int height) {
+        return WaitFor([&] { return host.window.HasSize(host.child, width, height); },
+                       [&] { host.Idle(); });
+    };
+    for (const auto& [width, height] : {std::pair(1500, 700), {500, 480}, {640, 384}}) {
+        host.window.Resize(width, height);
+        EXPECT_TRUE(takes(width, height)) << width;
+    }
+    host.window.ResizeWindow(host.child, 300, 200);
+    EXPECT_TRUE(takes(300, 200));
+    host.window.Resize(900, 500);
+    host.IdleTimes(30);
+    EXPECT_TRUE(host.window.HasSize(host.child, 300, 200));
 }
 
 TEST(Editor, OpensAndClosesWithoutTrace) {
@@ -211,15 +226,14 @@ TEST(Editor, OpensAndClosesWithoutTrace) {
             host.Idle();
         }
         host.Close();
+        EXPECT_EQ(glXGetCurrentContext(), nullptr);
     };
     long settled = 0;
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 100; ++i) {
+        if (i == 30) settled = ResidentKib();
         round(false);
-        if (i == 60) {
-            settled = ResidentKib();
-        }
     }
-    EXPECT_LT(ResidentKib() - settled, 4096) << "KiB in 140 rounds";
+    EXPECT_LT(ResidentKib() - settled, 2048) << "KiB in 70 rounds";
     round(true);
     other.IdleTimes(3);
     EXPECT_TRUE(other.window.IsShown(other.child));

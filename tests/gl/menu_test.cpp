@@ -70,6 +70,10 @@ TEST_F(Menu, TheClickThatOpensItChoosesNothingButADragOntoAnEntryDoes) {
     EXPECT_EQ(page.dialog, nullptr);
     selector->MouseUp(At(2));  // a release without a menu
     EXPECT_THAT(page.sent, ElementsAre(Pair(kPort, 9.0f)));
+
+    Opened().MouseDown(At(1), {});  // a press is enough
+    EXPECT_EQ(page.dialog, nullptr);
+    EXPECT_EQ(page.sent.back(), std::pair(kPort, 5.0f));
 }
 
 TEST_F(Menu, OpensFullyVisibleWhereverTheSelectorStands) {
