@@ -321,16 +321,17 @@ void GLView_BaseView::RenderFrame() {
     if (redrawNeeded || layerWidth != windowWidth || layerHeight != windowHeight) {
         layerWidth = windowWidth;
         layerHeight = windowHeight;
+        UpdateLetterbox();
+        layers.SetShownSize(static_cast<int32_t>(GetPageWidth()),
+                            static_cast<int32_t>(GetPageHeight()));
         MarkStatic({viewLeft, viewBottom, viewRight, viewTop});
     }
     DrawLayers();
-    FrameLayers::BindWindow();
+    layers.CopyShownToWindow(static_cast<int32_t>(letterboxX), static_cast<int32_t>(letterboxY));
     glDisable(GL_DEPTH_TEST);
     SetProjection();
-    UpdateLetterbox();
     glViewport(static_cast<GLint>(letterboxX), static_cast<GLint>(letterboxY),
                static_cast<GLsizei>(GetPageWidth()), static_cast<GLsizei>(GetPageHeight()));
-    DrawFrameTexture();
     DrawOverlay();
 }
 
@@ -359,26 +360,12 @@ void GLView_BaseView::DrawLayers() {
         const MatrixScope matrix;
         Draw();
     }
+    for (const LayerArea& area : staleFrame) {
+        layers.ScaleFrameToShown(area);
+    }
     redrawNeeded = false;
     staleStatic.clear();
     staleFrame.clear();
-}
-
-void GLView_BaseView::DrawFrameTexture() const {
-    glDisable(GL_BLEND);
-    glBindTexture(GL_TEXTURE_2D, layers.frameTexture);
-    kWhite.Apply();
-    glBegin(GL_QUADS);
-    glTexCoord2f(0.0f, 1.0f);
-    glVertex2f(viewLeft, viewTop);
-    glTexCoord2f(1.0f, 1.0f);
-    glVertex2f(viewRight, viewTop);
-    glTexCoord2f(1.0f, 0.0f);
-    glVertex2f(viewRight, viewBottom);
-    glTexCoord2f(0.0f, 0.0f);
-    glVertex2f(viewLeft, viewBottom);
-    glEnd();
-    glEnable(GL_BLEND);
 }
 
 void GLView_BaseView::DrawOverlay() {

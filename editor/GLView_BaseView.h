@@ -138,7 +138,6 @@ class GLView_BaseView : public GLView {
     void UpdateLetterbox();
     void DrawLayers();
     void SetProjection() const;
-    void DrawFrameTexture() const;
     void DrawOverlay();
 
     std::vector<LayerArea> staleStatic;  ///< what of each layer is out of date

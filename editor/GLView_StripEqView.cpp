@@ -197,10 +197,10 @@ void GLView_StripEqView::MarkControl(uint32_t port) {
         redrawNeeded = true;
         return;
     }
-    // Handles of bands that are boosted beyond the graph stand above it.
-    GLRect aroundGraph = graph->DrawnArea();
-    aroundGraph.top = viewTop;
-    MarkFrame(aroundGraph);
+    // The curve and the handles on it, which stand above the graph where the curve leaves it.
+    const float reach = (0.5f * layout::kHandleSize + 2.0f) * GetInterfaceScale();
+    MarkFrame({graph->x - graph->hw - reach, graph->y - graph->hh - reach,
+               graph->x + graph->hw + reach, viewTop});
     // Which controls light up and which have an effect is seen in the static layer; their values
     // are not.
     const uint32_t control = (port - band_port(0)) % kControlCount;

@@ -7,10 +7,11 @@
 namespace brindle {
 namespace {
 
-void MakeTexture(GLuint& texture, int32_t width, int32_t height) {
+void MakeTexture(GLuint& texture, GLint components, int32_t width, int32_t height) {
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, width, height, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
+    glTexImage2D(GL_TEXTURE_2D, 0, components, width, height, 0, GL_BGRA,
+                 GL_UNSIGNED_INT_8_8_8_8_REV, nullptr);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
 }
@@ -35,8 +36,10 @@ void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
 FrameLayers::~FrameLayers() {
     if (framebuffer != 0) {
         glDeleteFramebuffers(1, &framebuffer);
+        glDeleteFramebuffers(1, &shownFramebuffer);
         glDeleteTextures(1, &staticTexture);
         glDeleteTextures(1, &frameTexture);
+        glDeleteTextures(1, &shownTexture);
     }
 }
 
@@ -47,25 +50,41 @@ void FrameLayers::Create(int32_t newWidth, int32_t newHeight) {
     width = newWidth;
     height = newHeight;
     glGenFramebuffers(1, &framebuffer);
-    MakeTexture(staticTexture, width, height);
-    MakeTexture(frameTexture, width, height);
+    glGenFramebuffers(1, &shownFramebuffer);
+    MakeTexture(staticTexture, GL_RGB, width, height);
+    MakeTexture(frameTexture, GL_RGB, width, height);
 }
 
-void FrameLayers::Bind(GLuint texture) const {
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
+    newWidth = std::max(newWidth, 1);
+    newHeight = std::max(newHeight, 1);
+    if (newWidth == shownWidth && newHeight == shownHeight) {
+        return;
+    }
+    glDeleteTextures(1, &shownTexture);
+    shownWidth = newWidth;
+    shownHeight = newHeight;
+    // As pixels lie in windows: with alpha as the fourth byte, drivers copy them as they are.
+    MakeTexture(shownTexture, GL_RGBA, shownWidth, shownHeight);
+    Attach(shownFramebuffer, shownTexture);
+}
+
+void FrameLayers::Attach(GLuint target, GLuint texture) {
+    glBindFramebuffer(GL_FRAMEBUFFER, target);
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
     if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
         std::puts("ERROR::FRAMEBUFFER:: Framebuffer is not complete!");
     }
-    glViewport(0, 0, width, height);
 }
 
 void FrameLayers::BindStatic() {
-    Bind(staticTexture);
+    Attach(framebuffer, staticTexture);
+    glViewport(0, 0, width, height);
 }
 
 void FrameLayers::BindFrame() {
-    Bind(frameTexture);
+    Attach(framebuffer, frameTexture);
+    glViewport(0, 0, width, height);
 }
 
 void FrameLayers::CopyStaticToFrame(const LayerArea& area) const {
@@ -75,10 +94,31 @@ void FrameLayers::CopyStaticToFrame(const LayerArea& area) const {
                         area.right - area.left, area.top - area.bottom);
 }
 
-void FrameLayers::BindWindow() {
-    // The framebuffer goes first: another one has no back buffer to select.
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+void FrameLayers::ScaleFrameToShown(const LayerArea& area) const {
+    const auto scaled = [](int32_t place, int32_t size, int32_t of) {
+        return static_cast<int32_t>(int64_t{place} * size / of);
+    };
+    // The filter reaches into neighbouring pixels.
+    const int32_t left = scaled(std::max(area.left - 1, 0), shownWidth, width);
+    const int32_t right = scaled(area.right + 1, shownWidth, width) + 1;
+    const int32_t above = scaled(std::max(height - area.top - 1, 0), shownHeight, height);
+    const int32_t below = scaled(height - area.bottom + 1, shownHeight, height) + 1;
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, shownFramebuffer);
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(left, above, right - left, below - above);
+    glBlitFramebuffer(0, 0, width, height, 0, shownHeight, shownWidth, 0, GL_COLOR_BUFFER_BIT,
+                      GL_LINEAR);
+    glDisable(GL_SCISSOR_TEST);
+}
+
+void FrameLayers::CopyShownToWindow(int32_t x, int32_t y) const {
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, shownFramebuffer);
+    // Only then its back buffer can be selected.
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
     glDrawBuffer(GL_BACK);
+    glBlitFramebuffer(0, shownHeight, shownWidth, 0, x, y, x + shownWidth, y + shownHeight,
+                      GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }
 
 }  // namespace brindle

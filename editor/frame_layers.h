@@ -21,8 +21,9 @@ struct LayerArea {
 /// Adds an area to some that do not touch each other, as one with those that it touches.
 void AddArea(std::vector<LayerArea>& areas, LayerArea area);
 
-/// The two pictures of which a frame is made, and the framebuffer that draws into them: what stands
-/// still, and that with what moves on top. All calls need the editor's GL context current.
+/// The pictures of which a frame is made, and the framebuffer that draws into them: what stands
+/// still, that with the values on top, and the latter as windows show it. All calls need the
+/// editor's GL context current.
 class FrameLayers {
   public:
     FrameLayers() = default;
@@ -38,18 +39,27 @@ class FrameLayers {
     void BindFrame();
     /// Makes a part of the frame a copy of the static layer, which must be the one that is bound.
     void CopyStaticToFrame(const LayerArea& area) const;
-    /// Binds the window's own framebuffer.
-    static void BindWindow();
+    /// Sets the shown picture's size in pixels; it has to be drawn after that. It is kept upside
+    /// down, as windows are in memory.
+    void SetShownSize(int32_t newWidth, int32_t newHeight);
+    /// Brings an area of the layers up to date in the shown picture. The frame must be bound.
+    void ScaleFrameToShown(const LayerArea& area) const;
+    /// Copies the shown picture into the window, from (x, y) on, and binds the window.
+    void CopyShownToWindow(int32_t x, int32_t y) const;
 
     GLuint framebuffer = 0;
     GLuint staticTexture = 0;
     GLuint frameTexture = 0;
+    GLuint shownTexture = 0;
+    GLuint shownFramebuffer = 0;
 
   private:
-    void Bind(GLuint texture) const;
+    static void Attach(GLuint target, GLuint texture);
 
     int32_t width = 0;
     int32_t height = 0;
+    int32_t shownWidth = 0;
+    int32_t shownHeight = 0;
 };
 
 }  // namespace brindle

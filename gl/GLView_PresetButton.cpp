@@ -47,15 +47,9 @@ void GLView_PresetButton::DrawBack() {
     const Look look(*this);
     EnterView(*this);
     DrawKey(look, hw, hh);
-    DrawChildrenBack();
-}
-
-void GLView_PresetButton::Draw() {
-    const Look look(*this);
-    EnterView(*this);
     const char* shown = label[0] != '\0' || name == nullptr ? label : name;
     DrawKeyText(look, shown, labelSize * look.s, 2.0f * (hw - 2.0f * look.s), color);
-    DrawChildren();
+    DrawChildrenBack();
 }
 
 void GLView_PresetButton::DrawFront() {

@@ -24,7 +24,6 @@ class GLView_PresetButton : public GLView {
     void SetWriter(const HostWriter& hostWriter);
 
     void DrawBack() override;
-    void Draw() override;
     void DrawFront() override;
     /// Writes the values in the order of their ports and clears the page's info text.
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
