@@ -34,11 +34,19 @@ function(brindle_library target)
     brindle_product(${target})
 endfunction()
 
+# What the sanitizers have to know of the GL driver, for a program that draws.
+function(brindle_sanitizer_settings target)
+    if(BRINDLE_SANITIZE)
+        target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/sanitizer_settings.cpp)
+    endif()
+endfunction()
+
 # A GoogleTest program, each of its tests known to ctest by name.
 function(brindle_test target)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${target} ${arg_SOURCES})
     target_link_libraries(${target} PRIVATE brindle_options ${arg_LIBS} GTest::gmock GTest::gtest_main)
+    brindle_sanitizer_settings(${target})
     gtest_discover_tests(${target} PROPERTIES TIMEOUT 300)
 endfunction()
 
@@ -47,6 +55,7 @@ function(brindle_display_test target)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${target} ${arg_SOURCES})
     target_link_libraries(${target} PRIVATE brindle_options ${arg_LIBS} GTest::gmock GTest::gtest_main)
+    brindle_sanitizer_settings(${target})
     add_test(NAME ${target} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with_display
                                     $<TARGET_FILE:${target}>)
     set_tests_properties(${target} PROPERTIES TIMEOUT 600)

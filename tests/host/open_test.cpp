@@ -79,12 +79,16 @@ TEST_F(Open, ADraggedKnobChangesItsControlAndNothingElse) {
     save("loop.wav", tone(500.0, 0.3, 0.4, 44100, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16));
     std::future<Outcome> ended = start("loop.wav --save before.ttl");
     OpenedWindow(kTitle).close();
-    EXPECT_THAT(ended.get().out, HasSubstr("Playing loop.wav (mono, 44100 Hz)"));
+    Outcome outcome = ended.get();
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr("Playing loop.wav (mono, 44100 Hz)"));
     ended = start("--signal sweep --load before.ttl --save after.ttl");
     OpenedWindow window(kTitle);
     window.drag(kGainX, kGainY, 30, -30);
     window.close();
-    EXPECT_THAT(ended.get().out, HasSubstr("Playing a sweep"));
+    outcome = ended.get();
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr("Playing a sweep"));
     auto before = state("before.ttl");
     auto after = state("after.ttl");
     EXPECT_EQ(before["b3_gain"], 0.0);
