@@ -7,10 +7,17 @@ install(DIRECTORY ${BRINDLE_BUNDLE}/ DESTINATION ${CMAKE_INSTALL_LIBDIR}/lv2/bri
         PATTERN *.so EXCLUDE)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/org.freedesktop.LinuxAudio.Plugins.BrindleConsoleEQ.metainfo.xml
         DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
-file(ARCHIVE_CREATE OUTPUT ${PROJECT_BINARY_DIR}/changelog.gz PATHS ${PROJECT_SOURCE_DIR}/CHANGELOG.md
-     FORMAT raw COMPRESSION GZip COMPRESSION_LEVEL 9)
+# Debian wants its documents compressed.
+function(brindle_pack document packed)
+    file(ARCHIVE_CREATE OUTPUT ${PROJECT_BINARY_DIR}/${packed} PATHS ${PROJECT_SOURCE_DIR}/${document}
+         FORMAT raw COMPRESSION GZip COMPRESSION_LEVEL 9)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${document})
+endfunction()
+brindle_pack(CHANGELOG.md changelog.gz)
+brindle_pack(packaging/brindle.1 brindle.1.gz)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/copyright ${PROJECT_BINARY_DIR}/changelog.gz
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${PROJECT_BINARY_DIR}/brindle.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME brindle)
