@@ -53,7 +53,9 @@ void BM_Frame(benchmark::State& state) {
 BENCHMARK(BM_Frame)->ArgName("dirty")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 /// A frame of the whole panel at 1000 x 600 with its meters moving, until the X server shows it.
-/// Argument: what else has changed: nothing, a gain, or whether a band is on.
+/// Argument: what else has changed: nothing, a gain, whether a band is on, whether and how much all
+/// bands and sections boost (as by a preset), or a port that the panel knows nothing of, so that
+/// everything is drawn anew.
 void BM_PanelFrame(benchmark::State& state) {
     test::UiHost host(Entry()(0));
     host.Open();
@@ -72,6 +74,13 @@ void BM_PanelFrame(benchmark::State& state) {
             host.Report(band_port(3) + kGain, 0.1f * static_cast<float>(frame % 100));
         } else if (state.range(0) == 2) {
             host.Report(band_port(3) + kEnable, static_cast<float>(frame % 2));
+        } else if (state.range(0) == 3) {
+            for (uint32_t port = band_port(0); port < kTrimPort; port += kControlCount) {
+                host.Report(port + kEnable, static_cast<float>(frame % 2));
+                host.Report(port + kGain, 0.1f * static_cast<float>(frame % 100));
+            }
+        } else if (state.range(0) == 4) {
+            host.Report(0, static_cast<float>(frame));
         }
         host.Idle();
         host.GetPixel(0, 0);
@@ -79,7 +88,7 @@ void BM_PanelFrame(benchmark::State& state) {
 }
 BENCHMARK(BM_PanelFrame)
     ->ArgName("change")
-    ->DenseRange(0, 2)
+    ->DenseRange(0, 4)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();

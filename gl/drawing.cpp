@@ -89,6 +89,30 @@ struct TexturedQuads {
     TexturedQuads& operator=(const TexturedQuads&) = delete;
 };
 
+/// Without blending until the end of a scope where the current colour is opaque: the same picture,
+/// for half the time where the area is large.
+class OpaqueScope {
+  public:
+    OpaqueScope() {
+        GLfloat current[4];
+        glGetFloatv(GL_CURRENT_COLOR, current);
+        switched_ = current[3] >= 1.0f && glIsEnabled(GL_BLEND) == GL_TRUE;
+        if (switched_) {
+            glDisable(GL_BLEND);
+        }
+    }
+    ~OpaqueScope() {
+        if (switched_) {
+            glEnable(GL_BLEND);
+        }
+    }
+    OpaqueScope(const OpaqueScope&) = delete;
+    OpaqueScope& operator=(const OpaqueScope&) = delete;
+
+  private:
+    bool switched_ = false;
+};
+
 /// What is not a corner: the middle over the full height, and both sides between the corners.
 void EmitCross(float hw, float hh, float r) {
     EmitQuad({-hw + r, -hh, hw - r, hh});
@@ -169,6 +193,7 @@ void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, 
             }
         }
     }
+    const OpaqueScope opaque;
     const PlainQuads quads;
     EmitCross(hw, hh, r);
     for (const Corner& corner : kCorners) {
