@@ -7,7 +7,7 @@
 #include "gl/drawing.h"
 #include "gl/settings.h"
 #include "tests/support/gl_context.h"
-#include "tests/support/png.h"
+#include "tools/png.h"
 
 namespace brindle {
 namespace {

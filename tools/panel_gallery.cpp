@@ -14,8 +14,8 @@
 #include "lv2/ports.h"
 #include "tests/support/gl_context.h"
 #include "tests/support/plugin_host.h"
-#include "tests/support/png.h"
 #include "tests/support/ui_host.h"
+#include "tools/png.h"
 
 namespace brindle {
 namespace {

@@ -19,7 +19,7 @@
 #include "gl/drawing.h"
 #include "gl/settings.h"
 #include "tests/support/fake_page.h"
-#include "tests/support/png.h"
+#include "tools/png.h"
 
 namespace brindle {
 namespace {
