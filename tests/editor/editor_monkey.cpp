@@ -245,7 +245,7 @@ class Cage {
     /// A row as the engine sends it; of any number, with any values.
     void DeliverRow() {
         LV2_Atom_Forge forge;
-        lv2_atom_forge_init(&forge, static_cast<LV2_URID_Map*>(host.map.feature()->data));
+        lv2_atom_forge_init(&forge, host.map.get());
         alignas(8) uint8_t bytes[2048];
         lv2_atom_forge_set_buffer(&forge, bytes, sizeof bytes);
         std::vector<float> row(random.one_in(10) ? 1 + random.below(300) : kPlotBins);
@@ -271,7 +271,8 @@ class Cage {
             words[i] = random.one_in(2) ? random.below(40) : random.below(0xffffffffu);
         }
         const uint32_t formats[] = {0, host.map(LV2_ATOM__eventTransfer), 4711};
-        host.Deliver(random.below(60), random.pick(formats), words.get(), size);
+        host.Deliver(random.below(60), random.pick(formats),
+                     random.one_in(8) ? nullptr : words.get(), size);
     }
 
     /// Looks at what the editor has written since; a host that echoes reports it.

@@ -251,27 +251,5 @@ TEST(Editor, LetsNoExceptionThrough) {
     EXPECT_TRUE(host.Open());
 }
 
-TEST(Editor, IgnoresWhatIsMalformed) {
-    UiHost host(BuiltEditor());
-    ASSERT_TRUE(host.Open());
-    alignas(8)
-        const uint32_t lies[] = {0xffffffffu, host.map(LV2_ATOM__Object), 1, host.map(kMessageUri)};
-    const uint32_t atoms = host.map(LV2_ATOM__eventTransfer);
-    host.Deliver(kNotifyPort, atoms, lies, sizeof lies);
-    host.Deliver(kNotifyPort, atoms, lies, 3);
-    host.Deliver(kNotifyPort, atoms, nullptr, 0);
-    host.Deliver(kTrimPort, 0, lies, 2);
-    host.Deliver(kTrimPort, 0, nullptr, 4);
-    host.Deliver(kTrimPort, 4711, lies, sizeof lies);
-    host.Report(0xffffffffu, 1.0f);
-    for (float value : {std::numeric_limits<float>::quiet_NaN(),
-                        std::numeric_limits<float>::infinity(), -1e30f}) {
-        for (uint32_t port = 2; port < kFirstAudioPort; ++port) {
-            host.Report(port, value);
-        }
-    }
-    host.IdleTimes(3);
-}
-
 }  // namespace
 }  // namespace brindle

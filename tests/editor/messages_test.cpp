@@ -8,7 +8,7 @@
 #include "editor/host_connection.h"
 #include "editor/host_options.h"
 #include "editor/pending_writes.h"
-#include "tests/support/plugin_host.h"
+#include "tests/support/urid_map.h"
 
 namespace brindle {
 namespace {
@@ -17,10 +17,6 @@ using test::UridMap;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-
-LV2_URID_Map* MapOf(UridMap& map) {
-    return static_cast<LV2_URID_Map*>(map.feature()->data);
-}
 
 /// A plot message, and what a test makes wrong in it.
 struct Plot {
@@ -41,7 +37,7 @@ class Messages : public testing::Test {
     std::vector<uint64_t> Build(const Plot& plot) {
         alignas(8) uint8_t buffer[4096] = {};
         LV2_Atom_Forge forge;
-        lv2_atom_forge_init(&forge, MapOf(map));
+        lv2_atom_forge_init(&forge, map.get());
         lv2_atom_forge_set_buffer(&forge, buffer, sizeof buffer);
         const auto number = [&](const char* key, LV2_URID type, int32_t value) {
             lv2_atom_forge_key(&forge, map(key));
@@ -81,7 +77,7 @@ class Messages : public testing::Test {
     }
 
     UridMap map;
-    EditorUris uris = MapEditorUris(MapOf(map));
+    EditorUris uris = MapEditorUris(map.get());
     uint32_t size = 0;
 };
 
@@ -173,7 +169,7 @@ TEST(HostConnection, TakesWritesThatTheHostDoesNotReport) {
         SCOPED_TRACE(echoes);
         UridMap map;
         EchoHost host;
-        HostConnection connection({EchoHost::Write, &host}, MapOf(map));
+        HostConnection connection({EchoHost::Write, &host}, map.get());
         host.connection = &connection;
         host.echoes = echoes;
         connection.GetWriter().Write(44, -3.0f);
@@ -202,7 +198,7 @@ TEST(HostColors, AreTakenWhenOpaqueOnly) {
 TEST(HostOptions, KeepTheirDefaultsWhereNoneIsGiven) {
     UridMap map;
     const LV2_Options_Option none[] = {{}};
-    const HostOptions options = ReadHostOptions(none, MapOf(map));
+    const HostOptions options = ReadHostOptions(none, map.get());
     EXPECT_EQ(options.sampleRate, 46000.0f);
     EXPECT_EQ(options.backgroundColor, 0u);
     EXPECT_FALSE(options.boxy);

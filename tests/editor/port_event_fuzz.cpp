@@ -7,26 +7,14 @@
 #include <cmath>
 #include <cstdlib>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "editor/host_connection.h"
+#include "tests/support/urid_map.h"
 
 namespace {
 
 using namespace brindle;
-
-/// Numbers of the URIs, the same in every run.
-LV2_URID MapUri(LV2_URID_Map_Handle handle, const char* uri) {
-    auto& uris = *static_cast<std::vector<std::string>*>(handle);
-    for (size_t i = 0; i < uris.size(); ++i) {
-        if (uris[i] == uri) {
-            return static_cast<LV2_URID>(i + 1);
-        }
-    }
-    uris.emplace_back(uri);
-    return static_cast<LV2_URID>(uris.size());
-}
 
 std::vector<uint8_t> ValidMessage(LV2_URID_Map* map) {
     alignas(8) uint8_t buffer[2048] = {};
@@ -56,10 +44,10 @@ void Require(bool holds) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static std::vector<std::string> uris;
-    static LV2_URID_Map map = {&uris, MapUri};
-    static const std::vector<uint8_t> valid = ValidMessage(&map);
-    static HostConnection connection({}, &map);
+    static test::UridMap map;
+    static const std::vector<uint8_t> valid = ValidMessage(map.get());
+    static HostConnection connection({}, map.get());
+    static const LV2_URID atoms = map(LV2_ATOM__eventTransfer);
     if (size < 1) {
         return 0;
     }
@@ -79,7 +67,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto own = std::make_unique<uint8_t[]>(message.size());
     std::copy(message.begin(), message.end(), own.get());
     const auto length = static_cast<uint32_t>(message.size());
-    const LV2_URID atoms = MapUri(&uris, LV2_ATOM__eventTransfer);
     if (const auto plot = connection.ReadPlot(atoms, own.get(), length)) {
         Require(plot->id >= 0 && plot->id < kPlotRows);
         const auto* end = reinterpret_cast<const uint8_t*>(plot->values + kPlotBins);

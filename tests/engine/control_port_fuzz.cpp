@@ -2,17 +2,15 @@
 // Arbitrary bytes on the control port of a plugin that runs, and any capacity on the notify port.
 #include <lv2/atom/atom.h>
 #include <lv2/core/lv2.h>
-#include <lv2/urid/urid.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "lv2/brindle.h"
+#include "tests/support/urid_map.h"
 
 namespace {
 
@@ -20,18 +18,6 @@ using namespace brindle;
 
 constexpr uint32_t kBlock = 512;  // a meter tick in each at ordinary rates
 constexpr size_t kNotifyBytes = 2048;
-
-/// Numbers of the URIs, the same in every run: the fuzzer learns them.
-LV2_URID map_uri(LV2_URID_Map_Handle handle, const char* uri) {
-    auto& uris = *static_cast<std::vector<std::string>*>(handle);
-    for (size_t i = 0; i < uris.size(); ++i) {
-        if (uris[i] == uri) {
-            return static_cast<LV2_URID>(i + 1);
-        }
-    }
-    uris.emplace_back(uri);
-    return static_cast<LV2_URID>(uris.size());
-}
 
 void require(bool holds) {
     if (!holds) {
@@ -55,8 +41,7 @@ void check_notify(const uint8_t* bytes, uint32_t capacity) {
 class Plugin {
   public:
     Plugin() {
-        const LV2_Feature map_feature = {LV2_URID__map, &map_};
-        const LV2_Feature* features[] = {&map_feature, nullptr};
+        const LV2_Feature* features[] = {map_.feature(), nullptr};
         instance_ = plugin_->instantiate(plugin_, 48000.0, "", features);
         for (uint32_t port = 2; port < kFirstAudioPort; ++port) {
             plugin_->connect_port(instance_, port, &controls_[port]);
@@ -83,16 +68,15 @@ class Plugin {
             LV2_Atom_Event event;
             LV2_Atom_Object_Body object;
         } request = {{{sizeof body + sizeof(LV2_Atom_Event) + sizeof(LV2_Atom_Object_Body),
-                       map_uri(&uris_, LV2_ATOM__Sequence)},
+                       map_(LV2_ATOM__Sequence)},
                       body},
-                     {{0}, {sizeof(LV2_Atom_Object_Body), map_uri(&uris_, LV2_ATOM__Object)}},
-                     {1, map_uri(&uris_, kEnableUiUri)}};
+                     {{0}, {sizeof(LV2_Atom_Object_Body), map_(LV2_ATOM__Object)}},
+                     {1, map_(kEnableUiUri)}};
         run(&request, kNotifyBytes);
     }
 
   private:
-    std::vector<std::string> uris_;
-    LV2_URID_Map map_ = {&uris_, map_uri};
+    test::UridMap map_;
     const LV2_Descriptor* plugin_ = lv2_descriptor(0);
     LV2_Handle instance_;
     std::array<float, kMonoPortCount> controls_ = {};

@@ -17,8 +17,7 @@ namespace {
 TEST(Glides, ToZeroEndWhereTheAddendsHoldThem) {
     test::UridMap map;
     const std::unique_ptr<EqInstance, void (*)(EqInstance*) noexcept> eq(
-        create_instance(48000.0, static_cast<LV2_URID_Map*>(map.feature()->data)),
-        destroy_instance);
+        create_instance(48000.0, map.get()), destroy_instance);
     float band_gain = -18.0f, section_gain = 18.0f;
     connect(*eq, band_port(7) + kGain, &band_gain);
     connect(*eq, section_port(0) + kGain, &section_gain);

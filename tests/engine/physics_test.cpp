@@ -216,41 +216,5 @@ TEST(Physics, WideNotchSpreadsItsFourNotches) {
     EXPECT_NEAR(measured(15000.0), 0.0, 0.2);
 }
 
-// A stage that is switched off fades by 0.98 a tick, without a step.
-TEST(Physics, SwitchingOffFadesOverFiftyTicks) {
-    PluginHost host(1, kRate);
-    host.set_band(0, static_cast<int>(BandType::Bell), 18.0f, 50.0f, 0.1f);
-    host.settle();
-    std::vector<float> tone(48000);
-    for (size_t i = 0; i < tone.size(); ++i) {
-        tone[i] = static_cast<float>(std::sin(2.0 * pi * 50.0 * static_cast<double>(i) / kRate));
-    }
-    host.process({tone});
-    host.port(band_port(0)) = 0.0f;
-    const std::vector<float> out = host.process({tone})[0];
-    const auto peak = [&out](size_t from, size_t to) {
-        return *std::max_element(out.begin() + static_cast<long>(from),
-                                 out.begin() + static_cast<long>(to));
-    };
-    EXPECT_GT(peak(0, 960), 6.0f);                              // 7.94 before
-    EXPECT_NEAR(peak(3200, 4160), 1.0f + 6.94f * 0.34f, 0.4f);  // after 50 to 65 ticks
-    EXPECT_NEAR(peak(47000, 48000), 1.0f, 0.001f);
-}
-
-TEST(Physics, MetersFallTenDecibelsASecondAndFollowTheLoudestChannel) {
-    PluginHost host(2, kRate);
-    Audio loud(2, std::vector<float>(48000, 0.1f));
-    std::fill(loud[1].begin(), loud[1].end(), 0.5f);
-    host.process(loud);
-    // What is held has fallen for one tick of 512 samples.
-    const double held_power = 0.25 * std::pow(10.0, -512.0 / kRate);
-    EXPECT_NEAR(host.port(kMeterInPort), held_power, 1e-4);
-    EXPECT_NEAR(host.port(kMeterOutPort), held_power, 1e-4);
-    host.process(Audio(2, std::vector<float>(512)));
-    const float held = host.port(kMeterInPort);
-    host.process(Audio(2, std::vector<float>(96000)));
-    EXPECT_NEAR(10.0 * std::log10(host.port(kMeterInPort) / held), -20.0, 0.2);
-}
-
 }  // namespace
 }  // namespace brindle::test

@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: ISC
 /// The pictures of the built bundle, read as the editor reads them.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "gl/bitmap.h"
@@ -42,11 +36,6 @@ Ink FindInk(const Bitmap& image) {
         }
     }
     return ink;
-}
-
-std::string Bytes(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 Bitmap LoadPicture(const std::string& name) {
@@ -86,53 +75,6 @@ TEST(Pictures, NothingIsDarkWhereItIsTransparent) {
             ASSERT_EQ(image.pixels[i], 255) << name;
         }
     }
-}
-
-TEST(Pictures, ChainsHalveAndKeepTheirArea) {
-    const double disc = 3.14159265 / 4.0;  // of the square
-    struct Chain {
-        int first;
-        int levels;
-        double covered;
-    };
-    for (const Chain& chain :
-         {Chain{150, 6, disc}, Chain{160, 6, disc * 0.9385}, Chain{250, 4, disc * 0.9385},
-          Chain{318, 4, disc * (1.0 - 0.5625)}}) {
-        int32_t width = 0;
-        for (int level = 0; level < chain.levels; ++level) {
-            const std::string number = std::to_string(chain.first + level);
-            SCOPED_TRACE(number);
-            const Bitmap image = LoadPicture("images/img_" + number + ".bmp");
-            if (level > 0) {
-                EXPECT_EQ(image.width * 2, width);
-            }
-            width = image.width;
-            double covered = 0.0;
-            for (size_t i = 3; i < image.pixels.size(); i += 4) {
-                covered += image.pixels[i] / 255.0;
-            }
-            EXPECT_NEAR(covered / (double{1.0} * width * width), chain.covered, 0.003);
-        }
-    }
-}
-
-TEST(Pictures, AreTheSameWheneverTheyAreMade) {
-    namespace fs = std::filesystem;
-    const fs::path bundle = BRINDLE_BUNDLE "/res";
-    const fs::path again = fs::temp_directory_path() / ("brindle-" + std::to_string(getpid()));
-    const std::string command =
-        std::string(BRINDLE_MAKE_PICTURES " " BRINDLE_FONT " ") + again.string();
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    int files = 0;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(again)) {
-        if (entry.is_regular_file()) {
-            ++files;
-            EXPECT_EQ(Bytes(entry.path()), Bytes(bundle / fs::relative(entry.path(), again)))
-                << entry.path();
-        }
-    }
-    EXPECT_EQ(files, 21 + static_cast<int>(kGlyphCount));
-    fs::remove_all(again);
 }
 
 }  // namespace

@@ -33,6 +33,10 @@ struct GraphPicture : testing::Test, GraphFixture {
         gl.Clear(0.16f);
         glScalef(kPixelsPerUnit, kPixelsPerUnit, 1.0f);
     }
+    static void ClearToWhite() {
+        glClearColor(1.0f, 1.0f, 1.0f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT);
+    }
     void Pass(void (GLView::*pass)()) {
         glPushMatrix();
         (graph->*pass)();
@@ -89,18 +93,20 @@ TEST_F(GraphPicture, LinesHangBelowTheirLevelsAndEdgesAreShaded) {
         EXPECT_EQ(isLine(-1.5f), db != 0.0f) << db;
         EXPECT_FALSE(isLine(0.5f) || isLine(-2.5f)) << db;
     }
-    glClearColor(1.0f, 1.0f, 1.0f, 1.0f);
-    glClear(GL_COLOR_BUFFER_BIT);
+    ClearToWhite();
     DrawEdgeShading(look);
     const float edge = graph->hh + 0.01f;
     for (const float side : {-1.0f, 1.0f}) {
-        EXPECT_NEAR(At(side * (graph->hw - 0.01f), 0.0f).red, 128, 12);
-        EXPECT_EQ(At(side * (graph->hw - 0.022f), 0.0f).red, 255);
-        EXPECT_EQ(At(side * (graph->hw + 0.002f), 0.0f).red, 255);
+        const auto redAt = [&](float fromSide, float y) {
+            return At(side * (graph->hw + fromSide), y).red;
+        };
+        EXPECT_NEAR(redAt(-0.01f, 0.0f), 128, 12);
+        EXPECT_EQ(redAt(-0.022f, 0.0f), 255);
+        EXPECT_EQ(redAt(0.002f, 0.0f), 255);
+        EXPECT_LT(redAt(-0.001f, graph->hh + 0.048f), 30);
+        EXPECT_EQ(redAt(-0.001f, graph->hh + 0.052f), 255);
         EXPECT_NEAR(At(0.0f, side * 0.75f * edge).red, 128, 4);
         EXPECT_EQ(At(0.0f, side * 0.49f * edge).red, 255);
-        EXPECT_LT(At(side * (graph->hw - 0.001f), graph->hh + 0.048f).red, 30);
-        EXPECT_EQ(At(side * (graph->hw - 0.001f), graph->hh + 0.052f).red, 255);
     }
 }
 
@@ -187,8 +193,7 @@ TEST_F(GraphPicture, FrameLabelsAndRingsStandAroundWhatTheyBelongTo) {
     const float top = graph->hh + M(32.0f);
     const float bottom = -graph->hh - M(112.0f);
     graph->selectedHandle = 3;
-    glClearColor(1.0f, 1.0f, 1.0f, 1.0f);
-    glClear(GL_COLOR_BUFFER_BIT);
+    ClearToWhite();
     Pass(&GLView::DrawBack);
     for (const float side : {-1.0f, 1.0f}) {
         EXPECT_LT(At(side * (graph->hw + M(31.0f)), 0.0f).red, 60);
@@ -246,9 +251,8 @@ TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
     const auto isSage = [](Pixel p) { return p.green > p.red + 30 && p.green > 150; };
     const auto isAmber = [](Pixel p) { return p.red > p.green + 40 && p.green > p.blue + 40; };
     const auto rim = [&](int handle) {
-        const auto* view = handles[static_cast<size_t>(handle)];
-        return At(handles[static_cast<size_t>(handle)]->Place().x + view->hw - M(0.5f),
-                  handles[static_cast<size_t>(handle)]->Place().y);
+        auto& view = *handles[static_cast<size_t>(handle)];
+        return At(view.Place().x + view.hw - M(0.5f), view.Place().y);
     };
     const auto marker = [&](int handle) {
         const float x = handles[static_cast<size_t>(handle)]->Place().x;

@@ -110,29 +110,6 @@ TEST_F(Graph, OnlyHandlesAndTheirMarkersTakeThePointer) {
     EXPECT_FALSE(hit(graph->hw + 0.081f, 0.0f));
 }
 
-TEST(Scales, RunBetweenTheirEnds) {
-    struct Scale {
-        float (*to)(float);
-        float (*from)(float);
-        float low;
-        float middle;
-        float high;
-    };
-    const Scale scales[] = {{QAt, PositionOfQ, 0.1f, std::sqrt(10.0f), 100.0f},
-                            {BandHzAt, PositionOfBandHz, 20.0f, 632.456f, 20000.0f},
-                            {SectionHzAt, PositionOfSectionHz, 20.0f, 547.723f, 15000.0f},
-                            {GainDbAt, PositionOfGainDb, -18.0f, 0.0f, 18.0f}};
-    for (const Scale& scale : scales) {
-        SCOPED_TRACE(scale.high);
-        EXPECT_NEAR(scale.to(0.0f), scale.low, 1e-6f);
-        EXPECT_NEAR(scale.to(0.5f), scale.middle, 1e-5f * scale.high);
-        EXPECT_NEAR(scale.to(1.0f), scale.high, 1e-5f * scale.high);
-        EXPECT_NEAR(scale.from(scale.to(0.3f)), 0.3f, 1e-6f);
-    }
-    EXPECT_EQ(PositionOfGainDb(-40.0f), 0.0f);
-    EXPECT_EQ(PositionOfGainDb(40.0f), 1.0f);
-}
-
 TEST(Scales, NotesAreNamedAsMusiciansDo) {
     const std::pair<float, const char*> notes[] = {
         {440.0f, "A4"}, {261.63f, "C4"}, {246.94f, "B3"}, {27.5f, "A0"},   {20.0f, "D#0"},

@@ -72,27 +72,6 @@ TEST_F(Handles, FollowThePointer) {
     }
 }
 
-TEST_F(Handles, ADragStepFollowsTheFormula) {
-    const GLPoint start = PressHandle(3);  // 800 Hz, 0 dB
-    Drag({start.x + 10.0f, start.y - 6.0f});
-    // 10 px x 0.003 x 0.3 x 1200/1000 of three decades; 6 px x 0.003 x 800/600 of 36 dB.
-    EXPECT_NEAR(Value(3, kFrequency), 800.0f * std::pow(1000.0f, 0.0108f), 0.01f);
-    EXPECT_NEAR(Value(3, kGain), 0.024f * 36.0f, 1e-4f);
-    page.modifiers = 2;
-    Drag({start.x + 20.0f, start.y - 12.0f});
-    EXPECT_NEAR(Value(3, kFrequency), 800.0f * std::pow(1000.0f, 0.0108f + 0.00108f), 0.01f);
-    EXPECT_NEAR(Value(3, kGain), (0.024f + 0.0024f) * 36.0f, 1e-4f);
-    page.modifiers = 4;  // Alt is not fine
-    Drag({start.x + 30.0f, start.y - 12.0f});
-    EXPECT_NEAR(Value(3, kFrequency), 800.0f * std::pow(1000.0f, 2 * 0.0108f + 0.00108f), 0.01f);
-    Release();
-    page.modifiers = 0;
-    Set(3, {1.0f, 9.0f, -12.0f, 800.0f, 1.0f});
-    const GLPoint low = PressHandle(3);
-    Drag({low.x, low.y - 6.0f});
-    EXPECT_NEAR(Value(3, kGain), -12.0f + 0.024f * 36.0f, 1e-4f);
-}
-
 TEST_F(Handles, GoOnFromTheLastPlaceInRange) {
     GLPoint pixel = PressHandle(3);
     Drag({pixel.x - 5000.0f, pixel.y + 5000.0f});
@@ -109,19 +88,6 @@ TEST_F(Handles, GoOnFromTheLastPlaceInRange) {
     EXPECT_EQ(Value(9, kFrequency), 15000.0f);
     Drag({pixel.x + 5000.0f, pixel.y});
     EXPECT_EQ(Value(9, kFrequency), 15000.0f);
-}
-
-TEST_F(Handles, AnnounceTheControlsThatTheyWrite) {
-    const GLPoint pixel = PressHandle(3);
-    Drag({pixel.x + 1.0f, pixel.y});
-    Release();
-    ASSERT_EQ(host.calls.size(), 6u);
-    EXPECT_THAT((std::vector{host.calls[0], host.calls[1]}),
-                testing::UnorderedElementsAre(Touched(20), Touched(19)));
-    EXPECT_EQ(host.calls[2].port, 20u);
-    EXPECT_EQ(host.calls[3], Wrote(19, 0.0f));
-    EXPECT_THAT((std::vector{host.calls[4], host.calls[5]}),
-                testing::UnorderedElementsAre(Released(20), Released(19)));
 }
 
 TEST_F(Handles, TheWheelStopsAtTheEndsOfQ) {

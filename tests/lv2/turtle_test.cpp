@@ -12,6 +12,7 @@
 #include <lv2/units/units.h>
 #include <lv2/urid/urid.h>
 
+#include <cmath>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -21,6 +22,7 @@
 
 #include "editor/preset_table.h"
 #include "lv2/brindle.h"
+#include "tests/support/urid_map.h"
 
 namespace brindle {
 namespace {
@@ -119,6 +121,9 @@ class Turtle : public testing::TestWithParam<const char*> {
             labels[lilv_node_as_int(lilv_scale_point_get_value(point))] =
                 lilv_node_as_string(lilv_scale_point_get_label(point));
         }
+        std::set<std::string> distinct;
+        for (const auto& [value, label] : labels) distinct.insert(label);
+        EXPECT_EQ(distinct.size(), labels.size());
         lilv_scale_points_free(points);
         return labels;
     }
@@ -278,26 +283,13 @@ TEST_P(Turtle, TheEditorIsFoundAndAsksForWhatItShows) {
     lilv_uis_free(editors);
 }
 
-struct UriMap {
-    std::vector<std::string> uris;
-    static LV2_URID map(LV2_URID_Map_Handle handle, const char* uri) {
-        auto& uris = static_cast<UriMap*>(handle)->uris;
-        for (size_t i = 0; i < uris.size(); ++i) {
-            if (uris[i] == uri) return static_cast<LV2_URID>(i + 1);
-        }
-        uris.emplace_back(uri);
-        return static_cast<LV2_URID>(uris.size());
-    }
-};
-
 void collect_value(const char* symbol, void* data, const void* value, uint32_t size, uint32_t) {
     ASSERT_EQ(size, sizeof(float)) << symbol;
     std::memcpy(&(*static_cast<std::map<std::string, float>*>(data))[symbol], value, size);
 }
 
 TEST_P(Turtle, EveryPresetLoadsByItsLabelWithTheValuesOfTheButtons) {
-    UriMap uris;
-    LV2_URID_Map map = {&uris, UriMap::map};
+    test::UridMap map;
     LilvNodes* found = lilv_plugin_get_related(plugin, node(LV2_PRESETS__Preset));
     std::map<std::string, std::map<std::string, float>> presets;
     LILV_FOREACH(nodes, i, found) {
@@ -306,7 +298,7 @@ TEST_P(Turtle, EveryPresetLoadsByItsLabelWithTheValuesOfTheButtons) {
         ASSERT_NE(label, nullptr);
         owned_nodes.push_back(label);
         lilv_world_load_resource(world, preset);
-        LilvState* state = lilv_state_new_from_world(world, &map, preset);
+        LilvState* state = lilv_state_new_from_world(world, map.get(), preset);
         ASSERT_NE(state, nullptr);
         lilv_state_emit_port_values(state, collect_value, &presets[lilv_node_as_string(label)]);
         lilv_state_free(state);
@@ -321,6 +313,12 @@ TEST_P(Turtle, EveryPresetLoadsByItsLabelWithTheValuesOfTheButtons) {
             const std::string name = symbol(kFirstPresetPort + i);
             ASSERT_TRUE(loaded.contains(name)) << name;
             EXPECT_EQ(loaded.at(name), preset.values[i]) << name;
+            const Range limits = range(kFirstPresetPort + i);
+            EXPECT_GE(preset.values[i], limits.low) << name;
+            EXPECT_LE(preset.values[i], limits.high) << name;
+            if (name.ends_with("_type") || name.ends_with("_enable")) {
+                EXPECT_EQ(preset.values[i], std::floor(preset.values[i])) << name;
+            }
         }
     }
 }

@@ -18,10 +18,6 @@ namespace {
 // Far above the dither, which the plugin adds to its input.
 constexpr float kImpulse = 1e4f;
 
-LV2_URID map_uri(LV2_URID_Map_Handle handle, const char* uri) {
-    return (*static_cast<UridMap*>(handle))(uri);
-}
-
 }  // namespace
 
 const LV2_Descriptor* descriptor(uint32_t index) {
@@ -31,15 +27,6 @@ const LV2_Descriptor* descriptor(uint32_t index) {
         return reinterpret_cast<LV2_Descriptor_Function>(dlsym(library, "lv2_descriptor"));
     }();
     return entry(index);
-}
-
-UridMap::UridMap() : map_{this, map_uri}, feature_{LV2_URID__map, &map_} {}
-
-LV2_URID UridMap::operator()(const std::string& uri) {
-    requests_.push_back(uri);
-    const auto [place, is_new] = ids_.try_emplace(uri, static_cast<LV2_URID>(ids_.size() + 1));
-    if (is_new) order_.push_back(uri);
-    return place->second;
 }
 
 PluginHost::PluginHost(int channels, double rate)

@@ -4,14 +4,12 @@
 
 #include <lv2/atom/atom.h>
 #include <lv2/core/lv2.h>
-#include <lv2/urid/urid.h>
 
 #include <array>
 #include <cstdint>
-#include <map>
-#include <memory>
-#include <string>
 #include <vector>
+
+#include "tests/support/urid_map.h"
 
 namespace brindle::test {
 
@@ -20,27 +18,6 @@ using Audio = std::vector<std::vector<float>>;
 
 /// The plugin's library, loaded on first use; null when `index` has no descriptor.
 const LV2_Descriptor* descriptor(uint32_t index);
-
-/// A host's URID map that remembers what was asked for and in which order.
-class UridMap {
-  public:
-    UridMap();
-    UridMap(const UridMap&) = delete;
-    UridMap& operator=(const UridMap&) = delete;
-
-    LV2_URID operator()(const std::string& uri);
-    const LV2_Feature* feature() const { return &feature_; }
-    const std::vector<std::string>& order() const { return order_; }
-    /// The same with what was asked for again.
-    const std::vector<std::string>& requests() const { return requests_; }
-
-  private:
-    std::map<std::string, LV2_URID> ids_;
-    std::vector<std::string> order_;
-    std::vector<std::string> requests_;
-    LV2_URID_Map map_;
-    LV2_Feature feature_;
-};
 
 /// An instance with all ports connected. Controls start at 0, so that everything is off.
 class PluginHost {

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: ISC
+#pragma once
+
+#include <lv2/urid/urid.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace brindle::test {
+
+/// A host's URID map that remembers what was asked for and in which order. Numbers count from 1, so
+/// that they are the same in each run.
+class UridMap {
+  public:
+    UridMap() = default;
+    UridMap(const UridMap&) = delete;
+    UridMap& operator=(const UridMap&) = delete;
+
+    LV2_URID operator()(const std::string& uri) {
+        requests_.push_back(uri);
+        const auto [place, is_new] = ids_.try_emplace(uri, static_cast<LV2_URID>(ids_.size() + 1));
+        if (is_new) order_.push_back(uri);
+        return place->second;
+    }
+    LV2_URID_Map* get() { return &map_; }
+    const LV2_Feature* feature() const { return &feature_; }
+    const std::vector<std::string>& order() const { return order_; }
+    /// The same with what was asked for again.
+    const std::vector<std::string>& requests() const { return requests_; }
+
+  private:
+    static LV2_URID map_uri(LV2_URID_Map_Handle handle, const char* uri) {
+        return (*static_cast<UridMap*>(handle))(uri);
+    }
+
+    std::map<std::string, LV2_URID> ids_;
+    std::vector<std::string> order_;
+    std::vector<std::string> requests_;
+    LV2_URID_Map map_ = {this, map_uri};
+    LV2_Feature feature_ = {LV2_URID__map, &map_};
+};
+
+}  // namespace brindle::test
