@@ -1,20 +1,22 @@
 // SPDX-License-Identifier: ISC
-// The loaded plugin as hosts run it: engines on threads of their own, editors on another, and
+// The plugin as the program runs it: engines on threads of their own, editors on another, and
 // nothing between them but queues. The thread sanitizer looks on when it is built in.
 #include <gtest/gtest.h>
-#include <lv2/atom/util.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <cmath>
-#include <cstring>
 #include <memory>
 #include <thread>
 
+#include "host/editor.h"
+#include "host/live_plugin.h"
+#include "host/top_window.h"
+#include "lv2/brindle.h"
 #include "tests/support/hard_treatment.h"
-#include "tests/support/ui_host.h"
+#include "tests/support/host_window.h"
+#include "tests/support/plugin_host.h"
 
 namespace brindle::test {
 namespace {
@@ -59,147 +61,78 @@ TEST(Threads, EnginesDoNotDisturbEachOther) {
     }
 }
 
-/// A queue with one writer and one reader, of which neither waits.
-class Ring {
-  public:
-    struct Message {
-        uint32_t port = 0;
-        uint32_t protocol = 0;
-        uint32_t size = 0;
-        alignas(8) std::array<uint8_t, 1088> bytes{};
-    };
-
-    /// Drops what does not fit.
-    void Put(uint32_t port, uint32_t protocol, const void* bytes, size_t size) {
-        const uint32_t place = written.load(std::memory_order_relaxed);
-        Message& message = messages[place % kCount];
-        if (place - read.load(std::memory_order_acquire) == kCount || size > message.bytes.size()) {
-            return;
-        }
-        message.port = port;
-        message.protocol = protocol;
-        message.size = static_cast<uint32_t>(size);
-        std::memcpy(message.bytes.data(), bytes, size);
-        written.store(place + 1, std::memory_order_release);
-    }
-    /// Calls `take(message)` for all that is there.
-    template <typename Take>
-    void TakeAll(Take take) {
-        uint32_t place = read.load(std::memory_order_relaxed);
-        for (; place != written.load(std::memory_order_acquire); ++place) {
-            take(messages[place % kCount]);
-            read.store(place + 1, std::memory_order_release);
-        }
-    }
-
-  private:
-    static constexpr uint32_t kCount = 256;
-    std::array<Message, kCount> messages;
-    std::atomic<uint32_t> written = 0;
-    std::atomic<uint32_t> read = 0;
-};
-
-/// A plugin that runs on an audio thread of its own, with an editor that may be open.
+/// A plugin that plays on an audio thread of its own, with an editor that may be open.
 class Session {
   public:
-    Session()
-        : atomSequence(plugin.map()(LV2_ATOM__Sequence)),
-          eventTransfer(plugin.map()(LV2_ATOM__eventTransfer)),
-          audioThread([this] { RunAudio(); }) {}
+    Session() : audioThread([this] { PlayUntilOver(); }) {}
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session() {
         isOver = true;
         audioThread.join();
-        editor.reset();
     }
 
+    bool IsOpen() const { return editor != nullptr; }
     void Open() {
-        editor = std::make_unique<UiHost>(BuiltEditor(), &plugin.map());
-        ASSERT_TRUE(editor->Open());
+        window = std::make_unique<TopWindow>("Session", PixelSize{1000, 600}, TopWindow::kBare);
+        editor = std::make_unique<Editor>(bundle, live, *window, engine.channels(), engine.rate());
+        window->show();
     }
     void Close() {
-        editor->Close();
-        SendWrites();
         editor.reset();
+        window.reset();
     }
     /// One turn of the UI thread.
     void Turn() {
-        toEditor.TakeAll([this](const Ring::Message& message) {
-            rows += message.port == kNotifyPort ? 1 : 0;
-            if (editor) {
-                editor->Deliver(message.port, message.protocol, message.bytes.data(), message.size);
-            }
-        });
         if (editor) {
-            editor->Idle();
-            SendWrites();
+            editor->tick();
+        } else {
+            TakeRows();
         }
     }
 
-    std::unique_ptr<UiHost> editor;
-    int rows = 0;                      // that have come from the engine
-    std::atomic<int> controlsSet = 0;  // by the editor, as the engine has seen them
-    std::atomic<int> blocks = 0;
+    std::vector<float> Controls() const {
+        std::vector<float> values;
+        for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
+            values.push_back(live.get(port));
+        }
+        return values;
+    }
+    /// How many rows the engine sends in some blocks. It hears of the editor in its next block;
+    /// what was under way before is no news.
+    int RowsFromNowOn() {
+        WaitForBlocks();
+        TakeRows();
+        WaitForBlocks();
+        return TakeRows();
+    }
 
   private:
-    void SendWrites() {
-        for (const UiWrite& write : editor->writes) {
-            toEngine.Put(write.port, write.protocol, write.bytes.data(), write.bytes.size());
-        }
-        editor->writes.clear();
-    }
-
-    void RunAudio() {
-        constexpr uint32_t kFrames = 512;
-        Random random(1);
-        std::vector<float> in(kFrames);
-        std::vector<float> out(kFrames);
-        plugin.connect(kFirstAudioPort, in.data());
-        plugin.connect(kFirstAudioPort + 1, out.data());
+    void PlayUntilOver() {
+        std::array<float, size_t{2} * LivePlugin::kBlock> out{};
         while (!isOver) {
-            std::generate(in.begin(), in.end(), [&] { return random.real(-0.5f, 0.5f); });
-            TakeFromEditor();
-            const LV2_Atom room = {plugin.notify_capacity, 0};
-            std::memcpy(plugin.notify.data(), &room, sizeof room);
-            plugin.run(kFrames);
-            SendToEditor();
+            live.play(out.data(), LivePlugin::kBlock);
             ++blocks;
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
     }
-    void TakeFromEditor() {
-        auto* sequence = reinterpret_cast<LV2_Atom_Sequence*>(plugin.control.data());
-        lv2_atom_sequence_clear(sequence);
-        sequence->atom.type = atomSequence;
-        toEngine.TakeAll([&](const Ring::Message& message) {
-            if (message.protocol == 0) {
-                std::memcpy(&plugin.port(message.port), message.bytes.data(), sizeof(float));
-                ++controlsSet;
-                return;
-            }
-            alignas(8) std::array<uint8_t, 64> event{};
-            std::memcpy(event.data() + sizeof(int64_t), message.bytes.data(), message.size);
-            lv2_atom_sequence_append_event(sequence, static_cast<uint32_t>(plugin.control.size()),
-                                           reinterpret_cast<const LV2_Atom_Event*>(event.data()));
-        });
+    void WaitForBlocks() {
+        const int before = blocks;
+        EXPECT_TRUE(WaitFor([&] { return blocks > before + 4; }, [] {}));
     }
-    void SendToEditor() {
-        for (const uint32_t port : {kMeterInPort, kMeterOutPort}) {
-            toEditor.Put(port, 0, &plugin.port(port), sizeof(float));
-        }
-        const auto* sequence = reinterpret_cast<const LV2_Atom_Sequence*>(plugin.notify.data());
-        LV2_ATOM_SEQUENCE_FOREACH(sequence, event) {
-            toEditor.Put(kNotifyPort, eventTransfer, &event->body,
-                         lv2_atom_total_size(&event->body));
-        }
+    int TakeRows() {
+        int rows = 0;
+        live.take_messages([&](uint32_t, const LV2_Atom&) { ++rows; });
+        return rows;
     }
 
-    PluginHost plugin{1, 48000.0};
-    LV2_URID atomSequence;  // mapped before the threads part: the map is the UI thread's
-    LV2_URID eventTransfer;
-    Ring toEngine;
-    Ring toEditor;
+    Bundle bundle{BRINDLE_BUNDLE};
+    Plugin engine{bundle, 2, 48000.0, LivePlugin::kBlock};
+    PinkNoise noise;
+    LivePlugin live{bundle, engine, noise};
+    std::unique_ptr<TopWindow> window;
+    std::unique_ptr<Editor> editor;
+    std::atomic<int> blocks = 0;
     std::atomic<bool> isOver = false;
     std::thread audioThread;
 };
@@ -207,41 +140,33 @@ class Session {
 // The pointer turns and drags whatever is under it, in the editor that was opened last.
 TEST(Threads, EnginesAndEditorsMeetInQueuesOnly) {
     live(1, [](Random& random) {
+        HostWindow pointer(1, 1);
+        const auto wander = [&] {
+            pointer.MovePointer(random.between(-60, 939), random.between(-40, 559));
+        };
         std::array<Session, 2> sessions;
+        const std::vector<float> before = sessions[0].Controls();
         for (int turn = 0; turn < 100; ++turn) {
             Session& session = random.pick(sessions);
-            if (!session.editor) {
+            if (!session.IsOpen()) {
                 session.Open();
             } else if (random.one_in(30)) {
                 session.Close();
                 continue;
             }
-            HostWindow& window = session.editor->window;
-            window.MovePointer(random.between(0, 999), random.between(0, 599));
+            wander();
             const auto button = random.one_in(2) ? 1u : static_cast<unsigned>(random.between(4, 5));
-            window.Press(button);
-            window.MovePointer(random.between(0, 999), random.between(0, 599));
-            window.Release(button);
-            for (Session& each : sessions) {
-                each.Turn();
-            }
+            pointer.Press(button);
+            wander();
+            pointer.Release(button);
+            for (Session& each : sessions) each.Turn();
         }
         for (Session& session : sessions) {
-            EXPECT_GT(session.rows, 0);
-            EXPECT_GT(session.controlsSet, 0);
-            if (!session.editor) {
-                session.Open();
-            }
+            EXPECT_NE(session.Controls(), before);
+            if (!session.IsOpen()) session.Open();
+            EXPECT_GT(session.RowsFromNowOn(), 0);
             session.Close();
-            // The engine hears of it in its next block; what was under way before is no news.
-            const int closed = session.blocks;
-            EXPECT_TRUE(WaitFor([&] { return session.blocks > closed + 2; }, [] {}));
-            session.Turn();
-            session.rows = 0;
-            const int quiet = session.blocks;
-            EXPECT_TRUE(WaitFor([&] { return session.blocks > quiet + 4; }, [] {}));
-            session.Turn();
-            EXPECT_EQ(session.rows, 0) << "rows come without an editor";
+            EXPECT_EQ(session.RowsFromNowOn(), 0) << "rows come without an editor";
         }
     });
 }
