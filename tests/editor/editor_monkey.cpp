@@ -13,6 +13,7 @@
 #include <set>
 
 #include "editor/panel_layout.h"
+#include "lv2/ports.h"
 #include "tests/support/hard_treatment.h"
 #include "tests/support/ui_host.h"
 
@@ -23,14 +24,12 @@ constexpr int kWidth = 1000;
 constexpr int kHeight = 600;
 constexpr size_t kMostEditors = 3;
 
-/// What hosts offer for a control port: least and greatest (see the Turtle data).
+/// What hosts offer for a control port: least and greatest.
 std::pair<float, float> RangeOf(uint32_t port) {
-    constexpr std::pair<float, float> kRanges[] = {
-        {0.0f, 1.0f}, {0.0f, 12.0f}, {-18.0f, 18.0f}, {20.0f, 20000.0f}, {0.1f, 100.0f}};
-    const uint32_t control = (port - band_port(0)) % kControlCount;
-    return port == kTrimPort                             ? std::pair(-20.0f, 20.0f)
-           : control == kType && port >= section_port(0) ? std::pair(0.0f, 17.0f)
-                                                         : kRanges[control];
+    if (port == kTrimPort) return {-20.0f, 20.0f};
+    const ControlRows& rows = port >= section_port(0) ? kSectionControls : kBandControls;
+    const ControlRow& row = rows[(port - band_port(0)) % kControlCount];
+    return {row.minimum, row.maximum};
 }
 
 bool IsInRange(uint32_t port, float value) {

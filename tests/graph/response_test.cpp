@@ -157,29 +157,22 @@ TEST(Response, FollowsTheAnaloguePrototypes) {
     }
 }
 
-TEST(Response, TypesWithoutAPictureAreFlat) {
+TEST(Response, TypesWithoutAPictureAreFlatAndCodesTakeTheIntegerPartAfterATenth) {
     const FrequencyGrid grid = DrawnGrid();
     const float nan = std::numeric_limits<float>::quiet_NaN();
+    Curve curve = {};
     for (const float type : {0.0f, 7.0f, 8.0f, 11.0f, 13.0f, -1.0f, 1e30f, nan}) {
-        Curve curve = {};
         AddBandCurve(grid, curve, type, {12.0f, 1000.0f, 1.0f});
         EXPECT_THAT(curve, testing::Each(0.0f)) << type;
     }
-    Curve curve = {};
     for (const float type : {0.0f, 18.0f, -1.0f, nan}) {
         AddSectionCurve(grid, curve, type, {12.0f, 1000.0f, 1.0f});
     }
     EXPECT_THAT(curve, testing::Each(0.0f));
-}
-
-TEST(Response, TypeCodesTakeTheIntegerPartAfterATenth) {
-    const FrequencyGrid grid = DrawnGrid();
-    Curve high_pass = {};
-    AddBandCurve(grid, high_pass, 2.85f, {0.0f, 1000.0f, 1.0f});  // first order
-    EXPECT_NEAR(high_pass[0], 20.0 * std::log10(20.0 / 1000.0), 0.01);
-    Curve low_pass = {};
-    AddBandCurve(grid, low_pass, 2.95f, {0.0f, 1000.0f, 1.0f});
-    EXPECT_NEAR(low_pass[0], 0.0, 0.01);
+    AddBandCurve(grid, curve, 2.95f, {0.0f, 1000.0f, 1.0f});  // a low-pass
+    EXPECT_NEAR(curve[0], 0.0, 0.01);
+    AddBandCurve(grid, curve, 2.85f, {0.0f, 1000.0f, 1.0f});  // a high-pass of first order
+    EXPECT_NEAR(curve[0], 20.0 * std::log10(20.0 / 1000.0), 0.01);
 }
 
 TEST(Response, CentrePointsArePinned) {
@@ -195,15 +188,6 @@ TEST(Response, CentrePointsArePinned) {
     AddNotch(grid, curve, 1000.0f, 1.0f);
     EXPECT_EQ(curve[centre], -120.0f);
     EXPECT_EQ(std::count(curve.begin(), curve.end(), -120.0f), 1);
-}
-
-TEST(Response, ANotchOnAGridPointStaysFinite) {
-    const FrequencyGrid grid = DrawnGrid();
-    for (size_t i = 0; i < 800; ++i) {
-        Curve curve = {};
-        AddNotch(grid, curve, grid.hz[i], 0.7f);
-        for (const float level : curve) ASSERT_TRUE(std::isfinite(level)) << i;
-    }
 }
 
 TEST(Response, WhatAHostShouldNotSendLeavesTheCurveAlone) {
@@ -224,7 +208,7 @@ TEST(Response, WhatAHostShouldNotSendLeavesTheCurveAlone) {
         }
     }
     // Extremes that are accepted stay finite, in and beyond the range of the picture.
-    for (const float freq : {1e-3f, 19.9f, 20000.0f, 130000.0f, 1e6f}) {
+    for (const float freq : {1e-3f, 19.9f, grid.hz[300], 20000.0f, 130000.0f, 1e6f}) {
         for (int type = 0; type < 18; ++type) {
             Curve curve = {};
             AddBandCurve(grid, curve, static_cast<float>(type), {200.0f, freq, 1e-30f});
