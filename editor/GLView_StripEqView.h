@@ -28,7 +28,6 @@ class GLView_StripEqView : public GLView_BaseView {
     void PortEvent(uint32_t port, uint32_t size, uint32_t format, const void* buffer);
     /// Takes the writes as reported that the host has not answered in time. Call it when idle.
     void TakeUnreportedWrites();
-    const SpectrumHistory& GetSpectrum() const { return graph->spectrum; }
 
     void SendParameter(uint32_t index, float value) override;
     /// Switch the engine's analyser on, and off.

@@ -43,17 +43,6 @@ TEST_F(Graph, AChangeMarksItsBandAndThoseAboveIt) {
     EXPECT_FALSE(graph->filtersDirty);
 }
 
-TEST_F(Graph, OnlyMarkedCurvesAreEvaluatedAgain) {
-    Set(7, {1.0f, 9.0f, 12.0f, 8000.0f, 1.0f});
-    page.parameters[Port(7, kGain)] = 6.0f;  // changed behind the graph's back
-    page.Report(section_port(0) + kGain, 1.0f);
-    graph->UpdateCurves();
-    EXPECT_NEAR(LevelAt(8000.0f), 12.0f, 1e-4f);
-    page.Report(Port(7, kQ), 1.0f);
-    graph->UpdateCurves();
-    EXPECT_NEAR(LevelAt(8000.0f), 6.0f, 1e-4f);
-}
-
 TEST_F(Graph, TheCurveIsTheSumOfAllThatIsOn) {
     Set(3, {1.0f, 9.0f, 9.0f, 1000.0f, 4.0f});
     Set(4, {1.0f, 9.0f, -3.0f, 1000.0f, 4.0f});

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: ISC
+/// The whole panel in a host: real pointer events at the places where a user sees the controls, and
+/// the engine that hears of them.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+
+#include "editor/GLView_StripEqView.h"
+#include "editor/editor_instance.h"
+#include "graph/GLView_ParametricEQ.h"
+#include "lv2/ports.h"
+#include "tests/support/ui_host.h"
+
+LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index);
+
+namespace brindle {
+
+inline constexpr int kStrips = kBandCount + kSectionCount;
+inline constexpr double kRate = 48000.0;
+inline constexpr double kLn1000 = 6.9077554;
+/// A place on the panel in interface points from its lower left corner.
+struct Spot {
+    float x;
+    float y;
+};
+
+inline uint32_t FirstPort(int strip) {
+    return strip < kBandCount ? band_port(strip) : section_port(strip - kBandCount);
+}
+
+/// A host that passes the editor's writes on to the engine and, unless it is a silent one, reports
+/// them back.
+struct Panel : testing::Test {
+    void SetUp() override {
+        ASSERT_TRUE(host.Open());
+        host.IdleTimes(2);
+        for (int strip = 0; strip < kStrips; ++strip) {
+            const auto& plan = strip < kBandCount
+                                   ? kBandStrips[static_cast<size_t>(strip)]
+                                   : kSectionStrips[static_cast<size_t>(strip - kBandCount)];
+            for (uint32_t i = 0; i < kControlCount; ++i)
+                Report(FirstPort(strip) + i, plan.defaults[i]);
+        }
+        Report(kTrimPort, 0.0f);
+        Tick();
+    }
+
+    void Report(uint32_t port, float value) {
+        plugin.port(port) = value;
+        host.Report(port, value);
+    }
+    /// Handles all pointer events that are waiting, then answers what they have led to.
+    void Tick() {
+        host.IdleTimes(1);
+        for (; answered < host.writes.size(); ++answered) {
+            const auto& write = host.writes[answered];
+            if (write.protocol != 0) continue;
+            plugin.port(write.port) = write.AsFloat();
+            if (echoes) host.Report(write.port, write.AsFloat());
+        }
+    }
+    void MoveTo(const Spot& spot) {
+        host.window.MovePointer(static_cast<int>(std::lround(spot.x * 0.75f)),
+                                static_cast<int>(std::lround(600.0f - spot.y * 0.75f)));
+    }
+    /// What is written meanwhile.
+    std::vector<test::UiWrite> During(const std::function<void()>& gesture) {
+        host.touches.clear();
+        const size_t before = host.writes.size();
+        gesture();
+        Tick();
+        return {host.writes.begin() + static_cast<std::ptrdiff_t>(before), host.writes.end()};
+    }
+    std::vector<test::UiWrite> Click(const Spot& spot) {
+        return During([&] {
+            MoveTo(spot);
+            host.window.Click();
+        });
+    }
+    /// Presses close to each other would be a double click.
+    void PressAt(const Spot& spot) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(210));
+        MoveTo(spot);
+        host.window.Press();
+    }
+    /// Drags by whole window pixels.
+    std::vector<test::UiWrite> Drag(const Spot& from, int right, int up) {
+        return During([&] {
+            PressAt(from);
+            MoveTo({from.x + static_cast<float>(right) / 0.75f,
+                    from.y + static_cast<float>(up) / 0.75f});
+            host.window.Release();
+        });
+    }
+    /// Ports and values of writes to controls.
+    static std::vector<std::pair<uint32_t, float>> Values(
+        const std::vector<test::UiWrite>& writes) {
+        std::vector<std::pair<uint32_t, float>> values;
+        for (const auto& write : writes) {
+            if (write.protocol == 0) values.emplace_back(write.port, write.AsFloat());
+        }
+        return values;
+    }
+
+    std::vector<double> Response() {
+        Tick();  // the curve is computed for a frame
+        plugin.settle();
+        return plugin.impulse_response(1 << 14);
+    }
+    GLView_StripEqView& Root() { return *static_cast<EditorInstance*>(host.handle)->rootView; }
+    GLView_ParametricEQ& Graph() {
+        for (GLView* child = Root().firstChild; child != nullptr; child = child->nextSibling) {
+            if (auto* graph = dynamic_cast<GLView_ParametricEQ*>(child)) return *graph;
+        }
+        throw std::logic_error("no graph");
+    }
+    /// What the drawn curve says.
+    double CurveDb(double hz) {
+        const auto heights = Graph().Heights();
+        const auto i = static_cast<size_t>(800.0 * std::log(hz / 20.0) / kLn1000);
+        return static_cast<double>(heights[i] / Graph().hh) * 18.0;
+    }
+    test::PluginHost plugin{1, kRate};
+    test::UiHost host{lv2ui_descriptor(0), &plugin.map()};
+    bool echoes = true;
+    size_t answered = 0;
+};
+
+}  // namespace brindle
