@@ -320,6 +320,8 @@ TEST_F(Drawing, ImagesAreLoadedOnceAndOnlyBelow512) {
     EXPECT_EQ(resources->Image(102), again);
     DrawImage(resources.get(), 150);  // over the square from -1 to 1
     EXPECT_EQ(InkColumns(), std::pair(-1, 1));
+    resources.reset();
+    EXPECT_FALSE(glIsTexture(again));
 }
 
 TEST_F(Drawing, ChainsAreLevelsOfOneTextureAndGapsAreLeftOut) {

@@ -50,6 +50,7 @@ TEST_F(Handles, FollowThePointer) {
             SCOPED_TRACE(testing::Message() << width << " wide, host reports late: " << late);
             page.pageWidth = width;
             page.pageHeight = 0.6f * width;
+            page.modifiers = 4;  // Alt, which is not fine
             Set(3, {1.0f, 9.0f, 0.0f, 800.0f, 1.0f});
             echoes = !late;
             const GLPoint start = PressHandle(3);
