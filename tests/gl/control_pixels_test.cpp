@@ -78,6 +78,7 @@ TEST_F(ControlPixels, MeterFillsInDecibels) {
                                         {0.0f, 0.0f},
                                         {0.5f, 89.97f},
                                         {0.0316228f, 50.0f},
+                                        {1.0f, 100.0f},
                                         {2.0f, 100.0f},
                                         {-1.0f, 0.0f},
                                         {NAN, 0.0f},
