@@ -99,6 +99,11 @@ TEST_F(Graph, OnlyHandlesAndTheirMarkersTakeThePointer) {
     EXPECT_FALSE(hit(graph->hw + 0.081f, 0.0f));
 }
 
+TEST(Scales, HoldGainsBeyondTheRangeAtItsEnds) {
+    EXPECT_EQ(PositionOfGainDb(-40.0f), 0.0f);
+    EXPECT_EQ(PositionOfGainDb(40.0f), 1.0f);
+}
+
 TEST(Scales, NotesAreNamedAsMusiciansDo) {
     const std::pair<float, const char*> notes[] = {
         {440.0f, "A4"}, {261.63f, "C4"}, {246.94f, "B3"}, {27.5f, "A0"},   {20.0f, "D#0"},
