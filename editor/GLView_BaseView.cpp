@@ -313,18 +313,24 @@ void GLView_BaseView::SetProjection() const {
 }
 
 void GLView_BaseView::RenderFrame() {
+    const GLRect whole = {viewLeft, viewBottom, viewRight, viewTop};
     if (textRenderer == nullptr) {
         textRenderer = std::make_unique<GLResources>(GetInterfaceScale());
         layers.Create(kLayerScale * designWidth, kLayerScale * designHeight);
+        MarkStatic(whole);
     }
     PreDraw();
-    if (redrawNeeded || layerWidth != windowWidth || layerHeight != windowHeight) {
+    if (redrawNeeded) {
+        MarkStatic(whole);
+    }
+    // The layers have their own size: another window only takes another copy of them.
+    if (layerWidth != windowWidth || layerHeight != windowHeight) {
         layerWidth = windowWidth;
         layerHeight = windowHeight;
         UpdateLetterbox();
         layers.SetShownSize(static_cast<int32_t>(GetPageWidth()),
                             static_cast<int32_t>(GetPageHeight()));
-        MarkStatic({viewLeft, viewBottom, viewRight, viewTop});
+        AddArea(staleShown, ToLayer(whole));
     }
     DrawLayers();
     layers.CopyShownToWindow(static_cast<int32_t>(letterboxX), static_cast<int32_t>(letterboxY));
@@ -339,7 +345,10 @@ void GLView_BaseView::DrawLayers() {
     for (const LayerArea& area : staleStatic) {
         AddArea(staleFrame, area);
     }
-    if (staleFrame.empty()) {
+    for (const LayerArea& area : staleFrame) {
+        AddArea(staleShown, area);
+    }
+    if (staleShown.empty()) {
         return;
     }
     layers.BindStatic();
@@ -360,12 +369,13 @@ void GLView_BaseView::DrawLayers() {
         const MatrixScope matrix;
         Draw();
     }
-    for (const LayerArea& area : staleFrame) {
+    for (const LayerArea& area : staleShown) {
         layers.ScaleFrameToShown(area);
     }
     redrawNeeded = false;
     staleStatic.clear();
     staleFrame.clear();
+    staleShown.clear();
 }
 
 void GLView_BaseView::DrawOverlay() {

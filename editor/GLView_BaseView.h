@@ -111,7 +111,7 @@ class GLView_BaseView : public GLView {
     GLView* captureView = nullptr;              ///< holds the pointer. Observed
     int32_t windowWidth = 0;                    ///< pixels
     int32_t windowHeight = 0;
-    int32_t layerWidth = 0;  ///< window size for which the static layer was last drawn
+    int32_t layerWidth = 0;  ///< window size for which the shown picture was last made
     int32_t layerHeight = 0;
     int32_t designWidth;  ///< points
     int32_t designHeight;
@@ -140,8 +140,9 @@ class GLView_BaseView : public GLView {
     void SetProjection() const;
     void DrawOverlay();
 
-    std::vector<LayerArea> staleStatic;  ///< what of each layer is out of date
+    std::vector<LayerArea> staleStatic;  ///< what of each picture is out of date
     std::vector<LayerArea> staleFrame;
+    std::vector<LayerArea> staleShown;
     std::optional<LayerArea> drawnArea;  ///< while a part of a layer is drawn
 };
 

@@ -166,9 +166,10 @@ TEST_F(Panel, DrawsAnewForNewsOnly) {
 }
 
 TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
+    int width = 1000, height = 600;
     const auto shown = [&] {
         host.IdleTimes(2);
-        return host.window.GetPixels(host.child, 1000, 600);
+        return host.window.GetPixels(host.child, width, height);
     };
     const auto shown_in_parts = [&] {
         auto parts = shown();
@@ -199,6 +200,11 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
         held->SetCaptured(true);
         shown_in_parts();
         held->SetCaptured(false);
+        shown_in_parts();
+    }
+    for (const auto& [newWidth, newHeight] : {std::pair(1333, 700), {777, 600}}) {
+        host.window.ResizeWindow(host.child, width = newWidth, height = newHeight);
+        host.IdleTimes(5);
         shown_in_parts();
     }
 }
