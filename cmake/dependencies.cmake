@@ -12,8 +12,10 @@ pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
 pkg_check_modules(PUGL REQUIRED IMPORTED_TARGET pugl-0)
 pkg_check_modules(X11 REQUIRED IMPORTED_TARGET x11)
 pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
+# Version 2 is under the SIL Open Font License, version 1 under the GPL with an exception for
+# documents. Later releases of Debian have version 2 in the folder of version 1.
 find_file(BRINDLE_FONT LiberationSans-Regular.ttf PATHS /usr/share/fonts
-          PATH_SUFFIXES truetype/liberation truetype/liberation2 REQUIRED)
+          PATH_SUFFIXES truetype/liberation2 truetype/liberation REQUIRED)
 
 if(BUILD_TESTING)
     find_package(GTest REQUIRED)
