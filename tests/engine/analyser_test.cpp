@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <numbers>
+#include <random>
 #include <vector>
 
 namespace brindle {
@@ -75,6 +76,16 @@ TEST(Analyser, SineStandsInItsBinAndFallsOffWithTheLowPass) {
     }
 }
 
+TEST(Analyser, TwoSinesKeepTheirDifference) {
+    auto analyser = make(48000.0);
+    play(*analyser, 3.0,
+         [low = sine(centre_hz(100), 0.03), high = sine(centre_hz(170), 0.3)](double time) {
+             return low(time) + high(time);
+         });
+    EXPECT_EQ(newest(*analyser)[170], -10.0f);
+    EXPECT_NEAR(newest(*analyser)[100], -30.0, 0.01);
+}
+
 /// Up to the limit of the lift every loudest bin reads -10 dB; a sine of amplitude A has the mean
 /// power A²/4 in its bin.
 TEST(Analyser, LiftsQuietMaterialByAtMost36Decibels) {
@@ -90,6 +101,77 @@ TEST(Analyser, LiftsQuietMaterialByAtMost36Decibels) {
     for (float level_db : newest(*analyser)) {
         EXPECT_LT(level_db, -180.0f) << "silence stays far below every display";
         EXPECT_TRUE(std::isfinite(level_db));
+    }
+}
+
+/// Mean power in dB of the bins of `octave` above 640 Hz over ten seconds of `next` samples.
+std::array<double, 4> octave_levels_db(const std::function<double()>& next) {
+    auto analyser = make(48000.0);
+    analyser->normalise = false;
+    std::array<double, 4> power = {};
+    std::array<float, 2048> input;
+    for (int block = 0; block < 240; ++block) {
+        std::generate(input.begin(), input.end(), [&] { return static_cast<float>(next()); });
+        analyse(*analyser, input.data(), input.size());
+        for (size_t bin = 0; block >= 20 && bin < 4 * 24; ++bin) {
+            power[bin / 24] += std::pow(10.0, newest(*analyser)[120 + bin] / 10.0f);
+        }
+    }
+    for (double& level : power) {
+        level = 10.0 * std::log10(level);
+    }
+    return power;
+}
+
+TEST(Analyser, WhiteNoiseRisesAndPinkNoiseLiesLevel) {
+    std::mt19937 random(3);
+    std::normal_distribution<double> white(0.0, 0.1);
+    const auto white_db = octave_levels_db([&] { return white(random); });
+    // Paul Kellet's filter: a sum of one-pole low-passes that falls by 3 dB an octave.
+    std::array<double, 6> state = {};
+    double last = 0.0;
+    const auto pink_db = octave_levels_db([&] {
+        constexpr double kKeep[] = {0.99886, 0.99332, 0.96900, 0.86650, 0.55000, -0.7616};
+        constexpr double kTake[] = {0.0555179, 0.0750759, 0.1538520,
+                                    0.3104856, 0.5329522, -0.0168980};
+        const double x = white(random);
+        double sum = 0.5362 * x + last;
+        last = 0.115926 * x;
+        for (size_t i = 0; i < state.size(); ++i) {
+            state[i] = kKeep[i] * state[i] + kTake[i] * x;
+            sum += state[i];
+        }
+        return sum;
+    });
+    for (size_t octave = 1; octave < 4; ++octave) {
+        SCOPED_TRACE(octave);
+        EXPECT_NEAR(white_db[octave] - white_db[octave - 1], 3.01, 0.25);
+        EXPECT_NEAR(pink_db[octave] - pink_db[octave - 1], 0.0, 0.35);
+    }
+}
+
+TEST(Analyser, ClosesARowWithItsFirstSampleAndThenEveryFrame) {
+    struct Case {
+        double rate;
+        uint32_t frame, rows;
+    };
+    constexpr uint32_t kOnceAround = kPlotRows + 1;
+    for (const auto& [rate, frame, rows] : {Case{44100.0, 2048, kOnceAround},
+                                            {48000.0, 2048, 3},
+                                            {64000.9, 2048, 3},
+                                            {64001.0, 4096, 3},
+                                            {88200.0, 4096, 3},
+                                            {96000.0, 4096, 3}}) {
+        SCOPED_TRACE(rate);
+        auto analyser = make(rate);
+        EXPECT_EQ(analyser->row_index, 0u);
+        const std::vector<float> input(frame - 1, 0.5f);
+        for (uint32_t row = 1; row <= rows; ++row) {
+            analyse(*analyser, input.data(), 1);
+            ASSERT_EQ(analyser->row_index, row % kPlotRows);
+            analyse(*analyser, input.data(), frame - 1);
+            ASSERT_EQ(analyser->row_index, row % kPlotRows);
+        }
     }
 }
 
