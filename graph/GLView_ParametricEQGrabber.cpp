@@ -10,6 +10,7 @@
 #include "gl/GLAnimator.h"
 #include "gl/drawing.h"
 #include "graph/scales.h"
+#include "lv2/ports.h"
 
 namespace brindle {
 namespace {
@@ -36,10 +37,11 @@ uint32_t FirstPort(int handle) {
     return handle < kBandCount ? band_port(handle) : section_port(handle - kBandCount);
 }
 
-/// A type port's value as a code, never below 0.
+/// A band's type port's value as a code; flat, as it sounds, where no type has it.
 int32_t TypeCode(float value) {
     const float code = value + 0.1f;
-    return code > 0.0f ? static_cast<int32_t>(std::min(code, 1000.0f)) : 0;
+    const bool isKnown = code > 0.0f && code < static_cast<float>(kBandTypeCount);
+    return isKnown ? static_cast<int32_t>(code) : static_cast<int32_t>(BandType::Flat);
 }
 
 /// What a band becomes while it is searched: types with a centre show it best as a band-pass.
@@ -203,7 +205,9 @@ void GLView_ParametricEQGrabber::Scroll(float delta) {
 void GLView_ParametricEQGrabber::BeginSearch() {
     const float type = KnownValue(firstPort + kType);
     searchType_ = TypeCode(type);
-    searchGainDb_ = KnownValue(firstPort + kGain);
+    // Hosts may report anything, but are not told to set it.
+    const ControlRow& gain = kBandControls[kGain];
+    searchGainDb_ = std::clamp(KnownValue(firstPort + kGain), gain.minimum, gain.maximum);
     if (IsBand()) {
         writer.Write(firstPort + kType, static_cast<float>(SearchedAs(searchType_)));
         writer.Write(firstPort + kGain, kSearchGainDb);

@@ -114,6 +114,15 @@ TEST_F(Handles, ASearchKeepsTypesWithoutACentreAndLeavesSectionsAsTheyAre) {
     Release();
     EXPECT_THAT(TakeWrites()[0], Wrote(3, 9.0f));
 
+    Set(0, {1.0f, 13.0f, -1e6f, 100.0f, 1.0f});  // outside the ports' ranges
+    page.eventTime += 10000;
+    PressMarker(0);
+    EXPECT_THAT(TakeWrites()[0], Wrote(3, 0.0f));
+    Release();
+    const auto writes = TakeWrites();
+    EXPECT_THAT(writes[0], Wrote(3, 0.0f));
+    EXPECT_THAT(writes[1], Wrote(4, -18.0f));
+
     Set(8, {1.0f, 13.0f, 6.0f, 60.0f, 1.0f});
     page.eventTime += 10000;
     PressMarker(8);
