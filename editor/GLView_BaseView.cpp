@@ -320,9 +320,11 @@ void GLView_BaseView::RenderFrame() {
         MarkStatic(whole);
     }
     PreDraw();
-    if (redrawNeeded) {
+    const Looks looks = {GetBackgroundColor(), GetContrastColor(), IsBoxy(), IsFlat()};
+    if (redrawNeeded || !(looks == drawnLooks)) {
         MarkStatic(whole);
     }
+    drawnLooks = looks;
     // The layers have their own size: another window only takes another copy of them.
     if (layerWidth != windowWidth || layerHeight != windowHeight) {
         layerWidth = windowWidth;
@@ -333,7 +335,9 @@ void GLView_BaseView::RenderFrame() {
         AddArea(staleShown, ToLayer(whole));
     }
     DrawLayers();
-    layers.CopyShownToWindow(static_cast<int32_t>(letterboxX), static_cast<int32_t>(letterboxY));
+    layers.CopyShownToWindow(static_cast<int32_t>(letterboxX), static_cast<int32_t>(letterboxY),
+                             static_cast<int32_t>(GetPageWidth()),
+                             static_cast<int32_t>(GetPageHeight()));
     glDisable(GL_DEPTH_TEST);
     SetProjection();
     glViewport(static_cast<GLint>(letterboxX), static_cast<GLint>(letterboxY),

@@ -111,8 +111,8 @@ class GLView_BaseView : public GLView {
     GLView* captureView = nullptr;              ///< holds the pointer. Observed
     int32_t windowWidth = 0;                    ///< pixels
     int32_t windowHeight = 0;
-    int32_t layerWidth = 0;  ///< window size for which the shown picture was last made
-    int32_t layerHeight = 0;
+    int32_t layerWidth = -1;  ///< window size for which the shown picture was last made
+    int32_t layerHeight = -1;
     int32_t designWidth;  ///< points
     int32_t designHeight;
     int32_t pressedButton = 0;   ///< 0 for none
@@ -131,6 +131,15 @@ class GLView_BaseView : public GLView {
     std::array<float, 128> parameters{};
 
   private:
+    /// What all that is drawn depends on. Another editor of the process may change it.
+    struct Looks {
+        GLColor background;
+        GLColor contrast;
+        bool boxy = false;
+        bool flat = false;
+        bool operator==(const Looks&) const = default;
+    };
+
     LayerArea ToLayer(const GLRect& area) const;
     void MarkViewStatic(GLView* view);
     GLPoint PixelToTree(GLPoint framePixel) const;
@@ -143,6 +152,7 @@ class GLView_BaseView : public GLView {
     std::vector<LayerArea> staleStatic;  ///< what of each picture is out of date
     std::vector<LayerArea> staleFrame;
     std::vector<LayerArea> staleShown;
+    Looks drawnLooks;                    ///< with which the layers were last drawn
     std::optional<LayerArea> drawnArea;  ///< while a part of a layer is drawn
 };
 

@@ -168,6 +168,7 @@ void GLView_StripEqView::PortEvent(uint32_t port, uint32_t size, uint32_t format
 void GLView_StripEqView::TakeControl(uint32_t port, float value) {
     if (reported.none()) {
         graph->MarkAllDirty(true);
+        redrawNeeded = true;
     }
     // Hosts report the meters some 30 times a second, and much that has not changed. The meters are
     // drawn in each frame anyway.

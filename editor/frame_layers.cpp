@@ -23,6 +23,9 @@ bool LayerArea::Touches(const LayerArea& other) const {
 }
 
 void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
+    if (area.left >= area.right || area.bottom >= area.top) {
+        return;
+    }
     const auto touches = [&](const LayerArea& other) { return area.Touches(other); };
     for (auto other = std::ranges::find_if(areas, touches); other != areas.end();
          other = std::ranges::find_if(areas, touches)) {
@@ -56,8 +59,10 @@ void FrameLayers::Create(int32_t newWidth, int32_t newHeight) {
 }
 
 void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
-    newWidth = std::max(newWidth, 1);
-    newHeight = std::max(newHeight, 1);
+    GLint limit = 1;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    newWidth = std::clamp(newWidth, 1, limit);
+    newHeight = std::clamp(newHeight, 1, limit);
     if (newWidth == shownWidth && newHeight == shownHeight) {
         return;
     }
@@ -111,13 +116,15 @@ void FrameLayers::ScaleFrameToShown(const LayerArea& area) const {
     glDisable(GL_SCISSOR_TEST);
 }
 
-void FrameLayers::CopyShownToWindow(int32_t x, int32_t y) const {
+void FrameLayers::CopyShownToWindow(int32_t x, int32_t y, int32_t areaWidth,
+                                    int32_t areaHeight) const {
+    const bool fits = areaWidth == shownWidth && areaHeight == shownHeight;
     glBindFramebuffer(GL_READ_FRAMEBUFFER, shownFramebuffer);
     // Only then its back buffer can be selected.
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
     glDrawBuffer(GL_BACK);
-    glBlitFramebuffer(0, shownHeight, shownWidth, 0, x, y, x + shownWidth, y + shownHeight,
-                      GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    glBlitFramebuffer(0, shownHeight, shownWidth, 0, x, y, x + areaWidth, y + areaHeight,
+                      GL_COLOR_BUFFER_BIT, fits ? GL_NEAREST : GL_LINEAR);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }
 

@@ -18,10 +18,11 @@ struct LayerArea {
     bool Touches(const LayerArea& other) const;
 };
 
-/// Adds an area to some that do not touch each other, as one with those that it touches.
+/// Adds an area to some that do not touch each other, as one with those that it touches. An empty
+/// one adds nothing.
 void AddArea(std::vector<LayerArea>& areas, LayerArea area);
 
-/// The pictures of which a frame is made, and the framebuffer that draws into them: what stands
+/// The pictures of which a frame is made, and the framebuffers that draw into them: what stands
 /// still, that with the values on top, and the latter as windows show it. All calls need the
 /// editor's GL context current.
 class FrameLayers {
@@ -39,25 +40,26 @@ class FrameLayers {
     void BindFrame();
     /// Makes a part of the frame a copy of the static layer, which must be the one that is bound.
     void CopyStaticToFrame(const LayerArea& area) const;
-    /// Sets the shown picture's size in pixels; it has to be drawn after that. It is kept upside
-    /// down, as windows are in memory.
+    /// Sets the shown picture's size in pixels, as far as the driver goes; it has to be drawn after
+    /// that. It is kept upside down, as windows are in memory.
     void SetShownSize(int32_t newWidth, int32_t newHeight);
     /// Brings an area of the layers up to date in the shown picture. The frame must be bound.
     void ScaleFrameToShown(const LayerArea& area) const;
-    /// Copies the shown picture into the window, from (x, y) on, and binds the window.
-    void CopyShownToWindow(int32_t x, int32_t y) const;
+    /// Copies the shown picture into an area of the window, its size unless the driver stopped
+    /// short of it, and binds the window.
+    void CopyShownToWindow(int32_t x, int32_t y, int32_t areaWidth, int32_t areaHeight) const;
 
     GLuint framebuffer = 0;
     GLuint staticTexture = 0;
     GLuint frameTexture = 0;
-    GLuint shownTexture = 0;
-    GLuint shownFramebuffer = 0;
 
   private:
     static void Attach(GLuint target, GLuint texture);
 
     int32_t width = 0;
     int32_t height = 0;
+    GLuint shownTexture = 0;
+    GLuint shownFramebuffer = 0;
     int32_t shownWidth = 0;
     int32_t shownHeight = 0;
 };

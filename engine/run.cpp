@@ -83,6 +83,7 @@ bool restart_poisoned(EqInstance& eq, const Stretches& stretches, size_t channel
             restarted = true;
         }
         if (!restarted) continue;
+        // What this writes of the powers is no use; they are followed again.
         const Stretch alone = {0, stretches.list[i].weights};
         const float* from = in + begin;
         float* to = out + begin;

@@ -34,6 +34,10 @@ class GLColor {
         alpha = a;
     }
     constexpr void ScaleAlpha(float f) { alpha *= f; }
+    constexpr bool operator==(const GLColor& other) const {
+        return red == other.red && green == other.green && blue == other.blue &&
+               alpha == other.alpha;
+    }
 };
 
 /// The toolkit's palette. The first is every view's colour until it gets another.

@@ -75,7 +75,8 @@ class GLView {
     virtual void DrawChildren();
     virtual void DrawChildrenFront();
     /// Where the back and main passes draw, in the parent's coordinates: the rectangle, and two
-    /// design points around it for shadows and edges.
+    /// design points around it for shadows and edges. A view that a page shows by itself and whose
+    /// label stands further out overrides it.
     virtual GLRect DrawnArea();
     /// Whether the passes draw a child: all, but on a page that draws a part of its picture anew.
     virtual bool DrawsChild(GLView& child);

@@ -29,4 +29,8 @@ void GLView_Dialog::DrawFront() {
     DrawChildrenFront();
 }
 
+GLRect GLView_Dialog::DrawnArea() {
+    return {};
+}
+
 }  // namespace brindle

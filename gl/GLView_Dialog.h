@@ -18,6 +18,8 @@ class GLView_Dialog : public GLView {
     /// Box and children with all their passes: a page draws an open dialog last, on its own.
     void Draw() override;
     void DrawFront() override;
+    /// Nothing: the layers of a page do not show it.
+    GLRect DrawnArea() override;
 
     GLAnimator_Translator slide;
 };

@@ -126,7 +126,7 @@ GLRect GLView_ParametricEQ::DrawnArea() {
     const float m = GetPixelSize();
     const float middle = y - kPanelBelow * m;
     return {x - hw - kPanelBeside * m, middle - hh - kPanelBeyond * m, x + hw + kPanelBeside * m,
-            middle + hh + kPanelBeyond * m};
+            std::max(middle + hh + kPanelBeyond * m, GetViewTop())};
 }
 
 void GLView_ParametricEQ::DrawFront() {

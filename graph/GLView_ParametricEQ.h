@@ -43,7 +43,7 @@ class GLView_ParametricEQ : public GLView {
     void DrawBack() override;
     void Draw() override;
     void DrawFront() override;
-    /// The panel around the graph. Handles above its upper edge are beyond it.
+    /// The panel around the graph, and all above it, where handles stand that leave the graph.
     GLRect DrawnArea() override;
 
     /// What the graph is drawn with, for those that draw upon it.
