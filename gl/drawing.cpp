@@ -1,26 +1,19 @@
 // SPDX-License-Identifier: ISC
 #include "gl/drawing.h"
 
+#include "gl/GLRect.h"
 #include "gl/settings.h"
 
 namespace brindle {
 namespace {
 
-/// A rectangle, of texture coordinates or of places.
-struct Area {
-    float left;
-    float bottom;
-    float right;
-    float top;
-};
-
-constexpr Area kWholeTexture = {0.0f, 0.0f, 1.0f, 1.0f};
+constexpr GLRect kWholeTexture = {0.0f, 0.0f, 1.0f, 1.0f};
 
 /// The part of a texture and the direction from a rectangle's middle to one of its corners.
 struct Corner {
     float x;
     float y;
-    Area texture;
+    GLRect texture;
 };
 constexpr Corner kUpperLeft = {-1.0f, 1.0f, {0.0f, 0.5f, 0.5f, 1.0f}};
 constexpr Corner kUpperRight = {1.0f, 1.0f, {0.5f, 0.5f, 1.0f, 1.0f}};
@@ -41,7 +34,8 @@ GLColor Faded(const GLColor& color, float alpha) {
 }
 
 /// One quad between glBegin and glEnd, upper left corner first and clockwise.
-void EmitQuad(const Area& place, const Area& texture = kWholeTexture, const Fade* fade = nullptr) {
+void EmitQuad(const GLRect& place, const GLRect& texture = kWholeTexture,
+              const Fade* fade = nullptr) {
     if (fade != nullptr) {
         fade->top.Apply();
     }
@@ -59,7 +53,7 @@ void EmitQuad(const Area& place, const Area& texture = kWholeTexture, const Fade
 }
 
 /// The square of size r in a corner of a rectangle.
-Area CornerArea(const Corner& corner, float hw, float hh, float r) {
+GLRect CornerArea(const Corner& corner, float hw, float hh, float r) {
     const float left = corner.x < 0.0f ? -hw : hw - r;
     const float bottom = corner.y < 0.0f ? -hh : hh - r;
     return {left, bottom, left + r, bottom + r};
