@@ -6,6 +6,8 @@ namespace brindle {
 void GLView_MomentaryButton::MouseDown(GLPoint point, GLPoint pagePoint) {
     // A second mouse button must not take the auditioned values for those to come back to.
     if (!held_) {
+        // First, so that what was auditioned elsewhere is back before it is saved here.
+        SetCaptured(true);
         for (uint32_t port = 0; port < values.size(); ++port) {
             if (values[port] != kNotSet) {
                 saved[port] = GetParameter(port);
