@@ -17,9 +17,9 @@
 #include <string>
 #include <vector>
 
-#include "engine/band_types.h"
+#include "contract/brindle.h"
+#include "contract/types.h"
 #include "engine/eq_instance.h"
-#include "lv2/brindle.h"
 #include "tests/engine/reference_analyser.h"
 #include "tests/engine/reference_engine.h"
 #include "tests/support/plugin_host.h"

@@ -6,8 +6,8 @@
 
 #include "gl/GLResources.h"
 #include "gl/settings.h"
-#include "graph/response_kernel.h"
-#include "graph/type_curves.h"
+#include "graph/curves/response_kernel.h"
+#include "graph/curves/type_curves.h"
 #include "tests/graph/graph_fixture.h"
 #include "tests/support/gl_context.h"
 
@@ -29,7 +29,7 @@ void BandCurve(benchmark::State& state) {
     Curve curve;
     for (auto _ : state) {
         ClearCurve(grid, curve);
-        AddBandCurve(grid, curve, static_cast<float>(state.range(0)), kSettings);
+        AddBandCurve(grid, curve, static_cast<BandType>(state.range(0)), kSettings);
         benchmark::DoNotOptimize(curve);
     }
     state.SetItemsProcessed(state.iterations() * 800);
@@ -42,7 +42,7 @@ void SectionCurve(benchmark::State& state) {
     Curve curve;
     for (auto _ : state) {
         ClearCurve(grid, curve);
-        AddSectionCurve(grid, curve, static_cast<float>(state.range(0)), kSettings);
+        AddSectionCurve(grid, curve, static_cast<SectionType>(state.range(0)), kSettings);
         benchmark::DoNotOptimize(curve);
     }
     state.SetItemsProcessed(state.iterations() * 800);

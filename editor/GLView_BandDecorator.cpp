@@ -4,13 +4,12 @@
 #include <span>
 #include <string>
 
-#include "engine/band_types.h"
+#include "contract/ports.h"
 #include "gl/GLView_Knob.h"
 #include "gl/look.h"
 #include "graph/GLView_ParametricEQSelector.h"
 #include "graph/GLView_ParametricFilterSelector.h"
 #include "graph/scales.h"
-#include "lv2/ports.h"
 
 namespace brindle {
 namespace {
@@ -42,63 +41,17 @@ constexpr std::array<KnobPlan, 3> kKnobs = {{
     {kFrequency, -40.0f, "Hz", 0.0005f, "Frequency", "freq"},
 }};
 
-/// Types in the order in which menus stack them, from the bottom up.
-constexpr std::array<uint8_t, 8> kBandMenu = {1, 2, 3, 4, 5, 6, 9, 12};
-constexpr std::array<uint8_t, 9> kSectionAMenu = {17, 1, 2, 3, 4, 13, 14, 15, 16};
-constexpr std::array<uint8_t, 9> kSectionBMenu = {17, 5, 6, 7, 8, 9, 10, 11, 12};
-
-struct StripPlan {
-    std::span<const uint8_t> menu;
-    float menuWidth;  ///< points
-    std::span<const TypeLabel> labels;
-    std::span<const bool> usesGain;  ///< by type
-    std::span<const bool> usesQ;
-};
-
-// clang-format off
-//                                               Flat LP   HP   LP   HP   LoSh HiSh Lsh2 Hsh2 Bell Srch SymL Notch
-constexpr std::array<bool, kBandTypeCount> kBandGain = {0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 0};
-constexpr std::array<bool, kBandTypeCount> kBandQ    = {0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 1};
-//                                                            Flat, HP x 4,  LP x 4,     shelves x 8,          notch
-constexpr std::array<bool, kSectionTypeCount> kSectionGain = {0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, 0};
-constexpr std::array<bool, kSectionTypeCount> kSectionQ    = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1};
-// clang-format on
-
-constexpr StripPlan kBandPlan = {kBandMenu, 110.0f, kBandTypeLabels, kBandGain, kBandQ};
-constexpr std::array<StripPlan, kSectionCount> kSectionPlans = {{
-    {kSectionAMenu, 130.0f, kSectionTypeLabels, kSectionGain, kSectionQ},
-    {kSectionBMenu, 130.0f, kSectionTypeLabels, kSectionGain, kSectionQ},
-}};
-
-const StripPlan& PlanOf(int strip) {
-    if (strip < kBandCount) {
-        return kBandPlan;
-    }
-    return kSectionPlans[static_cast<size_t>(strip - kBandCount)];
-}
-
-const StripRow& DefaultsOf(int strip) {
-    return strip < kBandCount ? kBandStrips[static_cast<size_t>(strip)]
-                              : kSectionStrips[static_cast<size_t>(strip - kBandCount)];
-}
-
-bool Uses(std::span<const bool> byType, float type) {
-    const float code = type + 0.1f;
-    return code >= 0.0f && code < static_cast<float>(byType.size()) &&
-           byType[static_cast<size_t>(code)];
-}
+constexpr float kBandMenuWidth = 110.0f;
+constexpr float kSectionMenuWidth = 130.0f;
 
 std::string TitleOf(int strip, const char* control) {
-    return std::string(DefaultsOf(strip).name) + " " + control;
+    return std::string(strip_row(strip).name) + " " + control;
 }
 
 }  // namespace
 
 GLView_BandDecorator::GLView_BandDecorator(GLView_ParametricEQ& curveGraph, int stripIndex)
-    : index(stripIndex),
-      firstPort(stripIndex < kBandCount ? band_port(stripIndex)
-                                        : section_port(stripIndex - kBandCount)),
-      graph_(curveGraph) {}
+    : index(stripIndex), firstPort(strip_port(stripIndex)), graph_(curveGraph) {}
 
 void GLView_BandDecorator::AddWidgets(const HostWriter& writer, const LV2UI_Touch* touch) {
     AddToggle(writer, touch);
@@ -112,9 +65,7 @@ void GLView_BandDecorator::AddToggle(const HostWriter& writer, const LV2UI_Touch
     toggle_ = new GLView_Toggle;
     toggle_->SetPort(writer, firstPort + kEnable);
     toggle_->SetTouch(touch, firstPort + kEnable);
-    toggle_->SetText(IsBand()              ? std::to_string(index + 1).c_str()
-                     : index == kBandCount ? "A"
-                                           : "B");
+    toggle_->SetText(strip_row(index).label);
     toggle_->SetInfoTitle(TitleOf(index, "on/off").c_str());
     toggle_->SetColor(IsBand() ? kBandLamp : kAmber);
     toggle_->SetSize(kToggleWidth * s, kToggleHeight * s);
@@ -126,24 +77,31 @@ void GLView_BandDecorator::AddSelector() {
     const float s = GetInterfaceScale();
     GLView_TypeSelector* selector = nullptr;
     if (IsBand()) {
-        selector = new GLView_ParametricEQSelector(firstPort + kType);
+        selector = new GLView_ParametricEQSelector(index);
     } else {
-        selector = new GLView_ParametricFilterSelector(firstPort + kType);
+        selector = new GLView_ParametricFilterSelector(index - kBandCount);
     }
     selector->SetInfoTitle(TitleOf(index, "EQ Shape").c_str());
     selector->SetSize(kSelectorWidth * s, kSelectorHeight * s);
     selector->SetPosition(0.0f, (kSelectorAboveBottom + 0.5f * kSelectorHeight) * s - hh);
     AddChild(selector);
-    const StripPlan& plan = PlanOf(index);
-    for (const uint8_t type : plan.menu) {
-        selector->AddItem(firstPort + kType, type, plan.menuWidth * s, plan.labels[type].name);
+    const std::span<const TypeRow> types = strip_types(index);
+    const size_t menu = index == kStripCount - 1 ? 1 : 0;
+    const float width = IsBand() ? kBandMenuWidth : kSectionMenuWidth;
+    for (size_t place = 1; place <= types.size(); ++place) {
+        for (size_t code = 0; code < types.size(); ++code) {
+            if (types[code].menu_place[menu] == place) {
+                selector->AddItem(selector->port, static_cast<float>(code), width * s,
+                                  types[code].name);
+            }
+        }
     }
     controls_[kType] = selector;
 }
 
 void GLView_BandDecorator::AddKnobs(const HostWriter& writer, const LV2UI_Touch* touch) {
     const float s = GetInterfaceScale();
-    const ControlRows& ranges = IsBand() ? kBandControls : kSectionControls;
+    const ControlRows& ranges = strip_controls(index);
     for (const KnobPlan& plan : kKnobs) {
         auto* knob =
             new GLView_Knob(false, ranges[plan.control].minimum, ranges[plan.control].maximum);
@@ -152,7 +110,7 @@ void GLView_BandDecorator::AddKnobs(const HostWriter& writer, const LV2UI_Touch*
         knob->SetTouch(touch, port);
         knob->SetUnit(plan.unit);
         knob->SetSensitivity(plan.sensitivity);
-        knob->SetResetValue(DefaultsOf(index).defaults[plan.control]);
+        knob->SetResetValue(strip_row(index).defaults[plan.control]);
         knob->SetInfoTitle(TitleOf(index, plan.title).c_str());
         knob->SetLabel(plan.label);
         knob->SetLabelSize(kKnobLabelSize);
@@ -173,10 +131,10 @@ void GLView_BandDecorator::AddKnobs(const HostWriter& writer, const LV2UI_Touch*
 
 void GLView_BandDecorator::UpdateEffect() {
     const bool on = toggle_->IsOn();
-    const float type = GetParameter(firstPort + kType);
+    const TypeRow& type = strip_type(index, GetParameter(firstPort + kType));
     controls_[kType]->enabled = on;
-    controls_[kGain]->enabled = on && Uses(PlanOf(index).usesGain, type);
-    controls_[kQ]->enabled = on && Uses(PlanOf(index).usesQ, type);
+    controls_[kGain]->enabled = on && type.heeds_gain;
+    controls_[kQ]->enabled = on && type.heeds_q;
     controls_[kFrequency]->enabled = on;
 }
 

@@ -6,9 +6,10 @@
 #include <cstdlib>
 #include <string>
 
+#include "contract/ports.h"
+#include "contract/presets.h"
 #include "editor/GLView_BandDecorator.h"
 #include "editor/panel_layout.h"
-#include "editor/preset_table.h"
 #include "gl/GLView_Caption.h"
 #include "gl/GLView_DecoratorBox.h"
 #include "gl/drawing.h"
@@ -81,15 +82,10 @@ void GLView_StripEqView::AddGraph(const LV2UI_Touch* touch) {
                    layout::kGraphHeight * s);
     graph->SetPosition(0.0f, viewTop - (layout::kGraphTop + 0.5f * layout::kGraphHeight) * s);
     AddChild(graph);
-    for (int i = 0; i < GLView_ParametricEQGrabber::kHandleCount; ++i) {
+    for (int i = 0; i < kStripCount; ++i) {
         auto* handle = new GLView_ParametricEQGrabber(*graph, i);
         handle->SetWriter(connection.GetWriter());
         handle->SetTouch(touch);
-        const std::string text = i < kBandCount    ? std::to_string(i + 1)
-                                 : i == kBandCount ? "A"
-                                                   : "B";
-        handle->SetLabel(text.c_str());
-        handle->SetInfoTitle(((i < kBandCount ? "Band " : "Section ") + text).c_str());
         handle->SetUnit("dB");
         handle->SetSensitivity(kDragSensitivity);
         handle->SetSize(layout::kHandleSize * s, layout::kHandleSize * s);
@@ -98,7 +94,7 @@ void GLView_StripEqView::AddGraph(const LV2UI_Touch* touch) {
 }
 
 void GLView_StripEqView::AddStrips(const LV2UI_Touch* touch) {
-    for (int i = 0; i < kBandCount + kSectionCount; ++i) {
+    for (int i = 0; i < kStripCount; ++i) {
         auto* strip = new GLView_BandDecorator(*graph, i);
         Place(strip, layout::StripLeft(i), 0.5f * (layout::kStripBottom + layout::kStripTop),
               layout::kStripWidth, layout::kStripTop - layout::kStripBottom);
@@ -111,7 +107,7 @@ void GLView_StripEqView::AddTrim(const LV2UI_Touch* touch) {
     Place(new GLView_DecoratorBox, layout::kOutputLeft,
           0.5f * (layout::kStripBottom + layout::kStripTop), layout::kOutputWidth,
           layout::kStripTop - layout::kStripBottom);
-    trim = new GLView_TrimSlider(true, -20.0f, 20.0f);
+    trim = new GLView_TrimSlider(true, -kTrimRangeDb, kTrimRangeDb);
     trim->SetPort(connection.GetWriter(), kTrimPort);
     trim->SetTouch(touch, kTrimPort);
     trim->SetLabel("Output Trim: ");

@@ -66,7 +66,7 @@ class GLView_StripEqView : public GLView_BaseView {
     // Children of this view, observed.
     GLView_PresetButton* flatAll = nullptr;
     GLView_ParametricEQ* graph = nullptr;
-    std::array<GLView*, kBandCount + kSectionCount> strips{};
+    std::array<GLView*, kStripCount> strips{};
     GLView_TrimSlider* trim = nullptr;
     GLView_DB60Meter* inputMeter = nullptr;
     GLView_DB60Meter* outputMeter = nullptr;

@@ -18,7 +18,7 @@ LV2_URID MapNothing(LV2_URID_Map_Handle, const char*) {
 }  // namespace
 
 HostConnection::HostConnection(HostWriter newHost, LV2_URID_Map* map)
-    : host(newHost), uris(MapEditorUris(map)) {
+    : host(newHost), uris(map_urids(map, UridOrder::MessageFirst)) {
     LV2_URID_Map none = {nullptr, MapNothing};
     lv2_atom_forge_init(&forge, map != nullptr ? map : &none);
 }
@@ -44,7 +44,7 @@ void HostConnection::PassOn(LV2UI_Controller connection, uint32_t port, uint32_t
 void HostConnection::Send(LV2_URID request) {
     const Request message(forge, request);
     if (host.function != nullptr) {
-        host.function(host.controller, kControlPort, message.Size(), uris.eventTransfer,
+        host.function(host.controller, kControlPort, message.Size(), uris.atom_event_transfer,
                       message.Atom());
     }
 }
@@ -52,7 +52,7 @@ void HostConnection::Send(LV2_URID request) {
 std::optional<PlotMessage> HostConnection::ReadPlot(uint32_t format, const void* buffer,
                                                     uint32_t size) const {
     // A host without a map has no number for atoms, and its 0 means control values.
-    if (format == 0 || format != uris.eventTransfer) {
+    if (format == 0 || format != uris.atom_event_transfer) {
         return std::nullopt;
     }
     return ReadPlotMessage(uris, buffer, size);

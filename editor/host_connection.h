@@ -29,8 +29,8 @@ class HostConnection {
     HostWriter GetWriter() { return {PassOn, this}; }
 
     /// Ask the engine for analyser rows, and for no more of them.
-    void SendOpened() { Send(uris.enableUi); }
-    void SendClosed() { Send(uris.disableUi); }
+    void SendOpened() { Send(uris.enable_ui); }
+    void SendClosed() { Send(uris.disable_ui); }
 
     /// A port event's analyser row, nothing where it is none.
     std::optional<PlotMessage> ReadPlot(uint32_t format, const void* buffer, uint32_t size) const;
@@ -52,7 +52,7 @@ class HostConnection {
     void Send(LV2_URID request);
 
     HostWriter host;
-    EditorUris uris;
+    EqUris uris;
     LV2_Atom_Forge forge{};
     PendingWrites pending;
 };

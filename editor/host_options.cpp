@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 
 namespace brindle {
 namespace {

@@ -4,10 +4,10 @@
 
 #include <cstring>
 
+#include "contract/brindle.h"
 #include "editor/GLView_StripEqView.h"
 #include "editor/contain.h"
 #include "editor/editor_instance.h"
-#include "lv2/brindle.h"
 
 namespace brindle {
 namespace {

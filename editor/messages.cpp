@@ -28,21 +28,21 @@ bool IsWhole(const LV2_Atom_Object& object) {
 }
 
 /// The value of an Int, nothing where it is none.
-std::optional<int32_t> ReadInt(const EditorUris& uris, const LV2_Atom* value) {
-    if (value == nullptr || value->type != uris.atomInt || value->size < sizeof(int32_t)) {
+std::optional<int32_t> ReadInt(const EqUris& uris, const LV2_Atom* value) {
+    if (value == nullptr || value->type != uris.atom_int || value->size < sizeof(int32_t)) {
         return std::nullopt;
     }
     return reinterpret_cast<const LV2_Atom_Int*>(value)->body;
 }
 
 /// The elements of a row, null where it is none or too short.
-const float* ReadRow(const EditorUris& uris, const LV2_Atom* value) {
+const float* ReadRow(const EqUris& uris, const LV2_Atom* value) {
     constexpr uint32_t kRowSize = sizeof(LV2_Atom_Vector_Body) + kPlotBins * sizeof(float);
-    if (value == nullptr || value->type != uris.atomVector || value->size < kRowSize) {
+    if (value == nullptr || value->type != uris.atom_vector || value->size < kRowSize) {
         return nullptr;
     }
     const auto* vector = reinterpret_cast<const LV2_Atom_Vector*>(value);
-    if (vector->body.child_type != uris.atomFloat || vector->body.child_size != sizeof(float)) {
+    if (vector->body.child_type != uris.atom_float || vector->body.child_size != sizeof(float)) {
         return nullptr;
     }
     return reinterpret_cast<const float*>(vector + 1);
@@ -50,35 +50,13 @@ const float* ReadRow(const EditorUris& uris, const LV2_Atom* value) {
 
 }  // namespace
 
-EditorUris MapEditorUris(LV2_URID_Map* map) {
-    EditorUris uris;
-    if (map == nullptr) {
-        return uris;
-    }
-    const auto id = [map](const char* uri) { return map->map(map->handle, uri); };
-    uris.atomBlank = id(LV2_ATOM__Blank);
-    uris.atomObject = id(LV2_ATOM__Object);
-    uris.atomVector = id(LV2_ATOM__Vector);
-    uris.atomFloat = id(LV2_ATOM__Float);
-    uris.atomInt = id(LV2_ATOM__Int);
-    uris.eventTransfer = id(LV2_ATOM__eventTransfer);
-    uris.message = id(kMessageUri);
-    uris.sampleRate = id(kSampleRateUri);
-    uris.plotId = id(kPlotIdUri);
-    uris.plotArray = id(kPlotArrayUri);
-    uris.enableUi = id(kEnableUiUri);
-    uris.disableUi = id(kDisableUiUri);
-    return uris;
-}
-
-std::optional<PlotMessage> ReadPlotMessage(const EditorUris& uris, const void* buffer,
-                                           uint32_t size) {
+std::optional<PlotMessage> ReadPlotMessage(const EqUris& uris, const void* buffer, uint32_t size) {
     if (buffer == nullptr || size < sizeof(LV2_Atom_Object)) {
         return std::nullopt;
     }
     const auto* object = static_cast<const LV2_Atom_Object*>(buffer);
     const bool isObject =
-        object->atom.type == uris.atomObject || object->atom.type == uris.atomBlank;
+        object->atom.type == uris.atom_object || object->atom.type == uris.atom_blank;
     if (!isObject || object->atom.size > size - sizeof(LV2_Atom) ||
         object->atom.size < sizeof(LV2_Atom_Object_Body) || object->body.otype != uris.message ||
         !IsWhole(*object)) {
@@ -87,7 +65,8 @@ std::optional<PlotMessage> ReadPlotMessage(const EditorUris& uris, const void* b
     const LV2_Atom* rate = nullptr;
     const LV2_Atom* id = nullptr;
     const LV2_Atom* row = nullptr;
-    lv2_atom_object_get(object, uris.sampleRate, &rate, uris.plotId, &id, uris.plotArray, &row, 0);
+    lv2_atom_object_get(object, uris.sample_rate, &rate, uris.plot_id, &id, uris.plot_array, &row,
+                        0);
     const std::optional<int32_t> number = ReadInt(uris, id);
     const float* values = ReadRow(uris, row);
     if (!ReadInt(uris, rate) || !number || *number < 0 || *number >= kPlotRows ||

@@ -9,28 +9,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "lv2/brindle.h"
+#include "contract/urids.h"
 
 namespace brindle {
-
-/// URIDs by which the editor knows atom types and the plugin's own messages.
-struct EditorUris {
-    LV2_URID atomBlank = 0;
-    LV2_URID atomObject = 0;
-    LV2_URID atomVector = 0;
-    LV2_URID atomFloat = 0;
-    LV2_URID atomInt = 0;
-    LV2_URID eventTransfer = 0;
-    LV2_URID enableUi = 0;
-    LV2_URID disableUi = 0;
-    LV2_URID message = 0;
-    LV2_URID sampleRate = 0;
-    LV2_URID plotId = 0;
-    LV2_URID plotArray = 0;
-};
-
-/// The host's URIDs; all 0 without a map.
-EditorUris MapEditorUris(LV2_URID_Map* map);
 
 /// One analyser row as the engine sends it.
 struct PlotMessage {
@@ -41,8 +22,7 @@ struct PlotMessage {
 /// Reads what the host delivers as an atom: `size` bytes at `buffer`, 8-byte aligned as atoms are.
 /// Nothing where it is no whole plot message, or its row is none of the ring's or too short. Never
 /// looks beyond `size`.
-std::optional<PlotMessage> ReadPlotMessage(const EditorUris& uris, const void* buffer,
-                                           uint32_t size);
+std::optional<PlotMessage> ReadPlotMessage(const EqUris& uris, const void* buffer, uint32_t size);
 
 /// A message to the engine that has no properties, as the write function takes it.
 class Request {

@@ -34,9 +34,9 @@ const Limits& limits_of(uint32_t port) {
     return port == kTrimPort ? kGainLimits : kLimits[(port - band_port(0)) % kControlCount];
 }
 
-// Switches and types travel as floats.
-int32_t to_integer(float value) {
-    return static_cast<int32_t>(value + 0.1);
+// Switches travel as floats.
+bool is_on(float value) {
+    return static_cast<int32_t>(value + 0.1) != 0;
 }
 
 // Whether a port holds other bits than when it was last read.
@@ -99,8 +99,8 @@ void read_controls(EqInstance& eq) noexcept {
     for (int s = 0; s < kSectionCount; ++s) {
         const auto i = static_cast<size_t>(s);
         const float* control = &eq.controls[section_port(s)];
-        eq.section_on[i] = to_integer(control[kEnable]) != 0;
-        eq.section_type[i] = to_integer(control[kType]);
+        eq.section_on[i] = is_on(control[kEnable]);
+        eq.section_type[i] = decode_type<SectionType>(control[kType]);
         eq.section_gain[i] = control[kGain];
         eq.section_freq[i] = section_frequency(eq.section_type[i], control[kFrequency]);
         eq.section_q[i] = control[kQ];
@@ -109,8 +109,8 @@ void read_controls(EqInstance& eq) noexcept {
         const auto i = static_cast<size_t>(b);
         const float* control = &eq.controls[band_port(b)];
         FilterStage& stage = eq.bands[i];
-        eq.band_on[i] = to_integer(control[kEnable]) != 0;
-        stage.type = to_integer(control[kType]);
+        eq.band_on[i] = is_on(control[kEnable]);
+        stage.type = decode_type<BandType>(control[kType]);
         stage.damping = band_damping(stage.type);
         set_targets(stage, control[kGain], control[kFrequency], control[kQ]);
     }

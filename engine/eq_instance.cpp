@@ -36,7 +36,7 @@ void set_start_values(EqInstance& eq) {
 
 void init_stages(EqInstance& eq, double rate) {
     const auto start = [rate](FilterStage& stage) {
-        init(stage, 0, 0.0, 1000.0, 1.0, -kBandDamping, 1.0 / rate);
+        init(stage, BandType::Flat, 0.0, 1000.0, 1.0, -kBandDamping, 1.0 / rate);
         design(stage);
     };
     for (SectionStages& section : eq.sections) std::for_each(section.begin(), section.end(), start);
@@ -50,7 +50,7 @@ EqInstance* create_instance(double rate, LV2_URID_Map* map) {
     if (!eq) return nullptr;
     eq->map = map;
     lv2_atom_forge_init(&eq->forge, map);
-    map_uris(eq->uris, map);
+    eq->uris = map_urids(map, UridOrder::RequestsFirst);
     // fmax takes the number where the other is none.
     const double held =
         std::min(std::fmax(rate, 1.0), static_cast<double>(std::numeric_limits<int32_t>::max()));

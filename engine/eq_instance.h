@@ -10,13 +10,14 @@
 #include <array>
 #include <cstdint>
 
+#include "contract/brindle.h"
+#include "contract/types.h"
+#include "contract/urids.h"
 #include "engine/analyser.h"
 #include "engine/cascade.h"
-#include "engine/eq_uris.h"
 #include "engine/filter_stage.h"
 #include "engine/sample_loops.h"
 #include "engine/sections.h"
-#include "lv2/brindle.h"
 
 namespace brindle {
 
@@ -57,7 +58,7 @@ struct EqInstance {
     float in_power, out_power;                   ///< mean squares, one-pole followers
     float power_keep, power_take;                ///< their weights for each sample
     std::array<bool, kSectionCount> section_on;
-    std::array<int32_t, kSectionCount> section_type;
+    std::array<SectionType, kSectionCount> section_type;
     std::array<float, kSectionCount> section_gain;  ///< dB
     std::array<float, kSectionCount> section_freq;  ///< Hz, as section_frequency gives it
     std::array<float, kSectionCount> section_q;

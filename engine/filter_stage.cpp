@@ -5,7 +5,7 @@
 #include <array>
 #include <cstddef>
 
-#include "engine/band_types.h"
+#include "contract/types.h"
 #include "engine/filter_design.h"
 
 namespace brindle {
@@ -14,21 +14,30 @@ namespace {
 using DesignFunction = Coefficients (*)(const Prototype&) noexcept;
 
 // Indexed by BandType.
-constexpr std::array<DesignFunction, kBandTypeCount> kDesigns = {
-    design_flat,     design_low_pass6,    design_high_pass6, design_low_pass12, design_high_pass12,
-    design_lo_shelf, design_hi_shelf,     design_lo_shelf2,  design_hi_shelf2,  design_bell,
-    design_search,   design_sym_lo_shelf, design_notch,
-};
+constexpr auto kDesigns = std::to_array<DesignFunction>({
+    design_flat,
+    design_low_pass6,
+    design_high_pass6,
+    design_low_pass12,
+    design_high_pass12,
+    design_lo_shelf,
+    design_hi_shelf,
+    design_lo_shelf2,
+    design_hi_shelf2,
+    design_bell,
+    design_search,
+    design_sym_lo_shelf,
+    design_notch,
+});
+static_assert(kDesigns.size() == kTypeCount<BandType>);
 
-bool has_fixed_q(int32_t type) {
-    return type == static_cast<int32_t>(BandType::LowPass12) ||
-           type == static_cast<int32_t>(BandType::HighPass12);
+bool has_fixed_q(BandType type) {
+    return type == BandType::LowPass12 || type == BandType::HighPass12;
 }
 
 Coefficients designed(const FilterStage& stage) {
-    const bool known = stage.type >= 0 && static_cast<size_t>(stage.type) < kDesigns.size();
-    const DesignFunction function = known ? kDesigns[static_cast<size_t>(stage.type)] : design_flat;
-    return function({stage.gain, stage.freq, stage.q, stage.damping, stage.dt});
+    return kDesigns[type_index(stage.type)](
+        {stage.gain, stage.freq, stage.q, stage.damping, stage.dt});
 }
 
 // The tiny addend keeps a value that falls toward zero off the denormal numbers.
@@ -38,7 +47,7 @@ void smooth(double& value, double target) {
 
 }  // namespace
 
-void init(FilterStage& stage, int32_t type, double gain, double freq, double q, double damping,
+void init(FilterStage& stage, BandType type, double gain, double freq, double q, double damping,
           double dt) noexcept {
     stage = FilterStage{};
     stage.type = type;

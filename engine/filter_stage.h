@@ -2,7 +2,7 @@
 /// One second-order section: smoothed parameters and coefficients.
 #pragma once
 
-#include <cstdint>
+#include "contract/types.h"
 
 namespace brindle {
 
@@ -21,14 +21,14 @@ inline constexpr double kFixedQ = 0.7071;
 struct FilterStage {
     /// What the coefficients were designed from; zero what does not enter into them.
     struct Origin {
-        int32_t type;
+        BandType type;
         double gain, freq, q, damping;
         bool operator==(const Origin&) const = default;
     };
 
     double gain, freq, q;  ///< current values: dB, Hz, Q
     double gain_target, freq_target, q_target;
-    int32_t type;                ///< as BandType; what is outside its codes passes audio through
+    BandType type;
     double damping;              ///< signed damping of the shelf designs
     double dt;                   ///< 1 / sample rate, seconds
     double freq_low, freq_high;  ///< Hz, what frequency targets are held between
@@ -39,7 +39,7 @@ struct FilterStage {
 
 /// Sets current and target values alike, weights wet 1 and dry 0. `gain` in dB,
 /// `freq` in Hz, `dt` in seconds. Leaves the coefficients to `design`.
-void init(FilterStage& stage, int32_t type, double gain, double freq, double q, double damping,
+void init(FilterStage& stage, BandType type, double gain, double freq, double q, double damping,
           double dt) noexcept;
 
 /// Sets what the stage glides to, `freq` held between kMinFreqShare and kMaxFreqShare of the

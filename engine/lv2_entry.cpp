@@ -7,9 +7,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "contract/brindle.h"
 #include "engine/eq_instance.h"
 #include "engine/run.h"
-#include "lv2/brindle.h"
 
 namespace brindle {
 namespace {

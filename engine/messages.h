@@ -7,8 +7,8 @@
 
 #include <cstdint>
 
+#include "contract/urids.h"
 #include "engine/analyser.h"
-#include "engine/eq_uris.h"
 
 namespace brindle {
 

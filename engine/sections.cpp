@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "engine/band_types.h"
+#include "contract/types.h"
 
 namespace brindle {
 namespace {
@@ -33,7 +33,7 @@ struct SectionPlan {
 
 // Indexed by SectionType. 0.3333 is meant: three stages reach 0.9999 of the gain.
 // clang-format off
-constexpr std::array<SectionPlan, kSectionTypeCount> kSectionPlans = {{
+constexpr auto kSectionPlans = std::to_array<SectionPlan>({
     // count stage                 gain    factor  cap [Hz]  sign  damping
     {0, BandType::Flat,       1.0,    1.0,   kNoCap,  -1.0, kPoles2},
     {1, BandType::HighPass12, 1.0,    1.0,   kNoCap,  -1.0, kPoles2},
@@ -53,12 +53,12 @@ constexpr std::array<SectionPlan, kSectionTypeCount> kSectionPlans = {{
     {3, BandType::LoShelf,    0.3333, 1.0,   kNoCap,  +1.0, kPoles6},
     {4, BandType::LoShelf,    0.25,   1.0,   kNoCap,  +1.0, kPoles8},
     {4, BandType::Notch,      1.0,    1.0,   kNoCap,  +1.0, kPoles2},
-}};
+});
 // clang-format on
+static_assert(kSectionPlans.size() == kTypeCount<SectionType>);
 
-const SectionPlan& plan_of(int32_t type) {
-    const bool known = type >= 0 && static_cast<size_t>(type) < kSectionPlans.size();
-    return kSectionPlans[known ? static_cast<size_t>(type) : 0];
+const SectionPlan& plan_of(SectionType type) {
+    return kSectionPlans[type_index(type)];
 }
 
 // Spreads the four notches of a wide notch about its frequency, the wider the lower its Q.
@@ -75,17 +75,18 @@ std::array<double, kSectionStages> notch_frequencies(float freq, float section_q
 
 }  // namespace
 
-double band_damping(int32_t type) noexcept {
-    return type <= static_cast<int32_t>(BandType::HighPass12) ? -kBandDamping : kBandDamping;
+double band_damping(BandType type) noexcept {
+    return type <= BandType::HighPass12 ? -kBandDamping : kBandDamping;
 }
 
-float section_frequency(int32_t type, float freq_hz) noexcept {
+float section_frequency(SectionType type, float freq_hz) noexcept {
     const SectionPlan& plan = plan_of(type);
     return static_cast<float>(
         std::min(static_cast<double>(freq_hz) * plan.freq_factor, plan.freq_cap));
 }
 
-void apply_section(SectionStages& section, int32_t type, float gain, float freq, float q) noexcept {
+void apply_section(SectionStages& section, SectionType type, float gain, float freq,
+                   float q) noexcept {
     const SectionPlan& plan = plan_of(type);
     std::array<double, kSectionStages> frequencies{};
     frequencies.fill(freq);
@@ -93,7 +94,7 @@ void apply_section(SectionStages& section, int32_t type, float gain, float freq,
 
     for (size_t i = 0; i < kSectionStages; ++i) {
         FilterStage& stage = section[i];
-        stage.type = static_cast<int32_t>(i < plan.count ? plan.stage : BandType::Flat);
+        stage.type = i < plan.count ? plan.stage : BandType::Flat;
         stage.damping = plan.damping_sign * plan.damping[i];
         set_targets(stage, gain * plan.gain_share, frequencies[i], q);
     }

@@ -18,16 +18,16 @@ using SectionStages = std::array<FilterStage, kSectionStages>;
 inline constexpr double kBandDamping = 1.41213562;
 
 /// Damping value of a band of the given type.
-double band_damping(int32_t type) noexcept;
+double band_damping(BandType type) noexcept;
 
-/// The frequency sent to the stages of a section of `type` (any value) whose control stands at
+/// The frequency sent to the stages of a section of `type` whose control stands at
 /// `freq_hz`: steep passes are moved so that the whole cascade's corner stands where it was asked
 /// for, low-passes at most to 20 kHz. Real-time safe.
-float section_frequency(int32_t type, float freq_hz) noexcept;
+float section_frequency(SectionType type, float freq_hz) noexcept;
 
-/// Sets type, damping and targets of the four stages for a section of `type`, as SectionType; what
-/// is outside its codes is Flat. `gain` in dB, `freq` in Hz as section_frequency gives it.
-/// Coefficients are left to `design`. Real-time safe.
-void apply_section(SectionStages& section, int32_t type, float gain, float freq, float q) noexcept;
+/// Sets type, damping and targets of the four stages for a section of `type`. `gain` in dB, `freq`
+/// in Hz as section_frequency gives it. Coefficients are left to `design`. Real-time safe.
+void apply_section(SectionStages& section, SectionType type, float gain, float freq,
+                   float q) noexcept;
 
 }  // namespace brindle

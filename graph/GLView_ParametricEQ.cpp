@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "contract/ports.h"
 #include "gl/drawing.h"
-#include "graph/type_curves.h"
+#include "graph/curves/type_curves.h"
 
 namespace brindle {
 namespace {
@@ -48,14 +49,9 @@ void GLView_ParametricEQ::MarkAllDirty(bool dirty) {
 
 void GLView_ParametricEQ::UpdateCurves() {
     if (!filtersDirty && std::ranges::count(bandDirty, true) == 0) return;
-    for (int band = 0; band < kBandCount; ++band) {
-        const auto k = static_cast<size_t>(band);
-        if (bandDirty[k]) UpdateCurve(bands_[k], band_port(band), AddBandCurve);
-    }
-    if (filtersDirty) {
-        for (int section = 0; section < kSectionCount; ++section) {
-            UpdateCurve(sections_[static_cast<size_t>(section)], section_port(section),
-                        AddSectionCurve);
+    for (int strip = 0; strip < kStripCount; ++strip) {
+        if (is_band(strip) ? bandDirty[static_cast<size_t>(strip)] : filtersDirty) {
+            UpdateCurve(strip);
         }
     }
     SumCurves();
@@ -63,20 +59,30 @@ void GLView_ParametricEQ::UpdateCurves() {
     plotted_ = true;
 }
 
-void GLView_ParametricEQ::UpdateCurve(Curve& curve, uint32_t firstPort, AddCurve add) {
+void GLView_ParametricEQ::UpdateCurve(int strip) {
+    Curve& curve = curves_[static_cast<size_t>(strip)];
+    const uint32_t port = strip_port(strip);
     ClearCurve(grid, curve);
-    if (GetParameter(firstPort + kEnable) == 0.0f) return;
-    add(grid, curve, GetParameter(firstPort + kType),
-        {GetParameter(firstPort + kGain), GetParameter(firstPort + kFrequency),
-         GetParameter(firstPort + kQ)});
+    if (GetParameter(port + kEnable) == 0.0f) return;
+    const float type = GetParameter(port + kType);
+    const CurveSettings settings = {GetParameter(port + kGain), GetParameter(port + kFrequency),
+                                    GetParameter(port + kQ)};
+    if (is_band(strip)) {
+        AddBandCurve(grid, curve, decode_type<BandType>(type), settings);
+    } else {
+        AddSectionCurve(grid, curve, decode_type<SectionType>(type), settings);
+    }
 }
 
 void GLView_ParametricEQ::SumCurves() {
-    for (size_t i = 0; i < kPoints; ++i) total_[i] = sections_[0][i] + sections_[1][i];
-    for (const Curve& band : bands_) {
+    // The sections first: the sum's rounding depends on the order.
+    const Curve& a = curves_[kBandCount];
+    const Curve& b = curves_[kBandCount + 1];
+    for (size_t i = 0; i < kPoints; ++i) total_[i] = a[i] + b[i];
+    for (const Curve& band : std::span(curves_).first(kBandCount)) {
         for (size_t i = 0; i < kPoints; ++i) total_[i] += band[i];
     }
-    for (size_t i = 0; i < kPoints; ++i) total_[i] = total_[i] * hh / kGraphRangeDb;
+    for (size_t i = 0; i < kPoints; ++i) total_[i] = total_[i] * hh / kGainRangeDb;
 }
 
 bool GLView_ParametricEQ::HitTest(GLPoint point) {

@@ -5,16 +5,14 @@
 #include <cstdint>
 #include <span>
 
+#include "contract/brindle.h"
 #include "gl/GLView.h"
-#include "graph/frequency_grid.h"
+#include "graph/curves/frequency_grid.h"
 #include "graph/graph_drawing.h"
 #include "graph/restored_values.h"
 #include "graph/spectrum_history.h"
-#include "lv2/brindle.h"
 
 namespace brindle {
-
-struct CurveSettings;
 
 /// The graph of the whole equaliser's response from 20 Hz to 20 kHz and -18 to 18 dB, with a
 /// keyboard and the analyser's history beneath. Its children are the handles of bands and sections,
@@ -59,12 +57,10 @@ class GLView_ParametricEQ : public GLView {
     RestoredValues restored;
 
   private:
-    using AddCurve = void (*)(const FrequencyGrid&, Curve&, float, const CurveSettings&);
-    void UpdateCurve(Curve& curve, uint32_t firstPort, AddCurve add);
+    void UpdateCurve(int strip);
     void SumCurves();
 
-    std::array<Curve, kBandCount> bands_{};
-    std::array<Curve, kSectionCount> sections_{};
+    std::array<Curve, kStripCount> curves_{};
     Curve total_{};
     bool plotted_ = false;
 };

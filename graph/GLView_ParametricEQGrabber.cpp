@@ -6,19 +6,15 @@
 #include <cmath>
 #include <cstdio>
 
-#include "engine/band_types.h"
+#include "contract/ports.h"
 #include "gl/GLAnimator.h"
 #include "gl/drawing.h"
 #include "graph/scales.h"
-#include "lv2/ports.h"
 
 namespace brindle {
 namespace {
 
 constexpr uint32_t kFineModifiers = 3;  // Shift, Ctrl
-constexpr float kHighestBandHz = 20000.0f;
-constexpr float kHighestSectionHz = 15000.0f;
-constexpr float kLowestHz = 20.0f;
 constexpr float kSearchGainDb = 10.0f;
 /// How far beside a handle it is still hit, in page units.
 constexpr float kReach = 0.01f;
@@ -33,23 +29,10 @@ constexpr std::array<uint32_t, GLView_ParametricEQGrabber::kHandleCount> kEnable
     section_port(0), section_port(1), band_port(0), band_port(1), band_port(2),
     band_port(3),    band_port(4),    band_port(5), band_port(6), band_port(7)};
 
-uint32_t FirstPort(int handle) {
-    return handle < kBandCount ? band_port(handle) : section_port(handle - kBandCount);
-}
-
-/// A band's type port's value as a code; flat, as it sounds, where no type has it.
-int32_t TypeCode(float value) {
-    const float code = value + 0.1f;
-    const bool isKnown = code > 0.0f && code < static_cast<float>(kBandTypeCount);
-    return isKnown ? static_cast<int32_t>(code) : static_cast<int32_t>(BandType::Flat);
-}
-
 /// What a band becomes while it is searched: types with a centre show it best as a band-pass.
-BandType SearchedAs(int32_t code) {
-    const auto type = static_cast<BandType>(code);
-    const bool hasCentre =
-        type == BandType::Bell || type == BandType::Search || type == BandType::Notch;
-    return hasCentre ? BandType::Search : type;
+float SearchedAs(float code) {
+    const auto type = decode_type<BandType>(code);
+    return kBandTypes[type_index(type)].has_centre ? type_value(BandType::Search) : code;
 }
 
 /// A value in 0 to 1, or which end it is beyond. What is not a number counts as below.
@@ -69,16 +52,11 @@ GLView_ParametricEQGrabber::GLView_ParametricEQGrabber(GLView_ParametricEQ& pare
                                                        int handleIndex)
     : GLView_Slider(false, -18.0f, 18.0f),
       index(std::clamp(handleIndex, 0, kHandleCount - 1)),
-      firstPort(FirstPort(index)),
+      firstPort(strip_port(index)),
       graph_(parentGraph) {
     port = firstPort + kFrequency;
-    char title[sizeof infoTitle];
-    if (IsBand()) {
-        std::snprintf(title, sizeof title, "Band %d", index + 1);
-    } else {
-        std::snprintf(title, sizeof title, "Section %c", index == kBandCount ? 'A' : 'B');
-    }
-    GLView_Slider::SetInfoTitle(title);
+    GLView_Slider::SetLabel(strip_row(index).label);
+    GLView_Slider::SetInfoTitle(strip_row(index).name);
     GLView_Slider::SetInfoText("drag: frequency and gain, wheel: Q, hold the marker: solo");
 }
 
@@ -203,13 +181,13 @@ void GLView_ParametricEQGrabber::Scroll(float delta) {
 }
 
 void GLView_ParametricEQGrabber::BeginSearch() {
-    const float type = KnownValue(firstPort + kType);
-    searchType_ = TypeCode(type);
+    // The code as a host reads it, also where no type has it.
+    foundType_ = std::trunc(KnownValue(firstPort + kType) + 0.1f);
     // Hosts may report anything, but are not told to set it.
     const ControlRow& gain = kBandControls[kGain];
     searchGainDb_ = std::clamp(KnownValue(firstPort + kGain), gain.minimum, gain.maximum);
     if (IsBand()) {
-        writer.Write(firstPort + kType, static_cast<float>(SearchedAs(searchType_)));
+        writer.Write(firstPort + kType, SearchedAs(*foundType_));
         writer.Write(firstPort + kGain, kSearchGainDb);
     }
     for (size_t i = 0; i < kEnablePorts.size(); ++i) {
@@ -223,14 +201,14 @@ void GLView_ParametricEQGrabber::EndSearch() {
     if (!IsSearching()) return;
     graph_.restored.Begin(GetEventTime());
     if (IsBand()) {
-        Restore(firstPort + kType, static_cast<float>(searchType_));
+        Restore(firstPort + kType, *foundType_);
         Restore(firstPort + kGain, searchGainDb_);
     }
     for (size_t i = 0; i < kEnablePorts.size(); ++i) {
         if (kEnablePorts[i] == firstPort + kEnable) continue;
         Restore(kEnablePorts[i], searchEnables_[i] ? 1.0f : 0.0f);
     }
-    searchType_ = kNoSearch;
+    foundType_.reset();
 }
 
 void GLView_ParametricEQGrabber::Restore(uint32_t controlPort, float value) {

@@ -3,10 +3,11 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
+#include "contract/brindle.h"
 #include "gl/GLView_Slider.h"
 #include "graph/GLView_ParametricEQ.h"
-#include "lv2/brindle.h"
 
 namespace brindle {
 
@@ -20,7 +21,7 @@ namespace brindle {
 /// it.
 class GLView_ParametricEQGrabber : public GLView_Slider {
   public:
-    static constexpr int kHandleCount = kBandCount + kSectionCount;
+    static constexpr int kHandleCount = kStripCount;
 
     /// `handleIndex`: 0 to 7 for the bands, 8 and 9 for sections A and B. The graph, which this
     /// observes, is to be its parent.
@@ -47,14 +48,12 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
 
     /// Where the handle is, in the graph's coordinates.
     GLPoint Place();
-    bool IsSearching() const { return searchType_ != kNoSearch; }
+    bool IsSearching() const { return foundType_.has_value(); }
 
     const int32_t index;
     const uint32_t firstPort;
 
   private:
-    static constexpr int32_t kNoSearch = -1;
-
     bool IsBand() const { return index < kBandCount; }
     bool IsOn();
     GLColor BandColor() const;
@@ -75,7 +74,7 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     /// What this drag wrote last. Reports of the host come too late to go on from.
     float draggedHz_ = 0.0f;
     float draggedDb_ = 0.0f;
-    int32_t searchType_ = kNoSearch;  ///< the type before the search
+    std::optional<float> foundType_;  ///< the type's code before a search, none outside of it
     float searchGainDb_ = 0.0f;       ///< the gain before it
     std::array<bool, kHandleCount> searchEnables_{};
 };

@@ -8,9 +8,8 @@ namespace brindle {
 /// Shows and chooses the type of a band.
 class GLView_ParametricEQSelector : public GLView_TypeSelector {
   public:
-    /// `typePort`: the band's type port.
-    explicit GLView_ParametricEQSelector(uint32_t typePort)
-        : GLView_TypeSelector(kBandTypeLabels, typePort) {}
+    /// `band`: 0 to 7.
+    explicit GLView_ParametricEQSelector(int band) : GLView_TypeSelector(band) {}
 };
 
 }  // namespace brindle

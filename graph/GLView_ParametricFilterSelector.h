@@ -8,9 +8,9 @@ namespace brindle {
 /// Shows and chooses the type of a section.
 class GLView_ParametricFilterSelector : public GLView_TypeSelector {
   public:
-    /// `typePort`: the section's type port.
-    explicit GLView_ParametricFilterSelector(uint32_t typePort)
-        : GLView_TypeSelector(kSectionTypeLabels, typePort) {}
+    /// `section`: 0 (A) or 1 (B).
+    explicit GLView_ParametricFilterSelector(int section)
+        : GLView_TypeSelector(kBandCount + section) {}
 };
 
 }  // namespace brindle

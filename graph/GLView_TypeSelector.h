@@ -2,9 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
-#include "engine/band_types.h"
+#include "contract/ports.h"
 #include "gl/GLView_MenuSelector.h"
 
 namespace brindle {
@@ -15,15 +14,15 @@ class GLView_TypeSelector : public GLView_MenuSelector {
   public:
     void Draw() override;
 
-    /// The label for the port's present value: codes are its integer part after adding 0.01, held
-    /// inside the table.
+    /// The label of the type that the port holds.
     const char* ShortLabel();
 
-    const std::span<const TypeLabel> labels;
+    const int strip;
     const uint32_t port;
 
   protected:
-    GLView_TypeSelector(std::span<const TypeLabel> typeLabels, uint32_t typePort);
+    explicit GLView_TypeSelector(int stripIndex)
+        : strip(stripIndex), port(strip_port(stripIndex) + kType) {}
 };
 
 }  // namespace brindle

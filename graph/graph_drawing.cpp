@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <numbers>
 
+#include "contract/ports.h"
 #include "gl/drawing.h"
 #include "gl/gl.h"
 #include "graph/scales.h"
@@ -245,7 +246,7 @@ void DrawLevelLines(const GraphLook& look) {
     look.foreground.ApplyFaded(0.4f);
     const PlainPrimitives quads(GL_QUADS);
     for (const Level& level : kLevels) {
-        const float y = level.db * look.hh / kGraphRangeDb;
+        const float y = level.db * look.hh / kGainRangeDb;
         EmitRect(-look.hw, y - 2.0f * look.m, look.hw, y);
     }
 }
@@ -255,7 +256,7 @@ void DrawLevelLabels(const GLResources* resources, const GraphLook& look) {
     const float gap = 6.0f * look.m;
     const auto draw = [&](const Level& level, float x, int alignment) {
         const MatrixScope matrix;
-        glTranslatef(x, level.db * look.hh / kGraphRangeDb, 0.0f);
+        glTranslatef(x, level.db * look.hh / kGainRangeDb, 0.0f);
         glScalef(glyph, glyph, 1.0f);
         DrawText(resources, level.label, alignment);
     };

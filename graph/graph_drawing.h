@@ -22,9 +22,6 @@ struct GraphLook {
     GLColor background;
 };
 
-/// Levels from the middle to the upper edge of the graph.
-inline constexpr float kGraphRangeDb = 18.0f;
-
 /// The pitch reference under the graph: the black key at position u = 0 to 119 stands where the
 /// axis has the note u semitones above D#0 (19.45 Hz); white keys fill the same width evenly.
 void DrawKeyboard(const GraphLook& look);

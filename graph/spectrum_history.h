@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 
 namespace brindle {
 

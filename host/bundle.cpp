@@ -9,9 +9,9 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "contract/brindle.h"
 #include "host/port_values.h"
 #include "host/user_error.h"
-#include "lv2/brindle.h"
 
 namespace brindle {
 namespace {

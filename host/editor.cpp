@@ -13,8 +13,8 @@
 #include <memory>
 #include <string>
 
+#include "contract/brindle.h"
 #include "host/user_error.h"
-#include "lv2/brindle.h"
 
 namespace brindle {
 namespace {

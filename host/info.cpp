@@ -5,8 +5,8 @@
 #include <map>
 #include <string>
 
+#include "contract/brindle.h"
 #include "host/settings.h"
-#include "lv2/brindle.h"
 
 namespace brindle {
 namespace {

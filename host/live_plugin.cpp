@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 
 namespace brindle {
 

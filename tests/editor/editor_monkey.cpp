@@ -12,8 +12,8 @@
 #include <memory>
 #include <set>
 
+#include "contract/ports.h"
 #include "editor/panel_layout.h"
-#include "lv2/ports.h"
 #include "tests/support/hard_treatment.h"
 #include "tests/support/ui_host.h"
 

@@ -44,7 +44,7 @@ class Messages : public testing::Test {
             lv2_atom_forge_int(&forge, value);
             // The type of what was just written lies before its padded 4 bytes.
             *reinterpret_cast<uint32_t*>(buffer + forge.offset - 12) =
-                type != 0 ? type : uris.atomInt;
+                type != 0 ? type : uris.atom_int;
         };
         LV2_Atom_Forge_Frame frame;
         lv2_atom_forge_object(&forge, &frame, 1,
@@ -60,7 +60,7 @@ class Messages : public testing::Test {
             }
             lv2_atom_forge_key(&forge, map(kPlotArrayUri));
             lv2_atom_forge_vector(&forge, sizeof(float),
-                                  plot.childType != 0 ? plot.childType : uris.atomFloat, plot.bins,
+                                  plot.childType != 0 ? plot.childType : uris.atom_float, plot.bins,
                                   row.data());
         }
         lv2_atom_forge_pop(&forge, &frame);
@@ -77,12 +77,12 @@ class Messages : public testing::Test {
     }
 
     UridMap map;
-    EditorUris uris = MapEditorUris(map.get());
+    EqUris uris = map_urids(map.get(), UridOrder::MessageFirst);
     uint32_t size = 0;
 };
 
 TEST_F(Messages, ReadRowsOfBothObjectTypes) {
-    for (const LV2_URID type : {uris.atomObject, uris.atomBlank}) {
+    for (const LV2_URID type : {uris.atom_object, uris.atom_blank}) {
         const auto bytes = Build({.id = 127, .type = type});
         const auto plot = ReadPlotMessage(uris, bytes.data(), size);
         ASSERT_TRUE(plot);
@@ -101,9 +101,9 @@ TEST_F(Messages, IgnoreAllThatIsNotAPlot) {
         {.bins = 0},
         {.type = map(LV2_ATOM__Tuple)},
         {.objectType = map(kEnableUiUri)},
-        {.rateType = uris.atomFloat},
-        {.idType = uris.atomFloat},
-        {.childType = uris.atomInt},
+        {.rateType = uris.atom_float},
+        {.idType = uris.atom_float},
+        {.childType = uris.atom_int},
         {.withRate = false},
         {.withRow = false},
     };

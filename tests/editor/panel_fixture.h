@@ -8,17 +8,16 @@
 #include <cmath>
 #include <functional>
 
+#include "contract/ports.h"
 #include "editor/GLView_StripEqView.h"
 #include "editor/editor_instance.h"
 #include "graph/GLView_ParametricEQ.h"
-#include "lv2/ports.h"
 #include "tests/support/ui_host.h"
 
 LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index);
 
 namespace brindle {
 
-inline constexpr int kStrips = kBandCount + kSectionCount;
 inline constexpr double kRate = 48000.0;
 inline constexpr double kLn1000 = 6.9077554;
 /// A place on the panel in interface points from its lower left corner.
@@ -27,22 +26,15 @@ struct Spot {
     float y;
 };
 
-inline uint32_t FirstPort(int strip) {
-    return strip < kBandCount ? band_port(strip) : section_port(strip - kBandCount);
-}
-
 /// A host that passes the editor's writes on to the engine and, unless it is a silent one, reports
 /// them back.
 struct Panel : testing::Test {
     void SetUp() override {
         ASSERT_TRUE(host.Open());
         host.IdleTimes(2);
-        for (int strip = 0; strip < kStrips; ++strip) {
-            const auto& plan = strip < kBandCount
-                                   ? kBandStrips[static_cast<size_t>(strip)]
-                                   : kSectionStrips[static_cast<size_t>(strip - kBandCount)];
+        for (int strip = 0; strip < kStripCount; ++strip) {
             for (uint32_t i = 0; i < kControlCount; ++i)
-                Report(FirstPort(strip) + i, plan.defaults[i]);
+                Report(strip_port(strip) + i, strip_row(strip).defaults[i]);
         }
         Report(kTrimPort, 0.0f);
         Tick();

@@ -116,8 +116,8 @@ TEST_F(PanelLayout, TextsAreNarrowerThanWhatTheyStandOn) {
             expect_room(button->label[0] != '\0' ? button->label : button->name, button->labelSize,
                         width - 4.0f * s);
         } else if (auto* selector = dynamic_cast<GLView_TypeSelector*>(view)) {
-            for (const TypeLabel& label : selector->labels) {
-                expect_room(label.short_name, selector->labelSize, width - 10.0f * s);
+            for (const TypeRow& type : strip_types(selector->strip)) {
+                expect_room(type.short_name, selector->labelSize, width - 10.0f * s);
             }
             for (GLView* entry = selector->menu.firstChild; entry != nullptr;
                  entry = entry->nextSibling) {

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "editor/preset_table.h"
+#include "contract/presets.h"
 #include "gl/settings.h"
 #include "tests/editor/panel_fixture.h"
 
@@ -79,9 +79,9 @@ TEST_F(Panel, FlatAllSwitchesEverythingOff) {
 }
 
 TEST_F(Panel, EachKeySwitchesItsStrip) {
-    for (int strip = 0; strip < kStrips; ++strip) {
+    for (int strip = 0; strip < kStripCount; ++strip) {
         SCOPED_TRACE(strip);
-        const uint32_t port = FirstPort(strip);
+        const uint32_t port = strip_port(strip);
         const bool on = plugin.port(port) != 0.0f;
         for (const float wanted : {on ? 0.0f : 1.0f, on ? 1.0f : 0.0f}) {
             const auto writes = Click(KeyOf(strip));
@@ -97,7 +97,7 @@ TEST_F(Panel, EachMenuOffersItsShapesInOrderInsideThePanel) {
     const std::vector<float> band = {1, 2, 3, 4, 5, 6, 9, 12};
     const std::vector<float> sections[] = {{17, 1, 2, 3, 4, 13, 14, 15, 16},
                                            {17, 5, 6, 7, 8, 9, 10, 11, 12}};
-    for (int strip = 0; strip < kStrips; ++strip) {
+    for (int strip = 0; strip < kStripCount; ++strip) {
         const auto& shapes = strip < kBandCount ? band : sections[strip - kBandCount];
         for (size_t entry = 0; entry < shapes.size(); ++entry) {
             SCOPED_TRACE(testing::Message() << strip << ", entry " << entry);
@@ -112,7 +112,7 @@ TEST_F(Panel, EachMenuOffersItsShapesInOrderInsideThePanel) {
             });
             ASSERT_EQ(writes.size(), 2u);  // with the press and the release
             for (const auto& write : writes) {
-                EXPECT_EQ(write.port, FirstPort(strip) + kType);
+                EXPECT_EQ(write.port, strip_port(strip) + kType);
                 EXPECT_EQ(write.AsFloat(), shapes[entry]);
             }
         }
@@ -121,8 +121,8 @@ TEST_F(Panel, EachMenuOffersItsShapesInOrderInsideThePanel) {
 
 TEST_F(Panel, EachKnobMovesItsControlByItsMeasure) {
     constexpr int kUp = 40;  // pixels
-    for (int strip = 0; strip < kStrips; ++strip) {
-        Report(FirstPort(strip) + kEnable, 1.0f);
+    for (int strip = 0; strip < kStripCount; ++strip) {
+        Report(strip_port(strip) + kEnable, 1.0f);
         const double octaves = strip < kBandCount ? kLn1000 : kLn750;
         struct Row {
             float above;
@@ -135,7 +135,7 @@ TEST_F(Panel, EachKnobMovesItsControlByItsMeasure) {
               Row{0.0f, kQ, 1.0f, std::exp(kLn1000 * 0.003 * kUp)},
               Row{-40.0f, kFrequency, 500.0f, 500.0 * std::exp(octaves * 0.0005 * kUp)}}) {
             SCOPED_TRACE(testing::Message() << strip << ", control " << row.control);
-            const uint32_t port = FirstPort(strip) + row.control;
+            const uint32_t port = strip_port(strip) + row.control;
             Report(port, row.value);
             const auto writes = Drag(InStrip(strip, row.above), 0, kUp);
             ASSERT_FALSE(writes.empty());
@@ -179,13 +179,13 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
         return parts;
     };
     auto before = shown();
-    for (int strip = 0; strip < kStrips; strip += 3) {
-        const bool wasOn = plugin.port(FirstPort(strip)) != 0.0f;
+    for (int strip = 0; strip < kStripCount; strip += 3) {
+        const bool wasOn = plugin.port(strip_port(strip)) != 0.0f;
         const float values[] = {wasOn ? 0.0f : 1.0f, 4.0f, 9.0f, 3000.0f, 4.0f};
         for (uint32_t control = 0; control < kControlCount; ++control) {
             SCOPED_TRACE(testing::Message() << strip << ", control " << control);
-            Report(FirstPort(strip) + kEnable, 1.0f);
-            Report(FirstPort(strip) + control, values[control]);
+            Report(strip_port(strip) + kEnable, 1.0f);
+            Report(strip_port(strip) + control, values[control]);
             const auto parts = shown_in_parts();
             EXPECT_TRUE(parts != before);
             before = parts;

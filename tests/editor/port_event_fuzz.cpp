@@ -18,19 +18,19 @@ using namespace brindle;
 
 std::vector<uint8_t> ValidMessage(LV2_URID_Map* map) {
     alignas(8) uint8_t buffer[2048] = {};
-    const EditorUris uris = MapEditorUris(map);
+    const EqUris uris = map_urids(map, UridOrder::MessageFirst);
     LV2_Atom_Forge forge;
     lv2_atom_forge_init(&forge, map);
     lv2_atom_forge_set_buffer(&forge, buffer, sizeof buffer);
     LV2_Atom_Forge_Frame frame;
     lv2_atom_forge_object(&forge, &frame, 1, uris.message);
-    lv2_atom_forge_key(&forge, uris.sampleRate);
+    lv2_atom_forge_key(&forge, uris.sample_rate);
     lv2_atom_forge_int(&forge, 48000);
-    lv2_atom_forge_key(&forge, uris.plotId);
+    lv2_atom_forge_key(&forge, uris.plot_id);
     lv2_atom_forge_int(&forge, 7);
     const float row[kPlotBins] = {};
-    lv2_atom_forge_key(&forge, uris.plotArray);
-    lv2_atom_forge_vector(&forge, sizeof(float), uris.atomFloat, kPlotBins, row);
+    lv2_atom_forge_key(&forge, uris.plot_array);
+    lv2_atom_forge_vector(&forge, sizeof(float), uris.atom_float, kPlotBins, row);
     lv2_atom_forge_pop(&forge, &frame);
     return {buffer, buffer + forge.offset};
 }

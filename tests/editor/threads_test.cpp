@@ -10,10 +10,10 @@
 #include <memory>
 #include <thread>
 
+#include "contract/brindle.h"
 #include "host/editor.h"
 #include "host/live_plugin.h"
 #include "host/top_window.h"
-#include "lv2/brindle.h"
 #include "tests/support/hard_treatment.h"
 #include "tests/support/host_window.h"
 #include "tests/support/plugin_host.h"

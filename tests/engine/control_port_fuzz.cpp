@@ -9,7 +9,7 @@
 #include <cstring>
 #include <memory>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 #include "tests/support/urid_map.h"
 
 namespace {

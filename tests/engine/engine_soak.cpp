@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/band_types.h"
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
+#include "contract/ports.h"
 #include "tests/support/call_guard.h"
 #include "tests/support/hard_treatment.h"
 #include "tests/support/plugin_host.h"
@@ -143,24 +143,16 @@ class Life {
     double set_sane_controls() {
         for (uint32_t port = 2; port <= kTrimPort; ++port) host_.port(port) = likely(port);
         double gain_db = host_.port(kTrimPort);
-        const auto add = [&](uint32_t first, size_t types, bool (*boosts)(int type)) {
-            const int type = static_cast<int>(random_.below(static_cast<uint32_t>(types)));
+        for (int strip = 0; strip < kStripCount; ++strip) {
+            const uint32_t first = strip_port(strip);
+            const auto types = static_cast<uint32_t>(strip_types(strip).size());
+            const auto type = static_cast<float>(random_.below(types));
             const bool on = random_.one_in(2);
             host_.port(first + kEnable) = on ? 1.0f : 0.0f;
-            host_.port(first + kType) = static_cast<float>(type);
-            if (on && boosts(type)) gain_db += std::max(0.0f, host_.port(first + kGain));
-        };
-        for (int band = 0; band < kBandCount; ++band) {
-            add(band_port(band), kBandTypeCount, [](int type) {
-                return type >= static_cast<int>(BandType::LoShelf) &&
-                       type <= static_cast<int>(BandType::SymLoShelf);
-            });
-        }
-        for (int section = 0; section < kSectionCount; ++section) {
-            add(section_port(section), kSectionTypeCount, [](int type) {
-                return type >= static_cast<int>(SectionType::HiShelf12) &&
-                       type <= static_cast<int>(SectionType::LoShelf48);
-            });
+            host_.port(first + kType) = type;
+            if (on && strip_type(strip, type).heeds_gain) {
+                gain_db += std::max(0.0f, host_.port(first + kGain));
+            }
         }
         return std::pow(10.0, gain_db / 20.0);
     }

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 #include "tests/engine/reference_analyser.h"
 #include "tests/support/plugin_host.h"
 

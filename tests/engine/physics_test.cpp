@@ -10,8 +10,8 @@
 #include <numbers>
 #include <vector>
 
-#include "engine/band_types.h"
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
+#include "contract/types.h"
 #include "tests/support/plugin_host.h"
 
 namespace brindle::test {
@@ -78,7 +78,7 @@ TEST(Physics, PassBandsHaveTheirCornersAndSlopes) {
                  {BandType::LowPass12, -12},
                  {BandType::HighPass12, 12}};
     for (const auto& row : kRows) {
-        SCOPED_TRACE(kBandTypeLabels[static_cast<size_t>(row.type)].name);
+        SCOPED_TRACE(kBandTypes[type_index(row.type)].name);
         const double corner = 640.0;  // far below Nyquist: the prototype itself
         const Measured gain = measure_band(row.type, 0.0, corner, 1.0);
         EXPECT_NEAR(gain(corner), -3.01, 0.02);
@@ -98,7 +98,7 @@ TEST(Physics, SteepSectionsHaveTheirCornersAndSlopes) {
         for (bool high_pass : {true, false}) {
             const auto first = high_pass ? SectionType::HighPass12 : SectionType::LowPass12;
             const auto type = static_cast<SectionType>(static_cast<int>(first) + stages - 1);
-            SCOPED_TRACE(kSectionTypeLabels[static_cast<size_t>(type)].name);
+            SCOPED_TRACE(kSectionTypes[type_index(type)].name);
             const double corner = 640.0;
             const Measured gain = measure_section(high_pass ? 0 : 1, type, 0.0, corner);
             EXPECT_LE(gain(corner), -2.95);
@@ -177,7 +177,7 @@ TEST(Physics, ShelvesReachTheirPlateaus) {
     for (const auto& row : kRows) {
         for (double gain : {-18.0, -3.0, 9.0, 18.0}) {
             SCOPED_TRACE(testing::Message()
-                         << kBandTypeLabels[static_cast<size_t>(row.type)].name << " " << gain);
+                         << kBandTypes[type_index(row.type)].name << " " << gain);
             const Measured measured = measure_band(row.type, gain, row.hz, 1.0);
             EXPECT_NEAR(measured(row.low ? 20.0 : 23900.0), gain, 0.05);
             EXPECT_NEAR(measured(row.low ? 23900.0 : 20.0), 0.0, 0.05);
@@ -185,7 +185,7 @@ TEST(Physics, ShelvesReachTheirPlateaus) {
     }
     for (int type = static_cast<int>(SectionType::HiShelf12);
          type <= static_cast<int>(SectionType::LoShelf48); ++type) {
-        SCOPED_TRACE(kSectionTypeLabels[static_cast<size_t>(type)].name);
+        SCOPED_TRACE(kSectionTypes[type_index(type)].name);
         const bool low = type >= static_cast<int>(SectionType::LoShelf12);
         const Measured measured =
             measure_section(low ? 0 : 1, static_cast<SectionType>(type), 12.0, 1000.0);

@@ -21,7 +21,7 @@
 #include <random>
 #include <vector>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 #include "tests/support/call_guard.h"
 #include "tests/support/plugin_host.h"
 

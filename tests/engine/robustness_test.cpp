@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 #include "tests/support/plugin_host.h"
 
 namespace brindle::test {

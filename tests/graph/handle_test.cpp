@@ -117,10 +117,10 @@ TEST_F(Handles, ASearchKeepsTypesWithoutACentreAndLeavesSectionsAsTheyAre) {
     Set(0, {1.0f, 13.0f, -1e6f, 100.0f, 1.0f});  // outside the ports' ranges
     page.eventTime += 10000;
     PressMarker(0);
-    EXPECT_THAT(TakeWrites()[0], Wrote(3, 0.0f));
+    EXPECT_THAT(TakeWrites()[0], Wrote(3, 13.0f));
     Release();
     const auto writes = TakeWrites();
-    EXPECT_THAT(writes[0], Wrote(3, 0.0f));
+    EXPECT_THAT(writes[0], Wrote(3, 13.0f));
     EXPECT_THAT(writes[1], Wrote(4, -18.0f));
 
     Set(8, {1.0f, 13.0f, 6.0f, 60.0f, 1.0f});
@@ -211,8 +211,8 @@ TEST_F(Handles, NoSearchLeavesThePluginMuted) {
 
 TEST(TypeSelector, ShowsTheShortLabelNearestInTheTable) {
     FakePage page;
-    auto* band = new GLView_ParametricEQSelector(3);
-    auto* section = new GLView_ParametricFilterSelector(43);
+    auto* band = new GLView_ParametricEQSelector(0);
+    auto* section = new GLView_ParametricFilterSelector(0);
     page.AddChild(band);
     page.AddChild(section);
     const std::pair<float, const char*> labels[] = {

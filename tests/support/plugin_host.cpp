@@ -10,7 +10,7 @@
 #include <numbers>
 #include <stdexcept>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 
 namespace brindle::test {
 namespace {

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 #include "tests/support/host_window.h"
 #include "tests/support/plugin_host.h"
 

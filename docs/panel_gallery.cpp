@@ -10,12 +10,12 @@
 #include <random>
 #include <string>
 
-#include "editor/preset_table.h"
-#include "lv2/ports.h"
+#include "contract/ports.h"
+#include "contract/presets.h"
+#include "docs/png.h"
 #include "tests/support/gl_context.h"
 #include "tests/support/plugin_host.h"
 #include "tests/support/ui_host.h"
-#include "tools/png.h"
 
 namespace brindle {
 namespace {
@@ -84,11 +84,8 @@ class Session {
         editor_.window.Resize(exhibit.width, height);
         editor_.window.ResizeWindow(editor_.child, exhibit.width, height);
         editor_.IdleTimes(3);
-        for (uint32_t strip = 0; strip < kBandStrips.size(); ++strip) {
-            ReportAll(band_port(static_cast<int>(strip)), kBandStrips[strip].defaults);
-        }
-        for (uint32_t strip = 0; strip < kSectionStrips.size(); ++strip) {
-            ReportAll(section_port(static_cast<int>(strip)), kSectionStrips[strip].defaults);
+        for (int strip = 0; strip < kStripCount; ++strip) {
+            ReportAll(strip_port(strip), strip_row(strip).defaults);
         }
         Report(kTrimPort, 0.0f);
         if (exhibit.preset != kNoPreset) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "graph/response.h"
+#include "graph/curves/response.h"
 
 #include <array>
 #include <cmath>
@@ -7,7 +7,7 @@
 #include <span>
 #include <utility>
 
-#include "graph/response_kernel.h"
+#include "graph/curves/response_kernel.h"
 
 namespace brindle {
 namespace {

@@ -4,10 +4,10 @@
 #include <iterator>
 #include <string>
 
+#include "docs/png.h"
 #include "gl/drawing.h"
 #include "gl/settings.h"
 #include "tests/support/gl_context.h"
-#include "tools/png.h"
 
 namespace brindle {
 namespace {

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "gl/glyph_table.h"
-#include "tools/glyph_outlines.h"
-#include "tools/raster.h"
+#include "res/glyph_outlines.h"
+#include "res/raster.h"
 
 namespace brindle {
 namespace {

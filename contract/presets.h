@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
 
 namespace brindle {
 

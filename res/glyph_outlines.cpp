@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "tools/glyph_outlines.h"
+#include "res/glyph_outlines.h"
 
 #include <ft2build.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 // The vector loop against the plain one, on every target that this processor runs.
-#include "graph/response_kernel.h"
+#include "graph/curves/response_kernel.h"
 
 #include <gtest/gtest.h>
 #include <hwy/targets.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
 // Response curves against complex transfer functions of the analogue prototypes.
-#include "graph/response.h"
+#include "graph/curves/response.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,8 +12,8 @@
 #include <numbers>
 #include <vector>
 
-#include "engine/band_types.h"
-#include "graph/type_curves.h"
+#include "contract/types.h"
+#include "graph/curves/type_curves.h"
 
 namespace brindle {
 namespace {
@@ -126,6 +126,14 @@ std::vector<Case> SectionCases(double gain, double q) {
 
 using AddCurve = void (*)(const FrequencyGrid&, Curve&, float, const CurveSettings&);
 
+/// The curves of what type ports hold.
+void AddBand(const FrequencyGrid& grid, Curve& curve, float type, const CurveSettings& set) {
+    AddBandCurve(grid, curve, decode_type<BandType>(type), set);
+}
+void AddSection(const FrequencyGrid& grid, Curve& curve, float type, const CurveSettings& set) {
+    AddSectionCurve(grid, curve, decode_type<SectionType>(type), set);
+}
+
 void ExpectPrototypes(const std::vector<Case>& cases, AddCurve add, const CurveSettings& set) {
     const FrequencyGrid grid = DrawnGrid();
     for (const Case& c : cases) {
@@ -150,8 +158,8 @@ TEST(Response, FollowsTheAnaloguePrototypes) {
         for (const float freq : {20.0f, 997.0f, 14321.0f}) {
             for (const float q : {0.1f, 0.71f, 100.0f}) {
                 const CurveSettings set = {gain, freq, q};
-                ExpectPrototypes(BandCases(gain, static_cast<double>(q)), AddBandCurve, set);
-                ExpectPrototypes(SectionCases(gain, static_cast<double>(q)), AddSectionCurve, set);
+                ExpectPrototypes(BandCases(gain, static_cast<double>(q)), AddBand, set);
+                ExpectPrototypes(SectionCases(gain, static_cast<double>(q)), AddSection, set);
             }
         }
     }
@@ -162,16 +170,16 @@ TEST(Response, TypesWithoutAPictureAreFlatAndCodesTakeTheIntegerPartAfterATenth)
     const float nan = std::numeric_limits<float>::quiet_NaN();
     Curve curve = {};
     for (const float type : {0.0f, 7.0f, 8.0f, 11.0f, 13.0f, -1.0f, 1e30f, nan}) {
-        AddBandCurve(grid, curve, type, {12.0f, 1000.0f, 1.0f});
+        AddBand(grid, curve, type, {12.0f, 1000.0f, 1.0f});
         EXPECT_THAT(curve, testing::Each(0.0f)) << type;
     }
     for (const float type : {0.0f, 18.0f, -1.0f, nan}) {
-        AddSectionCurve(grid, curve, type, {12.0f, 1000.0f, 1.0f});
+        AddSection(grid, curve, type, {12.0f, 1000.0f, 1.0f});
     }
     EXPECT_THAT(curve, testing::Each(0.0f));
-    AddBandCurve(grid, curve, 2.95f, {0.0f, 1000.0f, 1.0f});  // a low-pass
+    AddBand(grid, curve, 2.95f, {0.0f, 1000.0f, 1.0f});  // a low-pass
     EXPECT_NEAR(curve[0], 0.0, 0.01);
-    AddBandCurve(grid, curve, 2.85f, {0.0f, 1000.0f, 1.0f});  // a high-pass of first order
+    AddBand(grid, curve, 2.85f, {0.0f, 1000.0f, 1.0f});  // a high-pass of first order
     EXPECT_NEAR(curve[0], 20.0 * std::log10(20.0 / 1000.0), 0.01);
 }
 
@@ -202,8 +210,8 @@ TEST(Response, WhatAHostShouldNotSendLeavesTheCurveAlone) {
                                      {nan, 1e9f, nan}}) {
         for (int type = 0; type < 18; ++type) {
             Curve curve = {};
-            AddBandCurve(grid, curve, static_cast<float>(type), set);
-            AddSectionCurve(grid, curve, static_cast<float>(type), set);
+            AddBand(grid, curve, static_cast<float>(type), set);
+            AddSection(grid, curve, static_cast<float>(type), set);
             ASSERT_THAT(curve, testing::Each(0.0f)) << type << " at " << set.freq_hz;
         }
     }
@@ -211,8 +219,8 @@ TEST(Response, WhatAHostShouldNotSendLeavesTheCurveAlone) {
     for (const float freq : {1e-3f, 19.9f, grid.hz[300], 20000.0f, 130000.0f, 1e6f}) {
         for (int type = 0; type < 18; ++type) {
             Curve curve = {};
-            AddBandCurve(grid, curve, static_cast<float>(type), {200.0f, freq, 1e-30f});
-            AddSectionCurve(grid, curve, static_cast<float>(type), {-200.0f, freq, 1e30f});
+            AddBand(grid, curve, static_cast<float>(type), {200.0f, freq, 1e-30f});
+            AddSection(grid, curve, static_cast<float>(type), {-200.0f, freq, 1e30f});
             for (const float level : curve) ASSERT_TRUE(std::isfinite(level)) << type << freq;
         }
     }

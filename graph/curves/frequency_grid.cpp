@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "graph/frequency_grid.h"
+#include "graph/curves/frequency_grid.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "tools/raster.h"
+#include "res/raster.h"
 
 struct FT_FaceRec_;
 struct FT_LibraryRec_;

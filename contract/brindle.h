@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The vocabulary that engine, editor, host program and Turtle data share: URIs and port layout.
+/// The words that engine, editor, host program and Turtle data share: URIs and port layout.
 #pragma once
 
 #include <cstdint>
@@ -46,13 +46,20 @@ inline constexpr uint32_t kMonoPortCount = 57;  ///< 55 in, 56 out
 inline constexpr uint32_t kStereoPortCount =
     59;  ///< 55 left in, 56 left out, 57 right in, 58 right out
 
-/// First port (enable) of band 0..7.
-constexpr uint32_t band_port(int band) {
-    return 2u + kControlCount * static_cast<uint32_t>(band);
+/// A strip is a band or a section: 0 to 7 are the bands 1 to 8, then come the sections A and B.
+inline constexpr int kStripCount = kBandCount + kSectionCount;
+
+/// First port (enable) of a strip, which the others follow in the order of `Control`.
+constexpr uint32_t strip_port(int strip) {
+    return 2u + kControlCount * static_cast<uint32_t>(strip);
 }
-/// First port (enable) of section 0 (A) or 1 (B).
+/// First port of band 0 to 7.
+constexpr uint32_t band_port(int band) {
+    return strip_port(band);
+}
+/// First port of section 0 (A) or 1 (B).
 constexpr uint32_t section_port(int section) {
-    return 42u + kControlCount * static_cast<uint32_t>(section);
+    return strip_port(kBandCount + section);
 }
 
 }  // namespace brindle

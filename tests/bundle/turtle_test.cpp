@@ -20,8 +20,8 @@
 #include <string>
 #include <vector>
 
-#include "editor/preset_table.h"
-#include "lv2/brindle.h"
+#include "contract/brindle.h"
+#include "contract/presets.h"
 #include "tests/support/urid_map.h"
 
 namespace brindle {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/band_types.h"
-#include "graph/type_curves.h"
+#include "contract/types.h"
+#include "graph/curves/type_curves.h"
 #include "tests/support/plugin_host.h"
 
 namespace brindle {
@@ -58,9 +58,12 @@ struct Row {
 
 Curve Drawn(const Row& row, const Setting& set, const FrequencyGrid& grid) {
     Curve curve = {};
-    const auto type = static_cast<float>(row.type);
-    (row.isBand ? AddBandCurve : AddSectionCurve)(grid, curve, type,
-                                                  {set.gain_db, set.freq_hz, set.q});
+    const CurveSettings settings = {set.gain_db, set.freq_hz, set.q};
+    if (row.isBand) {
+        AddBandCurve(grid, curve, static_cast<BandType>(row.type), settings);
+    } else {
+        AddSectionCurve(grid, curve, static_cast<SectionType>(row.type), settings);
+    }
     return curve;
 }
 
@@ -124,7 +127,7 @@ void WriteTable(std::FILE* file, const char* heading, std::span<const Row> rows,
     for (const Row& row : rows) {
         const auto code = static_cast<size_t>(row.type);
         std::fprintf(file, "| %s %s | %s | %s |\n", row.isBand ? "Band" : "Section",
-                     row.isBand ? kBandTypeLabels[code].name : kSectionTypeLabels[code].name,
+                     row.isBand ? kBandTypes[code].name : kSectionTypes[code].name,
                      Cell(row, Largest(row, kLowCorners_hz, grid)).c_str(),
                      Cell(row, Largest(row, kHighCorners_hz, grid)).c_str());
     }

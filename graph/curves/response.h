@@ -7,7 +7,7 @@
 /// state. UI thread.
 #pragma once
 
-#include "graph/frequency_grid.h"
+#include "graph/curves/frequency_grid.h"
 
 namespace brindle {
 

@@ -15,10 +15,10 @@
 #include <string>
 #include <string_view>
 
-#include "editor/preset_table.h"
-#include "engine/band_types.h"
-#include "lv2/brindle.h"
-#include "lv2/ports.h"
+#include "contract/brindle.h"
+#include "contract/ports.h"
+#include "contract/presets.h"
+#include "contract/types.h"
 
 namespace brindle {
 namespace {
@@ -75,30 +75,30 @@ Node message_port(const std::string& direction, uint32_t index, const std::strin
         .add("lv2:designation lv2:control");
 }
 
-std::string scale_points(std::span<const TypeLabel> labels) {
+std::string scale_points(std::span<const TypeRow> types) {
     std::string points = "lv2:scalePoint";
-    for (size_t code = 0; code < labels.size(); ++code) {
+    for (size_t code = 0; code < types.size(); ++code) {
         points += (code == 0 ? " " : " , ");
-        points += "[ rdfs:label " + quoted(labels[code].name) + " ; rdf:value " +
+        points += "[ rdfs:label " + quoted(types[code].name) + " ; rdf:value " +
                   std::to_string(code) + " ]";
     }
     return points;
 }
 
 /// The five ports of a band or section, separated by commas.
-std::string strip_ports(const StripRow& strip, uint32_t first_port, const ControlRows& controls,
-                        std::span<const TypeLabel> type_labels) {
+std::string strip_ports(int index) {
+    const StripRow& strip = strip_row(index);
     std::string ports;
     for (uint32_t i = 0; i < kControlCount; ++i) {
-        const ControlRow& control = controls[i];
-        Node node = port("lv2:InputPort , lv2:ControlPort", first_port + i,
+        const ControlRow& control = strip_controls(index)[i];
+        Node node = port("lv2:InputPort , lv2:ControlPort", strip_port(index) + i,
                          std::string(strip.symbol) + '_' + control.symbol,
                          std::string(strip.name) + ' ' + control.name);
         node.add("lv2:default " + number(strip.defaults[i]));
         node.add("lv2:minimum " + number(control.minimum));
         node.add("lv2:maximum " + number(control.maximum));
         node.add(control.properties);
-        if (i == kType) node.add(scale_points(type_labels));
+        if (i == kType) node.add(scale_points(strip_types(index)));
         node.add("pg:group " + uri(std::string("#") + strip.group));
         ports += " , " + node.str();
     }
@@ -113,14 +113,7 @@ std::string common_ports() {
                          // analyser takes 1080 bytes; queues of less than this lose rows.
                          .add("rsz:minimumSize 8192")
                          .str();
-    for (int band = 0; band < kBandCount; ++band) {
-        ports += strip_ports(kBandStrips[static_cast<size_t>(band)], band_port(band), kBandControls,
-                             kBandTypeLabels);
-    }
-    for (int section = 0; section < kSectionCount; ++section) {
-        ports += strip_ports(kSectionStrips[static_cast<size_t>(section)], section_port(section),
-                             kSectionControls, kSectionTypeLabels);
-    }
+    for (int strip = 0; strip < kStripCount; ++strip) ports += strip_ports(strip);
     for (const SingleControlRow& single : kSingleControls) {
         ports += " , " + port(std::string(single.direction) + " , lv2:ControlPort", single.index,
                               single.symbol, single.name)
@@ -151,18 +144,15 @@ std::string strip_group(const StripRow& strip) {
 
 std::string strip_groups() {
     std::string groups;
-    for (const StripRow& strip : kBandStrips) groups += strip_group(strip);
-    for (const StripRow& strip : kSectionStrips) groups += strip_group(strip);
+    for (const StripRow& strip : kStrips) groups += strip_group(strip);
     return groups;
 }
 
 /// Symbol of a port that presets set.
 std::string control_symbol(uint32_t index) {
     if (index == kTrimPort) return kSingleControls[0].symbol;
-    const uint32_t strip = (index - kFirstPresetPort) / kControlCount;
     const uint32_t control = (index - kFirstPresetPort) % kControlCount;
-    const StripRow& row =
-        strip < kBandCount ? kBandStrips.at(strip) : kSectionStrips.at(strip - kBandCount);
+    const StripRow& row = kStrips.at((index - kFirstPresetPort) / kControlCount);
     return std::string(row.symbol) + '_' + kBandControls[control].symbol;
 }
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: ISC
-#include "editor/preset_table.h"
+#include "contract/presets.h"
 
 #include <gmock/gmock.h>
 
 #include <string>
 #include <vector>
 
-#include "engine/band_types.h"
+#include "contract/types.h"
 
 namespace brindle {
 namespace {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: ISC
 // Compiled once for each vector width: Highway includes this file again for every target.
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "graph/response_kernel.cpp"
+#define HWY_TARGET_INCLUDE "graph/curves/response_kernel.cpp"
 #include <hwy/foreach_target.h>
 // foreach_target.h must come first.
 #include <hwy/contrib/math/math-inl.h>
 #include <hwy/highway.h>
 
-#include "graph/response_kernel.h"
+#include "graph/curves/response_kernel.h"
 
 #ifndef BRINDLE_RESPONSE_KERNEL_ONCE
 #define BRINDLE_RESPONSE_KERNEL_ONCE

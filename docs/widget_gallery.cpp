@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "docs/png.h"
 #include "gl/GLView_Caption.h"
 #include "gl/GLView_DB60Meter.h"
 #include "gl/GLView_DecoratorBox.h"
@@ -19,7 +20,6 @@
 #include "gl/drawing.h"
 #include "gl/settings.h"
 #include "tests/support/fake_page.h"
-#include "tools/png.h"
 
 namespace brindle {
 namespace {

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: ISC
-#include "graph/type_curves.h"
+#include "graph/curves/type_curves.h"
 
 #include <array>
-#include <span>
 
-#include "engine/band_types.h"
-#include "graph/response.h"
+#include "graph/curves/response.h"
 
 namespace brindle {
 namespace {
@@ -32,26 +30,29 @@ void Notch(const FrequencyGrid& grid, Curve& curve, const CurveSettings& set) {
     AddNotch(grid, curve, set.freq_hz, set.q);
 }
 
-/// Indexed by BandType; null draws flat.
-constexpr std::array<Evaluator, kBandTypeCount> kBandEvaluators = {
-    nullptr,                 // Flat
+void Flat(const FrequencyGrid&, Curve&, const CurveSettings&) {}
+
+/// Indexed by BandType.
+constexpr auto kBandEvaluators = std::to_array<Evaluator>({
+    Flat,                    // Flat
     Filter<AddLowPass6>,     // LP 6dB/oct
     Filter<AddHighPass6>,    // HP 6dB/oct
     Filter<AddLowPass<2>>,   // LP 12dB/oct
     Filter<AddHighPass<2>>,  // HP 12dB/oct
     Shelf<AddLowShelf<2>>,   // Lo Shelf
     Shelf<AddHighShelf<2>>,  // Hi Shelf
-    nullptr,                 // Lsh2
-    nullptr,                 // Hsh2
+    Flat,                    // Lsh2
+    Flat,                    // Hsh2
     Bell,                    // Bell
     Search,                  // Search
-    nullptr,                 // SymLsh
+    Flat,                    // SymLsh
     Notch,                   // Notch
-};
+});
+static_assert(kBandEvaluators.size() == kTypeCount<BandType>);
 
 /// Indexed by SectionType.
-constexpr std::array<Evaluator, kSectionTypeCount> kSectionEvaluators = {
-    nullptr,                 // Flat
+constexpr auto kSectionEvaluators = std::to_array<Evaluator>({
+    Flat,                    // Flat
     Filter<AddHighPass<2>>,  // HP 12dB/oct
     Filter<AddHighPass<4>>,  // HP 24dB/oct
     Filter<AddHighPass<6>>,  // HP 36dB/oct
@@ -69,25 +70,19 @@ constexpr std::array<Evaluator, kSectionTypeCount> kSectionEvaluators = {
     Shelf<AddLowShelf<6>>,   // Lo Shelf 36dB/oct
     Shelf<AddLowShelf<8>>,   // Lo Shelf 48dB/oct
     Notch,                   // Wide Notch
-};
-
-void AddByType(std::span<const Evaluator> evaluators, const FrequencyGrid& grid, Curve& curve,
-               float type, const CurveSettings& settings) {
-    const float code = type + 0.1f;
-    if (!(code >= 0.0f && code < static_cast<float>(evaluators.size()))) return;
-    if (const Evaluator add = evaluators[static_cast<size_t>(code)]) add(grid, curve, settings);
-}
+});
+static_assert(kSectionEvaluators.size() == kTypeCount<SectionType>);
 
 }  // namespace
 
-void AddBandCurve(const FrequencyGrid& grid, Curve& curve, float type,
+void AddBandCurve(const FrequencyGrid& grid, Curve& curve, BandType type,
                   const CurveSettings& settings) {
-    AddByType(kBandEvaluators, grid, curve, type, settings);
+    kBandEvaluators[type_index(type)](grid, curve, settings);
 }
 
-void AddSectionCurve(const FrequencyGrid& grid, Curve& curve, float type,
+void AddSectionCurve(const FrequencyGrid& grid, Curve& curve, SectionType type,
                      const CurveSettings& settings) {
-    AddByType(kSectionEvaluators, grid, curve, type, settings);
+    kSectionEvaluators[type_index(type)](grid, curve, settings);
 }
 
 }  // namespace brindle

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: ISC
+/// Which evaluator draws which band or section type.
+#pragma once
+
+#include "contract/types.h"
+#include "graph/curves/frequency_grid.h"
+
+namespace brindle {
+
+/// The controls that shape a curve, as the host reports them.
+struct CurveSettings {
+    float gain_db;
+    float freq_hz;
+    float q;
+};
+
+/// Adds a band's response in dB to `curve`. Flat, Lsh2, Hsh2 and SymLsh are drawn flat. UI thread.
+void AddBandCurve(const FrequencyGrid& grid, Curve& curve, BandType type,
+                  const CurveSettings& settings);
+
+/// Adds a section's response. Steep filters are drawn at the set frequency and a wide notch as one
+/// notch, which is not what the engine's cascades do. UI thread.
+void AddSectionCurve(const FrequencyGrid& grid, Curve& curve, SectionType type,
+                     const CurveSettings& settings);
+
+}  // namespace brindle
