@@ -22,9 +22,7 @@ std::vector<float> test_signal(size_t length) {
     std::mt19937 random(1);
     std::uniform_real_distribution<float> level(-0.5f, 0.5f);
     std::vector<float> signal(length);
-    for (float& x : signal) {
-        x = level(random);
-    }
+    for (float& x : signal) x = level(random);
     return signal;
 }
 
@@ -37,24 +35,18 @@ template <typename Block>
 double measure(benchmark::State& state, Block block) {
     const auto signal = test_signal(static_cast<size_t>(state.range(0)));
     const std::clock_t start = std::clock();
-    for (auto _ : state) {
-        block(signal);
-    }
+    for (auto _ : state) block(signal);
     const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     const double ns = 1e9 * seconds / static_cast<double>(state.iterations() * state.range(0));
     state.counters["ns_per_sample"] = ns;
-    if (plain_ns > 0.0) {
-        state.counters["times_plain"] = plain_ns / ns;
-    }
+    if (plain_ns > 0.0) state.counters["times_plain"] = plain_ns / ns;
     return ns;
 }
 
 void plain(benchmark::State& state) {
     reference::Analyser analyser(kRate);
     plain_ns = measure(state, [&](const std::vector<float>& signal) {
-        for (float x : signal) {
-            analyser.add(x);
-        }
+        for (float x : signal) analyser.add(x);
         benchmark::DoNotOptimize(analyser.row_index);
     });
 }

@@ -61,9 +61,7 @@ void BM_PanelFrame(benchmark::State& state) {
     host.Open();
     for (int strip = 0; strip < kBandCount; ++strip) {
         const float values[] = {1.0f, 9.0f, 6.0f, 63.0f * static_cast<float>(1 << strip), 1.0f};
-        for (uint32_t i = 0; i < kControlCount; ++i) {
-            host.Report(band_port(strip) + i, values[i]);
-        }
+        for (uint32_t i = 0; i < kControlCount; ++i) host.Report(band_port(strip) + i, values[i]);
     }
     host.IdleTimes(3);
     int frame = 0;

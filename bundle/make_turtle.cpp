@@ -161,7 +161,7 @@ std::string preset_uri(const Preset& preset) {
     std::string slug;
     for (const char c : std::string_view(preset.name)) {
         const auto letter = static_cast<unsigned char>(c);
-        slug += std::isalnum(letter) ? static_cast<char>(std::tolower(letter)) : '-';
+        slug += std::isalnum(letter) != 0 ? static_cast<char>(std::tolower(letter)) : '-';
     }
     return uri("/presets/" + slug);
 }

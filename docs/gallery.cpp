@@ -187,9 +187,7 @@ bool MakeGallery(const std::string& bundle, const char* path) {
     GLResources resources(kPoint);
     context.Clear(0.17f);
     int place = 0;
-    for (const Exhibit& exhibit : kExhibits) {
-        Hang(exhibit, place++, &resources);
-    }
+    for (const Exhibit& exhibit : kExhibits) Hang(exhibit, place++, &resources);
     return WritePng(context.Read(), path);
 }
 

@@ -15,13 +15,13 @@
 namespace brindle {
 namespace {
 
-constexpr double kRate_hz = 48000.0;
-constexpr double kHighest_hz = 10000.0;
+constexpr double kRateHz = 48000.0;
+constexpr double kHighestHz = 10000.0;
 constexpr double kPictureDb = 18.0;
 constexpr size_t kImpulseLength = 32768;
 constexpr size_t kPointStep = 4;
-constexpr float kLowCorners_hz[] = {125.0f, 400.0f, 1000.0f};
-constexpr float kHighCorners_hz[] = {2500.0f, 8000.0f};
+constexpr float kLowCornersHz[] = {125.0f, 400.0f, 1000.0f};
+constexpr float kHighCornersHz[] = {2500.0f, 8000.0f};
 
 constexpr const char* kIntroduction =
     "# The drawn curve against the engine\n"
@@ -68,7 +68,7 @@ Curve Drawn(const Row& row, const Setting& set, const FrequencyGrid& grid) {
 }
 
 std::vector<double> Measured(const Row& row, const Setting& set) {
-    test::PluginHost host(1, kRate_hz);
+    test::PluginHost host(1, kRateHz);
     if (row.isBand) {
         host.set_band(0, row.type, set.gain_db, set.freq_hz, set.q);
     } else {
@@ -83,18 +83,18 @@ void Compare(const Row& row, const Setting& set, const FrequencyGrid& grid, Wors
     for (size_t i = 0; i < static_cast<size_t>(grid.count); i += kPointStep) {
         const auto hz = static_cast<double>(grid.hz[i]);
         const auto level_db = static_cast<double>(drawn[i]);
-        if (hz > kHighest_hz || std::abs(level_db) > kPictureDb) continue;
-        const double difference = level_db - test::gain_db(response, hz, kRate_hz);
+        if (hz > kHighestHz || std::abs(level_db) > kPictureDb) continue;
+        const double difference = level_db - test::gain_db(response, hz, kRateHz);
         if (std::abs(difference) > std::abs(worst.difference_db)) worst = {difference, hz, set};
     }
 }
 
 Worst Largest(const Row& row, std::span<const float> corners_hz, const FrequencyGrid& grid) {
-    constexpr float kGains_db[] = {6.0f, 12.0f, 18.0f, -6.0f, -12.0f, -18.0f};
+    constexpr float kGainsDb[] = {6.0f, 12.0f, 18.0f, -6.0f, -12.0f, -18.0f};
     constexpr float kQs[] = {1.0f, 3.0f, 0.5f};
     Worst worst;
     for (const float freq_hz : corners_hz) {
-        for (const float gain_db : std::span(kGains_db).first(row.hasGain ? 6 : 1)) {
+        for (const float gain_db : std::span(kGainsDb).first(row.hasGain ? 6 : 1)) {
             for (const float q : std::span(kQs).first(row.hasQ ? 3 : 1)) {
                 Compare(row, {gain_db, freq_hz, q}, grid, worst);
             }
@@ -128,8 +128,8 @@ void WriteTable(std::FILE* file, const char* heading, std::span<const Row> rows,
         const auto code = static_cast<size_t>(row.type);
         std::fprintf(file, "| %s %s | %s | %s |\n", row.isBand ? "Band" : "Section",
                      row.isBand ? kBandTypes[code].name : kSectionTypes[code].name,
-                     Cell(row, Largest(row, kLowCorners_hz, grid)).c_str(),
-                     Cell(row, Largest(row, kHighCorners_hz, grid)).c_str());
+                     Cell(row, Largest(row, kLowCornersHz, grid)).c_str(),
+                     Cell(row, Largest(row, kHighCornersHz, grid)).c_str());
     }
     std::fprintf(file, "\n%s", notes);
 }

@@ -210,9 +210,7 @@ void ShowMenu(Sheet& sheet) {
     const char* labels[] = {"LP 6dB/oct", "HP 6dB/oct", "LP 12dB/oct", "HP 12dB/oct",
                             "Lo Shelf",   "Hi Shelf",   "Bell",        "Notch"};
     float value = 1.0f;
-    for (const char* label : labels) {
-        selector.AddItem(port, value++, 110.0f * kScale, label);
-    }
+    for (const char* label : labels) selector.AddItem(port, value++, 110.0f * kScale, label);
     selector.menu.SetPosition(0.0f, -63.0f * kScale);
     selector.menu.fade = 0.6f;
     sheet.selectedView = selector.menu.firstChild->nextSibling;
@@ -290,9 +288,7 @@ Picture Render(Sheet& sheet, int zoom, const char* title, bool boxy, bool flat) 
 /// Pictures of the same height side by side.
 Picture Join(const std::vector<Picture>& pictures) {
     Picture joined{0, pictures.front().height, {}};
-    for (const Picture& picture : pictures) {
-        joined.width += picture.width;
-    }
+    for (const Picture& picture : pictures) joined.width += picture.width;
     for (int y = 0; y < joined.height; ++y) {
         for (const Picture& picture : pictures) {
             const auto row = picture.pixels.begin() + std::ptrdiff_t{y} * picture.width;

@@ -139,9 +139,7 @@ void GLView_BandDecorator::UpdateEffect() {
 }
 
 void GLView_BandDecorator::ParameterChanged(uint32_t parameter) {
-    if (parameter >= firstPort && parameter < firstPort + kControlCount) {
-        UpdateEffect();
-    }
+    if (parameter >= firstPort && parameter < firstPort + kControlCount) UpdateEffect();
     GLView_DecoratorBox::ParameterChanged(parameter);
 }
 

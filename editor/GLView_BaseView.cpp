@@ -85,9 +85,7 @@ void GLView_BaseView::ClearInfo() {
 }
 
 void GLView_BaseView::MouseButton(int32_t button, bool press, float windowX, float windowY) {
-    if (textRenderer == nullptr) {
-        return;
-    }
+    if (textRenderer == nullptr) return;
     const GLPoint pixel = {static_cast<float>(static_cast<int32_t>(windowX - letterboxX)),
                            static_cast<float>(static_cast<int32_t>(windowY - letterboxY))};
     const GLPoint point = PixelToTree(pixel);
@@ -127,9 +125,7 @@ void GLView_BaseView::MouseUp(GLPoint point) {
 }
 
 void GLView_BaseView::PointerMotion(float windowX, float windowY) {
-    if (textRenderer != nullptr) {
-        MouseDragTo({windowX - letterboxX, windowY - letterboxY});
-    }
+    if (textRenderer != nullptr) MouseDragTo({windowX - letterboxX, windowY - letterboxY});
 }
 
 void GLView_BaseView::MouseDragTo(GLPoint pixelPoint) {
@@ -151,15 +147,11 @@ void GLView_BaseView::MouseDragTo(GLPoint pixelPoint) {
 
 void GLView_BaseView::MouseWheel(float delta) {
     // A wheel that is turned sideways leaves values as they are, and unwritten.
-    if (textRenderer != nullptr && delta != 0.0f) {
-        Scroll(delta);
-    }
+    if (textRenderer != nullptr && delta != 0.0f) Scroll(delta);
 }
 
 void GLView_BaseView::Scroll(float delta) {
-    if (focusView != nullptr) {
-        focusView->Scroll(delta);
-    }
+    if (focusView != nullptr) focusView->Scroll(delta);
 }
 
 void GLView_BaseView::Key(bool /*press*/, uint32_t character) {
@@ -171,16 +163,12 @@ void GLView_BaseView::SpecialKey(bool /*press*/, uint32_t code) {
 }
 
 void GLView_BaseView::KeyDown(uint32_t /*character*/, uint32_t /*code*/) {
-    if (textRenderer != nullptr) {
-        std::puts("GLView_BaseView::KeyDown, doing nothing");
-    }
+    if (textRenderer != nullptr) std::puts("GLView_BaseView::KeyDown, doing nothing");
 }
 
 void GLView_BaseView::SetParameter(uint32_t index, float value, bool markDirty) {
     redrawNeeded = redrawNeeded || markDirty;
-    if (index < parameters.size()) {
-        parameters[index] = value;
-    }
+    if (index < parameters.size()) parameters[index] = value;
     ParameterChanged(index);
 }
 
@@ -226,9 +214,7 @@ void GLView_BaseView::ShowInfo(const char* title, const char* text) {
 }
 
 void GLView_BaseView::OpenDialog(GLView* dialog) {
-    if (modalDialog != nullptr) {
-        CloseDialog(true);
-    }
+    if (modalDialog != nullptr) CloseDialog(true);
     if (dialog != nullptr) {
         dialog->parent = this;
         dialog->SetVisible(true);
@@ -266,24 +252,20 @@ LayerArea GLView_BaseView::ToLayer(const GLRect& area) const {
 }
 
 void GLView_BaseView::MarkFrame(const GLRect& area) {
-    AddArea(staleFrame, ToLayer(area));
+    AddArea(staleFrame_, ToLayer(area));
 }
 
 void GLView_BaseView::MarkStatic(const GLRect& area) {
-    AddArea(staleStatic, ToLayer(area));
+    AddArea(staleStatic_, ToLayer(area));
 }
 
 void GLView_BaseView::MarkViewStatic(GLView* view) {
-    while (view != nullptr && view->parent != this) {
-        view = view->parent;
-    }
-    if (view != nullptr) {
-        MarkStatic(view->DrawnArea());
-    }
+    while (view != nullptr && view->parent != this) view = view->parent;
+    if (view != nullptr) MarkStatic(view->DrawnArea());
 }
 
 bool GLView_BaseView::IsDrawn(const GLRect& area) const {
-    return !drawnArea || drawnArea->Touches(ToLayer(area));
+    return !drawnArea_ || drawnArea_->Touches(ToLayer(area));
 }
 
 bool GLView_BaseView::DrawsChild(GLView& child) {
@@ -321,10 +303,8 @@ void GLView_BaseView::RenderFrame() {
     }
     PreDraw();
     const Looks looks = {GetBackgroundColor(), GetContrastColor(), IsBoxy(), IsFlat()};
-    if (redrawNeeded || !(looks == drawnLooks)) {
-        MarkStatic(whole);
-    }
-    drawnLooks = looks;
+    if (redrawNeeded || !(looks == drawnLooks_)) MarkStatic(whole);
+    drawnLooks_ = looks;
     // The layers have their own size: another window only takes another copy of them.
     if (layerWidth != windowWidth || layerHeight != windowHeight) {
         layerWidth = windowWidth;
@@ -332,7 +312,7 @@ void GLView_BaseView::RenderFrame() {
         UpdateLetterbox();
         layers.SetShownSize(static_cast<int32_t>(GetPageWidth()),
                             static_cast<int32_t>(GetPageHeight()));
-        AddArea(staleShown, ToLayer(whole));
+        AddArea(staleShown_, ToLayer(whole));
     }
     DrawLayers();
     layers.CopyShownToWindow(static_cast<int32_t>(letterboxX), static_cast<int32_t>(letterboxY),
@@ -346,40 +326,30 @@ void GLView_BaseView::RenderFrame() {
 }
 
 void GLView_BaseView::DrawLayers() {
-    for (const LayerArea& area : staleStatic) {
-        AddArea(staleFrame, area);
-    }
-    for (const LayerArea& area : staleFrame) {
-        AddArea(staleShown, area);
-    }
-    if (staleShown.empty()) {
-        return;
-    }
+    for (const LayerArea& area : staleStatic_) AddArea(staleFrame_, area);
+    for (const LayerArea& area : staleFrame_) AddArea(staleShown_, area);
+    if (staleShown_.empty()) return;
     layers.BindStatic();
     SetProjection();
-    for (const LayerArea& area : staleStatic) {
-        const AreaScope part(drawnArea, area);
+    for (const LayerArea& area : staleStatic_) {
+        const AreaScope part(drawnArea_, area);
         DrawBackground();
         const MatrixScope matrix;
         DrawBack();
     }
-    for (const LayerArea& area : staleFrame) {
-        layers.CopyStaticToFrame(area);
-    }
+    for (const LayerArea& area : staleFrame_) layers.CopyStaticToFrame(area);
     layers.BindFrame();
     SetProjection();
-    for (const LayerArea& area : staleFrame) {
-        const AreaScope part(drawnArea, area);
+    for (const LayerArea& area : staleFrame_) {
+        const AreaScope part(drawnArea_, area);
         const MatrixScope matrix;
         Draw();
     }
-    for (const LayerArea& area : staleShown) {
-        layers.ScaleFrameToShown(area);
-    }
+    for (const LayerArea& area : staleShown_) layers.ScaleFrameToShown(area);
     redrawNeeded = false;
-    staleStatic.clear();
-    staleFrame.clear();
-    staleShown.clear();
+    staleStatic_.clear();
+    staleFrame_.clear();
+    staleShown_.clear();
 }
 
 void GLView_BaseView::DrawOverlay() {

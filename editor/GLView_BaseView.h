@@ -39,7 +39,7 @@ class GLView_BaseView : public GLView {
     void RenderFrame();
     void SetSampleRate(float rate);
     /// Whether the next frame draws more than what moves.
-    bool IsStale() const { return redrawNeeded || !staleStatic.empty() || !staleFrame.empty(); }
+    bool IsStale() const { return redrawNeeded || !staleStatic_.empty() || !staleFrame_.empty(); }
     /// Of the event that is passed in next.
     void SetEventTime(uint32_t time_ms) { eventTime = time_ms; }
     void SetModifiers(uint32_t newModifiers) { modifiers = newModifiers; }
@@ -149,11 +149,11 @@ class GLView_BaseView : public GLView {
     void SetProjection() const;
     void DrawOverlay();
 
-    std::vector<LayerArea> staleStatic;  ///< what of each picture is out of date
-    std::vector<LayerArea> staleFrame;
-    std::vector<LayerArea> staleShown;
-    Looks drawnLooks;                    ///< with which the layers were last drawn
-    std::optional<LayerArea> drawnArea;  ///< while a part of a layer is drawn
+    std::vector<LayerArea> staleStatic_;  ///< what of each picture is out of date
+    std::vector<LayerArea> staleFrame_;
+    std::vector<LayerArea> staleShown_;
+    Looks drawnLooks_;                    ///< with which the layers were last drawn
+    std::optional<LayerArea> drawnArea_;  ///< while a part of a layer is drawn
 };
 
 }  // namespace brindle

@@ -35,14 +35,14 @@ GLView_Caption* MakeCaption(const char* text, float labelSize, int alignment) {
 
 GLView_StripEqView::GLView_StripEqView(const EditorInstance& instance)
     : GLView_BaseView(kDesignWidth, kDesignHeight),
-      connection({instance.writeFunction, instance.controller}, instance.map) {
+      connection_({instance.writeFunction, instance.controller}, instance.map) {
     SetName("Brindle Console EQ");
     AddFlatAll();
     AddGraph(instance.touch);
     AddStrips(instance.touch);
     AddTrim(instance.touch);
-    inputMeter = AddMeter(layout::kMeterInLeft);
-    outputMeter = AddMeter(layout::kMeterOutLeft);
+    inputMeter_ = AddMeter(layout::kMeterInLeft);
+    outputMeter_ = AddMeter(layout::kMeterOutLeft);
     AddPresets();
 }
 
@@ -61,45 +61,43 @@ void GLView_StripEqView::Place(GLView* view, float left, float middle, float wid
 void GLView_StripEqView::AddFlatAll() {
     constexpr std::array<uint32_t, 11> kSwitches = {42, 47, 2, 7, 12, 17, 22, 27, 32, 37, 52};
     const float s = GetInterfaceScale();
-    flatAll = new GLView_PresetButton;
-    flatAll->SetWriter(connection.GetWriter());
-    flatAll->SetLabel("flat");
-    flatAll->SetInfoTitle("Flat");
-    flatAll->SetInfoText("All bands and sections off, no trim");
-    for (const uint32_t port : kSwitches) {
-        flatAll->SetPresetValue(port, 0.0f);
-    }
-    flatAll->SetSize(layout::kFlatAllSize * s, layout::kFlatAllSize * s);
-    flatAll->SetPosition(viewRight - layout::kFlatAllFromRight * s,
-                         viewTop - layout::kHeaderBelowTop * s);
-    AddChild(flatAll);
+    flatAll_ = new GLView_PresetButton;
+    flatAll_->SetWriter(connection_.GetWriter());
+    flatAll_->SetLabel("flat");
+    flatAll_->SetInfoTitle("Flat");
+    flatAll_->SetInfoText("All bands and sections off, no trim");
+    for (const uint32_t port : kSwitches) flatAll_->SetPresetValue(port, 0.0f);
+    flatAll_->SetSize(layout::kFlatAllSize * s, layout::kFlatAllSize * s);
+    flatAll_->SetPosition(viewRight - layout::kFlatAllFromRight * s,
+                          viewTop - layout::kHeaderBelowTop * s);
+    AddChild(flatAll_);
 }
 
 void GLView_StripEqView::AddGraph(const LV2UI_Touch* touch) {
     const float s = GetInterfaceScale();
-    graph = new GLView_ParametricEQ;
-    graph->SetSize(viewRight - viewLeft - 2.0f * layout::kGraphMarginPixels * GetPixelSize(),
-                   layout::kGraphHeight * s);
-    graph->SetPosition(0.0f, viewTop - (layout::kGraphTop + 0.5f * layout::kGraphHeight) * s);
-    AddChild(graph);
+    graph_ = new GLView_ParametricEQ;
+    graph_->SetSize(viewRight - viewLeft - 2.0f * layout::kGraphMarginPixels * GetPixelSize(),
+                    layout::kGraphHeight * s);
+    graph_->SetPosition(0.0f, viewTop - (layout::kGraphTop + 0.5f * layout::kGraphHeight) * s);
+    AddChild(graph_);
     for (int i = 0; i < kStripCount; ++i) {
-        auto* handle = new GLView_ParametricEQGrabber(*graph, i);
-        handle->SetWriter(connection.GetWriter());
+        auto* handle = new GLView_ParametricEQGrabber(*graph_, i);
+        handle->SetWriter(connection_.GetWriter());
         handle->SetTouch(touch);
         handle->SetUnit("dB");
         handle->SetSensitivity(kDragSensitivity);
         handle->SetSize(layout::kHandleSize * s, layout::kHandleSize * s);
-        graph->AddChild(handle);
+        graph_->AddChild(handle);
     }
 }
 
 void GLView_StripEqView::AddStrips(const LV2UI_Touch* touch) {
     for (int i = 0; i < kStripCount; ++i) {
-        auto* strip = new GLView_BandDecorator(*graph, i);
+        auto* strip = new GLView_BandDecorator(*graph_, i);
         Place(strip, layout::StripLeft(i), 0.5f * (layout::kStripBottom + layout::kStripTop),
               layout::kStripWidth, layout::kStripTop - layout::kStripBottom);
-        strip->AddWidgets(connection.GetWriter(), touch);
-        strips[static_cast<size_t>(i)] = strip;
+        strip->AddWidgets(connection_.GetWriter(), touch);
+        strips_[static_cast<size_t>(i)] = strip;
     }
 }
 
@@ -107,17 +105,17 @@ void GLView_StripEqView::AddTrim(const LV2UI_Touch* touch) {
     Place(new GLView_DecoratorBox, layout::kOutputLeft,
           0.5f * (layout::kStripBottom + layout::kStripTop), layout::kOutputWidth,
           layout::kStripTop - layout::kStripBottom);
-    trim = new GLView_TrimSlider(true, -kTrimRangeDb, kTrimRangeDb);
-    trim->SetPort(connection.GetWriter(), kTrimPort);
-    trim->SetTouch(touch, kTrimPort);
-    trim->SetLabel("Output Trim: ");
-    trim->SetUnit("dB");
-    trim->SetTextSize(8.0f);
-    trim->SetColor(kCream);
-    trim->SetSensitivity(kDragSensitivity);
-    trim->SetResetValue(0.0f);
-    trim->SetInfoTitle("Output Trim");
-    Place(trim, layout::kTrimLeft, layout::kTrimAbove, layout::kTrimWidth, layout::kTrimHeight);
+    trim_ = new GLView_TrimSlider(true, -kTrimRangeDb, kTrimRangeDb);
+    trim_->SetPort(connection_.GetWriter(), kTrimPort);
+    trim_->SetTouch(touch, kTrimPort);
+    trim_->SetLabel("Output Trim: ");
+    trim_->SetUnit("dB");
+    trim_->SetTextSize(8.0f);
+    trim_->SetColor(kCream);
+    trim_->SetSensitivity(kDragSensitivity);
+    trim_->SetResetValue(0.0f);
+    trim_->SetInfoTitle("Output Trim");
+    Place(trim_, layout::kTrimLeft, layout::kTrimAbove, layout::kTrimWidth, layout::kTrimHeight);
     Place(MakeCaption("Trim:", 8.0f, kAlignLeft), layout::kTrimLeft, layout::kTrimLabelAbove,
           layout::kTrimWidth, layout::kPresetHeight);
 }
@@ -137,7 +135,7 @@ void GLView_StripEqView::AddPresets() {
     float left = layout::kFirstPresetLeft;
     for (const Preset& preset : kPresets) {
         auto* button = new GLView_PresetButton;
-        button->SetWriter(connection.GetWriter());
+        button->SetWriter(connection_.GetWriter());
         button->SetPresetName(preset.name);
         button->SetLabelSize(7.0f);
         button->SetInfoTitle("Preset");
@@ -152,42 +150,34 @@ void GLView_StripEqView::AddPresets() {
 
 void GLView_StripEqView::PortEvent(uint32_t port, uint32_t size, uint32_t format,
                                    const void* buffer) {
-    if (const auto plot = connection.ReadPlot(format, buffer, size)) {
-        SpectrumHistory& spectrum = graph->spectrum;
+    if (const auto plot = connection_.ReadPlot(format, buffer, size)) {
+        SpectrumHistory& spectrum = graph_->spectrum;
         std::copy_n(plot->values, kPlotBins, spectrum.rows[static_cast<size_t>(plot->id)].begin());
         spectrum.newest = plot->id;
-    } else if (const auto value = connection.ReadControl(port, format, buffer, size)) {
+    } else if (const auto value = connection_.ReadControl(port, format, buffer, size)) {
         TakeControl(port, *value);
     }
 }
 
 void GLView_StripEqView::TakeControl(uint32_t port, float value) {
-    if (reported.none()) {
-        graph->MarkAllDirty(true);
+    if (reported_.none()) {
+        graph_->MarkAllDirty(true);
         redrawNeeded = true;
     }
     // Hosts report the meters some 30 times a second, and much that has not changed. The meters are
     // drawn in each frame anyway.
     const bool isMeter = port == kMeterInPort || port == kMeterOutPort;
-    const bool isNews = port >= reported.size() || !reported[port] || GetParameter(port) != value;
-    if (port < reported.size()) {
-        reported[port] = true;
-    }
+    const bool isNews = port >= reported_.size() || !reported_[port] || GetParameter(port) != value;
+    if (port < reported_.size()) reported_[port] = true;
     SetParameter(port, value, false);
-    if (isNews && !isMeter) {
-        MarkControl(port);
-    }
-    if (port == kMeterInPort) {
-        inputMeter->level = value;
-    }
-    if (port == kMeterOutPort) {
-        outputMeter->level = value;
-    }
+    if (isNews && !isMeter) MarkControl(port);
+    if (port == kMeterInPort) inputMeter_->level = value;
+    if (port == kMeterOutPort) outputMeter_->level = value;
 }
 
 void GLView_StripEqView::MarkControl(uint32_t port) {
     if (port == kTrimPort) {
-        MarkFrame(trim->DrawnArea());
+        MarkFrame(trim_->DrawnArea());
         return;
     }
     if (port < band_port(0) || port >= section_port(kSectionCount)) {
@@ -196,12 +186,12 @@ void GLView_StripEqView::MarkControl(uint32_t port) {
     }
     // The curve and the handles on it, which stand above the graph where the curve leaves it.
     const float reach = (0.5f * layout::kHandleSize + 2.0f) * GetInterfaceScale();
-    MarkFrame({graph->x - graph->hw - reach, graph->y - graph->hh - reach,
-               graph->x + graph->hw + reach, viewTop});
+    MarkFrame({graph_->x - graph_->hw - reach, graph_->y - graph_->hh - reach,
+               graph_->x + graph_->hw + reach, viewTop});
     // Which controls light up and which have an effect is seen in the static layer; their values
     // are not.
     const uint32_t control = (port - band_port(0)) % kControlCount;
-    const GLRect strip = strips[(port - band_port(0)) / kControlCount]->DrawnArea();
+    const GLRect strip = strips_[(port - band_port(0)) / kControlCount]->DrawnArea();
     if (control == kEnable || control == kType) {
         MarkStatic(strip);
     } else {
@@ -210,22 +200,22 @@ void GLView_StripEqView::MarkControl(uint32_t port) {
 }
 
 void GLView_StripEqView::TakeUnreportedWrites() {
-    connection.TakeUnreported(HostConnection::Now(),
-                              [this](uint32_t port, float value) { TakeControl(port, value); });
+    connection_.TakeUnreported(HostConnection::Now(),
+                               [this](uint32_t port, float value) { TakeControl(port, value); });
 }
 
 void GLView_StripEqView::SendParameter(uint32_t index, float value) {
-    connection.Write(index, value);
+    connection_.Write(index, value);
 }
 
 void GLView_StripEqView::EditorOpened() {
     GLView_BaseView::EditorOpened();
-    connection.SendOpened();
+    connection_.SendOpened();
 }
 
 void GLView_StripEqView::EditorClosed() {
     ReleaseAll();  // what a held control has changed for as long as it is held is put back
-    connection.SendClosed();
+    connection_.SendClosed();
 }
 
 GLColor GLView_StripEqView::GetBackgroundColor() {
@@ -240,7 +230,7 @@ GLColor GLView_StripEqView::GetBackgroundColor() {
 }
 
 void GLView_StripEqView::PreDraw() {
-    selectedBand = graph->selectedHandle;
+    selectedBand_ = graph_->selectedHandle;
     if (GLView* told = captureView != nullptr ? captureView : focusView) {
         ShowInfo(told->infoTitle, told->infoText);
     }
@@ -272,9 +262,7 @@ void GLView_StripEqView::DrawTextAt(const char* text, float left, float above, f
     const GLPoint place = {viewLeft + left * s, viewBottom + above * s};
     const float width = TextWidth(text) * size * s;
     const float height = size * s;
-    if (!IsDrawn({place.x - width, place.y - height, place.x + width, place.y + height})) {
-        return;
-    }
+    if (!IsDrawn({place.x - width, place.y - height, place.x + width, place.y + height})) return;
     const MatrixScope matrix;
     glTranslatef(place.x, place.y, 0.0f);
     glScalef(size * s, size * s, 1.0f);
@@ -300,10 +288,10 @@ void GLView_StripEqView::DrawMeterName(const char* text, float meterLeft) {
 void GLView_StripEqView::DrawMeterScale(float left, int alignment) {
     // The ports tell power where the meter expects an amplitude: its marks at twice the decibels
     // are where these levels are.
-    constexpr std::array<const char*, 6> kLevels_db = {"0", "3", "6", "10", "20", "30"};
-    constexpr float kLowest_db = 30.0f;
-    for (const char* level : kLevels_db) {
-        const float share = 1.0f - std::strtof(level, nullptr) / kLowest_db;
+    constexpr std::array<const char*, 6> kLevelsDb = {"0", "3", "6", "10", "20", "30"};
+    constexpr float kLowestDb = 30.0f;
+    for (const char* level : kLevelsDb) {
+        const float share = 1.0f - std::strtof(level, nullptr) / kLowestDb;
         const float above =
             layout::kMeterBottom + share * (layout::kMeterTop - layout::kMeterBottom);
         DrawTextAt(level, left, above, 6.5f, alignment);

@@ -62,16 +62,16 @@ class GLView_StripEqView : public GLView_BaseView {
     void DrawNameplate();
     void DrawHelpLine();
 
-    HostConnection connection;
+    HostConnection connection_;
     // Children of this view, observed.
-    GLView_PresetButton* flatAll = nullptr;
-    GLView_ParametricEQ* graph = nullptr;
-    std::array<GLView*, kStripCount> strips{};
-    GLView_TrimSlider* trim = nullptr;
-    GLView_DB60Meter* inputMeter = nullptr;
-    GLView_DB60Meter* outputMeter = nullptr;
-    int32_t selectedBand = -1;  ///< strip whose handle is selected, -1 for none
-    std::bitset<128> reported;  ///< ports whose value the host has told
+    GLView_PresetButton* flatAll_ = nullptr;
+    GLView_ParametricEQ* graph_ = nullptr;
+    std::array<GLView*, kStripCount> strips_{};
+    GLView_TrimSlider* trim_ = nullptr;
+    GLView_DB60Meter* inputMeter_ = nullptr;
+    GLView_DB60Meter* outputMeter_ = nullptr;
+    int32_t selectedBand_ = -1;  ///< strip whose handle is selected, -1 for none
+    std::bitset<128> reported_;  ///< ports whose value the host has told
 };
 
 }  // namespace brindle

@@ -32,9 +32,7 @@ struct HostFeatures {
 
 /// Frees the tree with the GL context that its textures belong to, then that with its window.
 void FreeInstance(EditorInstance* instance) {
-    if (instance->puglView != nullptr) {
-        instance->puglView->MakeCurrent();
-    }
+    if (instance->puglView != nullptr) instance->puglView->MakeCurrent();
     delete std::exchange(instance->rootView, nullptr);
     delete instance->puglView;
     std::free(instance->pluginUri);
@@ -95,9 +93,7 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
                            LV2UI_Write_Function writeFunction, LV2UI_Controller controller,
                            LV2UI_Widget* widget, const LV2_Feature* const* features) {
     OwnedInstance instance = MakeInstance(pluginUri, bundlePath);
-    if (instance == nullptr) {
-        return nullptr;
-    }
+    if (instance == nullptr) return nullptr;
     instance->writeFunction = writeFunction;
     instance->controller = controller;
     const HostFeatures host = ReadFeatures(*instance, features);
@@ -111,18 +107,12 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
     instance->puglView =
         PuglWindow::Create(reinterpret_cast<uintptr_t>(host.parent), kTitle, kWidth, kHeight)
             .release();
-    if (instance->puglView == nullptr) {
-        return Fail("error: No window with OpenGL can be opened.\n");
-    }
+    if (instance->puglView == nullptr) return Fail("error: No window with OpenGL can be opened.\n");
     ApplyLooks(options);
     instance->rootView = new GLView_StripEqView(*instance);
     instance->rootView->SetSampleRate(options.sampleRate);
-    if (host.resize != nullptr) {
-        host.resize->ui_resize(host.resize->handle, kWidth, kHeight);
-    }
-    if (host.parent == nullptr) {
-        return Fail("error: No parent window provided.\n");
-    }
+    if (host.resize != nullptr) host.resize->ui_resize(host.resize->handle, kWidth, kHeight);
+    if (host.parent == nullptr) return Fail("error: No parent window provided.\n");
     *widget = std::bit_cast<LV2UI_Widget>(instance->puglView->GetNativeWindow());
     ConnectWindow(*instance->puglView, *instance->rootView);
     instance->rootView->EditorOpened();
@@ -135,9 +125,7 @@ void CloseEditor(EditorInstance* instance) {
 }
 
 void IdleEditor(EditorInstance& instance) {
-    if (instance.rootView == nullptr) {
-        return;
-    }
+    if (instance.rootView == nullptr) return;
     instance.rootView->TakeUnreportedWrites();
     instance.puglView->ProcessEvents();
     instance.puglView->PostRedisplay();

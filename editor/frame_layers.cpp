@@ -23,9 +23,7 @@ bool LayerArea::Touches(const LayerArea& other) const {
 }
 
 void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
-    if (area.left >= area.right || area.bottom >= area.top) {
-        return;
-    }
+    if (area.left >= area.right || area.bottom >= area.top) return;
     const auto touches = [&](const LayerArea& other) { return area.Touches(other); };
     for (auto other = std::ranges::find_if(areas, touches); other != areas.end();
          other = std::ranges::find_if(areas, touches)) {
@@ -39,23 +37,21 @@ void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
 FrameLayers::~FrameLayers() {
     if (framebuffer != 0) {
         glDeleteFramebuffers(1, &framebuffer);
-        glDeleteFramebuffers(1, &shownFramebuffer);
+        glDeleteFramebuffers(1, &shownFramebuffer_);
         glDeleteTextures(1, &staticTexture);
         glDeleteTextures(1, &frameTexture);
-        glDeleteTextures(1, &shownTexture);
+        glDeleteTextures(1, &shownTexture_);
     }
 }
 
 void FrameLayers::Create(int32_t newWidth, int32_t newHeight) {
-    if (framebuffer != 0) {
-        return;
-    }
-    width = newWidth;
-    height = newHeight;
+    if (framebuffer != 0) return;
+    width_ = newWidth;
+    height_ = newHeight;
     glGenFramebuffers(1, &framebuffer);
-    glGenFramebuffers(1, &shownFramebuffer);
-    MakeTexture(staticTexture, GL_RGB, width, height);
-    MakeTexture(frameTexture, GL_RGB, width, height);
+    glGenFramebuffers(1, &shownFramebuffer_);
+    MakeTexture(staticTexture, GL_RGB, width_, height_);
+    MakeTexture(frameTexture, GL_RGB, width_, height_);
 }
 
 void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
@@ -63,15 +59,13 @@ void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
     newWidth = std::clamp(newWidth, 1, limit);
     newHeight = std::clamp(newHeight, 1, limit);
-    if (newWidth == shownWidth && newHeight == shownHeight) {
-        return;
-    }
-    glDeleteTextures(1, &shownTexture);
-    shownWidth = newWidth;
-    shownHeight = newHeight;
+    if (newWidth == shownWidth_ && newHeight == shownHeight_) return;
+    glDeleteTextures(1, &shownTexture_);
+    shownWidth_ = newWidth;
+    shownHeight_ = newHeight;
     // As pixels lie in windows: with alpha as the fourth byte, drivers copy them as they are.
-    MakeTexture(shownTexture, GL_RGBA, shownWidth, shownHeight);
-    Attach(shownFramebuffer, shownTexture);
+    MakeTexture(shownTexture_, GL_RGBA, shownWidth_, shownHeight_);
+    Attach(shownFramebuffer_, shownTexture_);
 }
 
 void FrameLayers::Attach(GLuint target, GLuint texture) {
@@ -84,12 +78,12 @@ void FrameLayers::Attach(GLuint target, GLuint texture) {
 
 void FrameLayers::BindStatic() {
     Attach(framebuffer, staticTexture);
-    glViewport(0, 0, width, height);
+    glViewport(0, 0, width_, height_);
 }
 
 void FrameLayers::BindFrame() {
     Attach(framebuffer, frameTexture);
-    glViewport(0, 0, width, height);
+    glViewport(0, 0, width_, height_);
 }
 
 void FrameLayers::CopyStaticToFrame(const LayerArea& area) const {
@@ -104,26 +98,26 @@ void FrameLayers::ScaleFrameToShown(const LayerArea& area) const {
         return static_cast<int32_t>(int64_t{place} * size / of);
     };
     // The filter reaches into neighbouring pixels.
-    const int32_t left = scaled(std::max(area.left - 1, 0), shownWidth, width);
-    const int32_t right = scaled(area.right + 1, shownWidth, width) + 1;
-    const int32_t above = scaled(std::max(height - area.top - 1, 0), shownHeight, height);
-    const int32_t below = scaled(height - area.bottom + 1, shownHeight, height) + 1;
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, shownFramebuffer);
+    const int32_t left = scaled(std::max(area.left - 1, 0), shownWidth_, width_);
+    const int32_t right = scaled(area.right + 1, shownWidth_, width_) + 1;
+    const int32_t above = scaled(std::max(height_ - area.top - 1, 0), shownHeight_, height_);
+    const int32_t below = scaled(height_ - area.bottom + 1, shownHeight_, height_) + 1;
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, shownFramebuffer_);
     glEnable(GL_SCISSOR_TEST);
     glScissor(left, above, right - left, below - above);
-    glBlitFramebuffer(0, 0, width, height, 0, shownHeight, shownWidth, 0, GL_COLOR_BUFFER_BIT,
+    glBlitFramebuffer(0, 0, width_, height_, 0, shownHeight_, shownWidth_, 0, GL_COLOR_BUFFER_BIT,
                       GL_LINEAR);
     glDisable(GL_SCISSOR_TEST);
 }
 
 void FrameLayers::CopyShownToWindow(int32_t x, int32_t y, int32_t areaWidth,
                                     int32_t areaHeight) const {
-    const bool fits = areaWidth == shownWidth && areaHeight == shownHeight;
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, shownFramebuffer);
+    const bool fits = areaWidth == shownWidth_ && areaHeight == shownHeight_;
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, shownFramebuffer_);
     // Only then its back buffer can be selected.
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
     glDrawBuffer(GL_BACK);
-    glBlitFramebuffer(0, shownHeight, shownWidth, 0, x, y, x + areaWidth, y + areaHeight,
+    glBlitFramebuffer(0, shownHeight_, shownWidth_, 0, x, y, x + areaWidth, y + areaHeight,
                       GL_COLOR_BUFFER_BIT, fits ? GL_NEAREST : GL_LINEAR);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }

@@ -56,12 +56,12 @@ class FrameLayers {
   private:
     static void Attach(GLuint target, GLuint texture);
 
-    int32_t width = 0;
-    int32_t height = 0;
-    GLuint shownTexture = 0;
-    GLuint shownFramebuffer = 0;
-    int32_t shownWidth = 0;
-    int32_t shownHeight = 0;
+    int32_t width_ = 0;
+    int32_t height_ = 0;
+    GLuint shownTexture_ = 0;
+    GLuint shownFramebuffer_ = 0;
+    int32_t shownWidth_ = 0;
+    int32_t shownHeight_ = 0;
 };
 
 }  // namespace brindle

@@ -18,9 +18,9 @@ LV2_URID MapNothing(LV2_URID_Map_Handle, const char*) {
 }  // namespace
 
 HostConnection::HostConnection(HostWriter newHost, LV2_URID_Map* map)
-    : host(newHost), uris(map_urids(map, UridOrder::MessageFirst)) {
+    : host_(newHost), uris_(map_urids(map, UridOrder::MessageFirst)) {
     LV2_URID_Map none = {nullptr, MapNothing};
-    lv2_atom_forge_init(&forge, map != nullptr ? map : &none);
+    lv2_atom_forge_init(&forge_, map != nullptr ? map : &none);
 }
 
 void HostConnection::Write(uint32_t port, float value) {
@@ -34,41 +34,35 @@ void HostConnection::PassOn(LV2UI_Controller connection, uint32_t port, uint32_t
         float value = 0.0f;
         std::memcpy(&value, buffer, sizeof value);
         // First of all, as the host may report it back before it returns.
-        self.pending.Written(port, value, Now());
+        self.pending_.Written(port, value, Now());
     }
-    if (self.host.function != nullptr) {
-        self.host.function(self.host.controller, port, size, protocol, buffer);
+    if (self.host_.function != nullptr) {
+        self.host_.function(self.host_.controller, port, size, protocol, buffer);
     }
 }
 
 void HostConnection::Send(LV2_URID request) {
-    const Request message(forge, request);
-    if (host.function != nullptr) {
-        host.function(host.controller, kControlPort, message.Size(), uris.atom_event_transfer,
-                      message.Atom());
+    const Request message(forge_, request);
+    if (host_.function != nullptr) {
+        host_.function(host_.controller, kControlPort, message.Size(), uris_.atom_event_transfer,
+                       message.Atom());
     }
 }
 
 std::optional<PlotMessage> HostConnection::ReadPlot(uint32_t format, const void* buffer,
                                                     uint32_t size) const {
     // A host without a map has no number for atoms, and its 0 means control values.
-    if (format == 0 || format != uris.atom_event_transfer) {
-        return std::nullopt;
-    }
-    return ReadPlotMessage(uris, buffer, size);
+    if (format == 0 || format != uris_.atom_event_transfer) return std::nullopt;
+    return ReadPlotMessage(uris_, buffer, size);
 }
 
 std::optional<float> HostConnection::ReadControl(uint32_t port, uint32_t format, const void* buffer,
                                                  uint32_t size) {
     float value = 0.0f;
-    if (format != kFloatProtocol || buffer == nullptr || size != sizeof value) {
-        return std::nullopt;
-    }
+    if (format != kFloatProtocol || buffer == nullptr || size != sizeof value) return std::nullopt;
     std::memcpy(&value, buffer, sizeof value);
-    if (!std::isfinite(value)) {
-        return std::nullopt;
-    }
-    pending.Reported(port);
+    if (!std::isfinite(value)) return std::nullopt;
+    pending_.Reported(port);
     return value;
 }
 

@@ -29,8 +29,8 @@ class HostConnection {
     HostWriter GetWriter() { return {PassOn, this}; }
 
     /// Ask the engine for analyser rows, and for no more of them.
-    void SendOpened() { Send(uris.enable_ui); }
-    void SendClosed() { Send(uris.disable_ui); }
+    void SendOpened() { Send(uris_.enable_ui); }
+    void SendClosed() { Send(uris_.disable_ui); }
 
     /// A port event's analyser row, nothing where it is none.
     std::optional<PlotMessage> ReadPlot(uint32_t format, const void* buffer, uint32_t size) const;
@@ -41,7 +41,7 @@ class HostConnection {
     /// Calls `take(port, value)` for the writes that the host does not report (see PendingWrites).
     template <typename Take>
     void TakeUnreported(int64_t now_ms, Take take) {
-        pending.TakeDue(now_ms, take);
+        pending_.TakeDue(now_ms, take);
     }
     /// The steady clock that writes are dated by, ms.
     static int64_t Now();
@@ -51,10 +51,10 @@ class HostConnection {
                        const void* buffer);
     void Send(LV2_URID request);
 
-    HostWriter host;
-    EqUris uris;
-    LV2_Atom_Forge forge{};
-    PendingWrites pending;
+    HostWriter host_;
+    EqUris uris_;
+    LV2_Atom_Forge forge_{};
+    PendingWrites pending_;
 };
 
 }  // namespace brindle

@@ -41,17 +41,13 @@ OptionUris MapOptionUris(LV2_URID_Map* map) {
 /// Copies an option's value; false where it is another type or too short.
 template <typename Value>
 bool Read(const LV2_Options_Option& option, LV2_URID type, Value& value) {
-    if (option.type != type || option.value == nullptr || option.size < sizeof value) {
-        return false;
-    }
+    if (option.type != type || option.value == nullptr || option.size < sizeof value) return false;
     std::memcpy(&value, option.value, sizeof value);
     return true;
 }
 
 void ReadColor(const LV2_Options_Option& option, LV2_URID type, const char* what, uint32_t& rgba) {
-    if (Read(option, type, rgba)) {
-        std::printf("HOST %s COLOR RGBA: 0x%x\n", what, rgba);
-    }
+    if (Read(option, type, rgba)) std::printf("HOST %s COLOR RGBA: 0x%x\n", what, rgba);
 }
 
 void ReadFlag(const LV2_Options_Option& option, LV2_URID type, const char* what, bool& flag) {
@@ -68,9 +64,7 @@ HostOptions ReadHostOptions(const LV2_Options_Option* options, LV2_URID_Map* map
     HostOptions host;
     const OptionUris uris = MapOptionUris(map);
     for (const LV2_Options_Option* option = options; option->key != 0; ++option) {
-        if (option->context != LV2_OPTIONS_INSTANCE) {
-            continue;
-        }
+        if (option->context != LV2_OPTIONS_INSTANCE) continue;
         if (option->key == uris.backgroundColor) {
             ReadColor(*option, uris.typeInt, "BG", host.backgroundColor);
         } else if (option->key == uris.contrastColor) {
@@ -88,9 +82,7 @@ HostOptions ReadHostOptions(const LV2_Options_Option* options, LV2_URID_Map* map
 }
 
 void ApplyHostColor(GLColor& color, uint32_t rgba) {
-    if ((rgba & 0xffu) != 0xffu) {
-        return;
-    }
+    if ((rgba & 0xffu) != 0xffu) return;
     const auto component = [rgba](int shift) {
         return static_cast<float>(((rgba >> shift) & 0xffu) / 255.0);
     };

@@ -12,14 +12,10 @@ bool IsWhole(const LV2_Atom_Object& object) {
     const uint32_t size = object.atom.size;
     uint32_t offset = sizeof(LV2_Atom_Object_Body);
     while (offset < size) {
-        if (size - offset < sizeof(LV2_Atom_Property_Body)) {
-            return false;
-        }
+        if (size - offset < sizeof(LV2_Atom_Property_Body)) return false;
         const auto* property = reinterpret_cast<const LV2_Atom_Property_Body*>(bytes + offset);
         const uint32_t room = size - offset - static_cast<uint32_t>(sizeof(LV2_Atom_Property_Body));
-        if (property->value.size > room) {
-            return false;
-        }
+        if (property->value.size > room) return false;
         const uint32_t step = static_cast<uint32_t>(sizeof(LV2_Atom_Property_Body)) +
                               lv2_atom_pad_size(property->value.size);
         offset = step < size - offset ? offset + step : size;
@@ -51,9 +47,7 @@ const float* ReadRow(const EqUris& uris, const LV2_Atom* value) {
 }  // namespace
 
 std::optional<PlotMessage> ReadPlotMessage(const EqUris& uris, const void* buffer, uint32_t size) {
-    if (buffer == nullptr || size < sizeof(LV2_Atom_Object)) {
-        return std::nullopt;
-    }
+    if (buffer == nullptr || size < sizeof(LV2_Atom_Object)) return std::nullopt;
     const auto* object = static_cast<const LV2_Atom_Object*>(buffer);
     const bool isObject =
         object->atom.type == uris.atom_object || object->atom.type == uris.atom_blank;
@@ -78,7 +72,7 @@ std::optional<PlotMessage> ReadPlotMessage(const EqUris& uris, const void* buffe
 
 Request::Request(LV2_Atom_Forge forge, LV2_URID type) {
     constexpr LV2_URID kObjectId = 1;
-    lv2_atom_forge_set_buffer(&forge, buffer, sizeof buffer);
+    lv2_atom_forge_set_buffer(&forge, buffer_, sizeof buffer_);
     lv2_atom_forge_frame_time(&forge, 0);
     LV2_Atom_Forge_Frame frame;
     lv2_atom_forge_object(&forge, &frame, kObjectId, type);

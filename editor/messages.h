@@ -30,13 +30,13 @@ class Request {
     /// `type` is one of the two requests' URIDs.
     Request(LV2_Atom_Forge forge, LV2_URID type);
     const LV2_Atom* Atom() const {
-        return reinterpret_cast<const LV2_Atom*>(buffer + sizeof(int64_t));
+        return reinterpret_cast<const LV2_Atom*>(buffer_ + sizeof(int64_t));
     }
     /// Bytes at `Atom`: its head and its body.
     uint32_t Size() const;
 
   private:
-    alignas(8) uint8_t buffer[1024] = {};  ///< the time of an event, and the message
+    alignas(8) uint8_t buffer_[1024] = {};  ///< the time of an event, and the message
 };
 
 }  // namespace brindle

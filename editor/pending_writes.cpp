@@ -4,23 +4,21 @@
 namespace brindle {
 
 void PendingWrites::Written(uint32_t port, float value, int64_t now_ms) {
-    if (port >= kPorts) {
-        return;
-    }
-    Write& write = writes[port];
+    if (port >= kPorts) return;
+    Write& write = writes_[port];
     write.value = value;
     // A drag writes without pause: the wait begins with its first write, or it would not end.
     if (!write.pending) {
         write.pending = true;
         write.since_ms = now_ms;
-        ++count;
+        ++count_;
     }
 }
 
 void PendingWrites::Reported(uint32_t port) {
-    if (port < kPorts && writes[port].pending) {
-        writes[port].pending = false;
-        --count;
+    if (port < kPorts && writes_[port].pending) {
+        writes_[port].pending = false;
+        --count_;
     }
 }
 

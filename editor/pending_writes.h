@@ -24,13 +24,11 @@ class PendingWrites {
     /// value written last. Those count as reported.
     template <typename Take>
     void TakeDue(int64_t now_ms, Take take) {
-        if (count == 0) {
-            return;
-        }
+        if (count_ == 0) return;
         for (uint32_t port = 0; port < kPorts; ++port) {
-            if (writes[port].pending && now_ms - writes[port].since_ms >= kWaitMs) {
+            if (writes_[port].pending && now_ms - writes_[port].since_ms >= kWaitMs) {
                 Reported(port);
-                take(port, writes[port].value);
+                take(port, writes_[port].value);
             }
         }
     }
@@ -41,8 +39,8 @@ class PendingWrites {
         float value = 0.0f;
         int64_t since_ms = 0;
     };
-    std::array<Write, kPorts> writes;
-    uint32_t count = 0;
+    std::array<Write, kPorts> writes_;
+    uint32_t count_ = 0;
 };
 
 }  // namespace brindle

@@ -40,9 +40,7 @@ struct PuglWindow::Impl {
     template <typename... Args>
     void Call(void (*PuglCallbacks::*callback)(PuglWindow&, Args...),
               std::type_identity_t<Args>... args) {
-        if (callbacks != nullptr) {
-            Contain([&] { (callbacks->*callback)(window, args...); });
-        }
+        if (callbacks != nullptr) Contain([&] { (callbacks->*callback)(window, args...); });
     }
 
     void ReportSize() {
@@ -84,9 +82,7 @@ struct PuglWindow::Impl {
     static void OnMouse(PuglView* view, int button, bool press, int x, int y) {
         Impl& impl = Of(view);
         impl.TakeEvent(press ? ButtonPress : ButtonRelease);
-        if (button <= kButtons) {
-            impl.Call(&PuglCallbacks::mouse, button, press, x, y);
-        }
+        if (button <= kButtons) impl.Call(&PuglCallbacks::mouse, button, press, x, y);
     }
 
     static void OnScroll(PuglView* view, float dx, float dy) {
@@ -108,32 +104,26 @@ struct PuglWindow::Impl {
     }
 };
 
-PuglWindow::PuglWindow() : impl(std::make_unique<Impl>(*this)) {}
+PuglWindow::PuglWindow() : impl_(std::make_unique<Impl>(*this)) {}
 
 std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* title, int width,
                                                int height) {
-    if (!CanOpenWindow(parent)) {
-        return nullptr;
-    }
+    if (!CanOpenWindow(parent)) return nullptr;
     std::unique_ptr<PuglWindow> window(new PuglWindow);
     PuglView* view = puglCreate(static_cast<PuglNativeWindow>(parent), title, width, height, true);
-    if (view == nullptr) {
-        return nullptr;
-    }
-    window->impl->view = view;
-    window->impl->parent = parent;
-    puglSetHandle(view, window->impl.get());
+    if (view == nullptr) return nullptr;
+    window->impl_->view = view;
+    window->impl_->parent = parent;
+    puglSetHandle(view, window->impl_.get());
     puglSetReshapeFunc(view, Impl::OnFirstReshape);
 
     // Pugl leaves its requests unsent, so until events are processed the window does not exist for
     // the host. Without a display function nothing of ours is drawn meanwhile.
-    for (int step = 0; step < kWaitSteps && window->impl->watch == nullptr; ++step) {
+    for (int step = 0; step < kWaitSteps && window->impl_->watch == nullptr; ++step) {
         puglProcessEvents(view);
         std::this_thread::sleep_for(kWaitStep);
     }
-    if (window->impl->watch == nullptr) {
-        return nullptr;
-    }
+    if (window->impl_->watch == nullptr) return nullptr;
     puglSetDisplayFunc(view, Impl::OnDisplay);
     puglSetMotionFunc(view, Impl::OnMotion);
     puglSetMouseFunc(view, Impl::OnMouse);
@@ -145,61 +135,57 @@ std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* tit
 
 PuglWindow::~PuglWindow() {
     // A context that is destroyed while current dangles, and takes the host down some openings on.
-    if (impl->context != nullptr && glXGetCurrentContext() == impl->context) {
-        glXMakeCurrent(impl->display, None, nullptr);
+    if (impl_->context != nullptr && glXGetCurrentContext() == impl_->context) {
+        glXMakeCurrent(impl_->display, None, nullptr);
     }
-    if (impl->view != nullptr) {
-        puglDestroy(impl->view);
-    }
+    if (impl_->view != nullptr) puglDestroy(impl_->view);
 }
 
 void PuglWindow::SetCallbacks(const PuglCallbacks* callbacks, void* handle) {
-    impl->callbacks = callbacks;
-    impl->handle = handle;
-    impl->reported = {};
-    impl->ReportSize();
+    impl_->callbacks = callbacks;
+    impl_->handle = handle;
+    impl_->reported = {};
+    impl_->ReportSize();
     PostRedisplay();
 }
 
 uintptr_t PuglWindow::GetNativeWindow() const {
-    return static_cast<uintptr_t>(puglGetNativeWindow(impl->view));
+    return static_cast<uintptr_t>(puglGetNativeWindow(impl_->view));
 }
 
 void PuglWindow::ProcessEvents() {
-    impl->watch->ReadAhead();
-    if (impl->watch->IsGone()) {
-        return;
-    }
-    impl->watch->FollowParent();
-    impl->ReportSize();
-    puglProcessEvents(impl->view);
+    impl_->watch->ReadAhead();
+    if (impl_->watch->IsGone()) return;
+    impl_->watch->FollowParent();
+    impl_->ReportSize();
+    puglProcessEvents(impl_->view);
 }
 
 void PuglWindow::PostRedisplay() {
-    puglPostRedisplay(impl->view);
+    puglPostRedisplay(impl_->view);
 }
 
 void* PuglWindow::GetHandle() const {
-    return impl->handle;
+    return impl_->handle;
 }
 
 bool PuglWindow::MakeCurrent() {
-    impl->watch->ReadAhead();
-    if (!impl->watch->IsGone() &&
-        glXMakeCurrent(impl->display, static_cast<Window>(GetNativeWindow()), impl->context) !=
+    impl_->watch->ReadAhead();
+    if (!impl_->watch->IsGone() &&
+        glXMakeCurrent(impl_->display, static_cast<Window>(GetNativeWindow()), impl_->context) !=
             False) {
         return true;
     }
-    glXMakeCurrent(impl->display, None, nullptr);
+    glXMakeCurrent(impl_->display, None, nullptr);
     return false;
 }
 
 uint32_t PuglWindow::GetEventTime() const {
-    return impl->eventTime;
+    return impl_->eventTime;
 }
 
 uint32_t PuglWindow::GetModifiers() const {
-    return static_cast<uint32_t>(puglGetModifiers(impl->view));
+    return static_cast<uint32_t>(puglGetModifiers(impl_->view));
 }
 
 }  // namespace brindle

@@ -62,7 +62,7 @@ class PuglWindow {
   private:
     struct Impl;
     PuglWindow();
-    std::unique_ptr<Impl> impl;
+    std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace brindle

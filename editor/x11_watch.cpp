@@ -35,9 +35,7 @@ XExtData** PrivateData(Display* display) {
 
 X11Watch* FindWatch(Display* display) {
     for (XExtData* data = *PrivateData(display); data != nullptr; data = data->next) {
-        if (data->free_private == KeepWatch) {
-            return reinterpret_cast<X11Watch*>(data->private_data);
-        }
+        if (data->free_private == KeepWatch) return reinterpret_cast<X11Watch*>(data->private_data);
     }
     return nullptr;
 }
@@ -53,9 +51,7 @@ void IgnoreLostWindows(Display* display) {
     XESetWireToError(display, BadDrawable, IgnoreError);
     int firstError = 0;
     int firstEvent = 0;
-    if (glXQueryExtension(display, &firstError, &firstEvent) == False) {
-        return;
-    }
+    if (glXQueryExtension(display, &firstError, &firstEvent) == False) return;
     for (int error : kLostDrawableErrors) {
         XESetWireToError(display, firstError + error, IgnoreError);
     }
@@ -73,11 +69,11 @@ struct CloseDisplay {
 }  // namespace
 
 X11Watch::X11Watch(Display* newDisplay, Window newWindow, Window newParent)
-    : display(newDisplay), window(newWindow), parent(newParent) {
-    IgnoreLostWindows(display);
+    : display_(newDisplay), window_(newWindow), parent_(newParent) {
+    IgnoreLostWindows(display_);
 
     auto* data = static_cast<XExtData*>(Xcalloc(1, sizeof(XExtData)));
-    const XExtCodes* codes = XAddExtension(display);
+    const XExtCodes* codes = XAddExtension(display_);
     if (data == nullptr || codes == nullptr) {
         Xfree(data);
         return;
@@ -85,20 +81,20 @@ X11Watch::X11Watch(Display* newDisplay, Window newWindow, Window newParent)
     data->number = codes->extension;
     data->free_private = KeepWatch;
     data->private_data = reinterpret_cast<XPointer>(this);
-    XAddToExtensionList(PrivateData(display), data);
+    XAddToExtensionList(PrivateData(display_), data);
     for (int event : kEvents) {
-        XESetWireToEvent(display, event, [](Display* from, XEvent* to, xEvent* wire) {
+        XESetWireToEvent(display_, event, [](Display* from, XEvent* to, xEvent* wire) {
             return OnEvent(from, to, wire);
         });
     }
 
     XWindowAttributes attributes{};
-    if (XGetWindowAttributes(display, window, &attributes) != 0) {
-        size = {attributes.width, attributes.height};
+    if (XGetWindowAttributes(display_, window_, &attributes) != 0) {
+        size_ = {attributes.width, attributes.height};
     }
-    if (parent != 0 && XGetWindowAttributes(display, parent, &attributes) != 0) {
-        parentSize = {attributes.width, attributes.height};
-        XSelectInput(display, parent, StructureNotifyMask);
+    if (parent_ != 0 && XGetWindowAttributes(display_, parent_, &attributes) != 0) {
+        parentSize_ = {attributes.width, attributes.height};
+        XSelectInput(display_, parent_, StructureNotifyMask);
     }
 }
 
@@ -114,26 +110,26 @@ void X11Watch::Record(const XEvent& event) {
     switch (event.type) {
         case KeyPress:
         case KeyRelease:
-            inputs.push_back(
+            inputs_.push_back(
                 {event.type, static_cast<uint32_t>(event.xkey.time), event.xkey.x, event.xkey.y});
             break;
         case ButtonPress:
         case ButtonRelease:
             if (event.type == ButtonPress || !IsWheel(event.xbutton.button)) {
-                inputs.push_back({event.type, static_cast<uint32_t>(event.xbutton.time),
-                                  event.xbutton.x, event.xbutton.y});
+                inputs_.push_back({event.type, static_cast<uint32_t>(event.xbutton.time),
+                                   event.xbutton.x, event.xbutton.y});
             }
             break;
         case DestroyNotify:
-            gone = gone || event.xdestroywindow.window == window;
+            gone_ = gone_ || event.xdestroywindow.window == window_;
             break;
         case ConfigureNotify: {
             const WindowSize newSize = {event.xconfigure.width, event.xconfigure.height};
-            if (event.xconfigure.window == window) {
+            if (event.xconfigure.window == window_) {
                 RecordOwnSize(newSize);
-            } else if (event.xconfigure.window == parent && newSize != parentSize) {
-                parentSize = newSize;
-                parentResized = true;
+            } else if (event.xconfigure.window == parent_ && newSize != parentSize_) {
+                parentSize_ = newSize;
+                parentResized_ = true;
             }
             break;
         }
@@ -143,43 +139,37 @@ void X11Watch::Record(const XEvent& event) {
 }
 
 void X11Watch::RecordOwnSize(WindowSize newSize) {
-    if (newSize == size) {
-        return;
-    }
-    size = newSize;
-    while (!requested.empty() && requested.front() != newSize) {
-        requested.pop_front();
-    }
-    if (requested.empty()) {
-        hostSizesWindow = true;
+    if (newSize == size_) return;
+    size_ = newSize;
+    while (!requested_.empty() && requested_.front() != newSize) requested_.pop_front();
+    if (requested_.empty()) {
+        hostSizesWindow_ = true;
     } else {
-        requested.pop_front();
+        requested_.pop_front();
     }
 }
 
 void X11Watch::ReadAhead() {
-    XPending(display);
+    XPending(display_);
 }
 
 InputEvent X11Watch::Take(int type) {
-    while (!inputs.empty()) {
-        const InputEvent input = inputs.front();
-        inputs.pop_front();
-        last = input;
-        if (input.type == type) {
-            break;
-        }
+    while (!inputs_.empty()) {
+        const InputEvent input = inputs_.front();
+        inputs_.pop_front();
+        last_ = input;
+        if (input.type == type) break;
     }
-    return last;
+    return last_;
 }
 
 void X11Watch::FollowParent() {
-    if (parentResized && !hostSizesWindow && parentSize != size) {
-        requested.push_back(parentSize);
-        XResizeWindow(display, window, static_cast<unsigned>(parentSize.width),
-                      static_cast<unsigned>(parentSize.height));
+    if (parentResized_ && !hostSizesWindow_ && parentSize_ != size_) {
+        requested_.push_back(parentSize_);
+        XResizeWindow(display_, window_, static_cast<unsigned>(parentSize_.width),
+                      static_cast<unsigned>(parentSize_.height));
     }
-    parentResized = false;
+    parentResized_ = false;
 }
 
 bool CanOpenWindow(Window parent) {
@@ -206,12 +196,8 @@ bool CanOpenWindow(Window parent) {
         GLX_RGBA, GLX_RED_SIZE, 4, GLX_GREEN_SIZE, 4, GLX_BLUE_SIZE, 4, GLX_DEPTH_SIZE, 16, 0};
     const int screen = DefaultScreen(display.get());
     XVisualInfo* visual = glXChooseVisual(display.get(), screen, wanted.data());
-    if (visual == nullptr) {
-        visual = glXChooseVisual(display.get(), screen, enough.data());
-    }
-    if (visual == nullptr) {
-        return false;
-    }
+    if (visual == nullptr) visual = glXChooseVisual(display.get(), screen, enough.data());
+    if (visual == nullptr) return false;
     XFree(visual);
     XESetWireToError(display.get(), BadWindow, IgnoreError);
     XESetWireToError(display.get(), BadDrawable, IgnoreError);

@@ -39,8 +39,8 @@ class X11Watch {
     /// one again.
     InputEvent Take(int type);
     /// The window has been destroyed, with its parent as a rule.
-    bool IsGone() const { return gone; }
-    WindowSize GetSize() const { return size; }
+    bool IsGone() const { return gone_; }
+    WindowSize GetSize() const { return size_; }
     /// Asks for the parent's size where that has changed, unless the host sizes the window itself.
     void FollowParent();
 
@@ -49,17 +49,17 @@ class X11Watch {
     void Record(const XEvent& event);
     void RecordOwnSize(WindowSize newSize);
 
-    Display* display;
-    Window window;
-    Window parent;
-    WindowSize size;
-    WindowSize parentSize;
-    bool gone = false;
-    bool parentResized = false;
-    bool hostSizesWindow = false;
-    std::deque<WindowSize> requested;  ///< sizes asked for that have not come yet
-    std::deque<InputEvent> inputs;
-    InputEvent last;
+    Display* display_;
+    Window window_;
+    Window parent_;
+    WindowSize size_;
+    WindowSize parentSize_;
+    bool gone_ = false;
+    bool parentResized_ = false;
+    bool hostSizesWindow_ = false;
+    std::deque<WindowSize> requested_;  ///< sizes asked for that have not come yet
+    std::deque<InputEvent> inputs_;
+    InputEvent last_;
 };
 
 /// Whether Pugl can make a window there: a display with OpenGL, and the parent (0: none needed)

@@ -105,9 +105,7 @@ void init_analyser(SpectrumAnalyser& analyser, double rate) {
         analyser.bins.re[bin] = 0.8;
         design_low_pass(analyser.bins, bin, analyser.dt);
     }
-    for (auto& row : analyser.rows) {
-        row.fill(0.0f);
-    }
+    for (auto& row : analyser.rows) row.fill(0.0f);
     analyser.row_index = 0;
     analyser.advance_bins = choose_advance_bins();
 }
@@ -123,9 +121,7 @@ void analyse(SpectrumAnalyser& analyser, const float* input, uint32_t n) noexcep
         const auto last = static_cast<uint16_t>(analyser.counter + count - 1);
         if (count == until_tick) {
             renormalise(analyser.bins, last == 0);
-            if ((last & analyser.frame_mask) == 0) {
-                finish_row(analyser);
-            }
+            if ((last & analyser.frame_mask) == 0) finish_row(analyser);
         }
         analyser.counter = static_cast<uint16_t>(last + 1);
         input += count;

@@ -258,9 +258,7 @@ class Pipeline {
     template <size_t kPhase>
     HWY_INLINE void steady_step(size_t step, const Weights& w) {
         VF input[kChannels];
-        for (size_t c = 0; c < kChannels; ++c) {
-            input[c] = hn::Set(F(), in_[c][step]);
-        }
+        for (size_t c = 0; c < kChannels; ++c) input[c] = hn::Set(F(), in_[c][step]);
         advance<kPhase>(w, input, [](size_t, V, V next) HWY_ATTR { return next; });
         put_out<kPhase>(step - kDelay);
     }

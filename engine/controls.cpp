@@ -44,7 +44,7 @@ bool ports_changed(EqInstance& eq) {
     uint32_t difference = 0;
     for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
         const float* data = eq.ports[port];
-        if (!data) continue;
+        if (data == nullptr) continue;
         const auto bits = std::bit_cast<uint32_t>(*data);
         difference |= bits ^ eq.port_bits[port];
         eq.port_bits[port] = bits;
@@ -150,8 +150,9 @@ void control_tick(EqInstance& eq) noexcept {
             last = &stage;
         }
     }
-    for (size_t i = 0; i < eq.bands.size(); ++i)
+    for (size_t i = 0; i < eq.bands.size(); ++i) {
         changed |= tick_stage(eq.bands[i], eq.band_on[i], nullptr);
+    }
     if (changed) update_weights(eq);
 
     const float trim_before = eq.trim_gain;

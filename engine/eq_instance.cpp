@@ -47,7 +47,7 @@ void init_stages(EqInstance& eq, double rate) {
 
 EqInstance* create_instance(double rate, LV2_URID_Map* map) {
     auto* eq = new (std::nothrow) EqInstance{};
-    if (!eq) return nullptr;
+    if (eq == nullptr) return nullptr;
     eq->map = map;
     lv2_atom_forge_init(&eq->forge, map);
     eq->uris = map_urids(map, UridOrder::RequestsFirst);

@@ -79,7 +79,7 @@ bool design(FilterStage& stage, const FilterStage* alike) noexcept {
     if (pass) origin.gain = origin.damping = 0.0;
     if (origin == stage.origin) return false;
     stage.origin = origin;
-    const bool same = alike && alike->origin == origin;
+    const bool same = (alike != nullptr) && alike->origin == origin;
     const Coefficients c = same
                                ? Coefficients{alike->b0, alike->b1, alike->b2, alike->a1, alike->a2}
                                : designed(stage);

@@ -21,12 +21,12 @@ EqInstance& instance_of(LV2_Handle handle) {
 LV2_Handle instantiate(const LV2_Descriptor* /*descriptor*/, double rate,
                        const char* /*bundle_path*/, const LV2_Feature* const* features) {
     LV2_URID_Map* map = nullptr;
-    for (; features && *features; ++features) {
+    for (; (features != nullptr) && (*features != nullptr); ++features) {
         if (std::strcmp((*features)->URI, LV2_URID__map) == 0) {
             map = static_cast<LV2_URID_Map*>((*features)->data);
         }
     }
-    if (!map) {
+    if (map == nullptr) {
         std::fputs("Brindle error: Host does not support urid:map\n", stderr);
         return nullptr;
     }

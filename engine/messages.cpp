@@ -45,18 +45,14 @@ void write_row(LV2_Atom_Forge& forge, const EqUris& uris, int32_t sample_rate,
 }  // namespace
 
 bool read_requests(const LV2_Atom_Sequence* control, const EqUris& uris, bool ui_active) noexcept {
-    if (control == nullptr) {
-        return ui_active;
-    }
+    if (control == nullptr) return ui_active;
     const auto* bytes = reinterpret_cast<const uint8_t*>(control);
     const size_t end = sizeof(LV2_Atom) + read_as<LV2_Atom>(bytes).size;
     size_t at = sizeof(LV2_Atom_Sequence);
     while (at < end && end - at >= sizeof(LV2_Atom_Event)) {
         const LV2_Atom body = read_as<LV2_Atom>(bytes + at + offsetof(LV2_Atom_Event, body));
         at += sizeof(LV2_Atom_Event);
-        if (body.size > end - at) {
-            break;
-        }
+        if (body.size > end - at) break;
         const bool is_object = body.type == uris.atom_object || body.type == uris.atom_blank;
         if (is_object && body.size >= sizeof(LV2_Atom_Object_Body)) {
             const LV2_URID type = read_as<LV2_Atom_Object_Body>(bytes + at).otype;
@@ -69,16 +65,12 @@ bool read_requests(const LV2_Atom_Sequence* control, const EqUris& uris, bool ui
 
 void write_notify(LV2_Atom_Forge& forge, LV2_Atom_Sequence* notify, const EqUris& uris,
                   bool ui_active, int32_t sample_rate, const SpectrumAnalyser& analyser) noexcept {
-    if (notify == nullptr || notify->atom.size < kEmptySequenceBytes) {
-        return;
-    }
+    if (notify == nullptr || notify->atom.size < kEmptySequenceBytes) return;
     const uint32_t capacity = notify->atom.size;
     LV2_Atom_Forge_Frame sequence;
     lv2_atom_forge_set_buffer(&forge, reinterpret_cast<uint8_t*>(notify), capacity);
     lv2_atom_forge_sequence_head(&forge, &sequence, 0);
-    if (ui_active && capacity >= kRowSequenceBytes) {
-        write_row(forge, uris, sample_rate, analyser);
-    }
+    if (ui_active && capacity >= kRowSequenceBytes) write_row(forge, uris, sample_rate, analyser);
     lv2_atom_forge_pop(&forge, &sequence);
 }
 

@@ -145,7 +145,7 @@ void put_output(EqInstance& eq, size_t offset, size_t n) {
 // number (from such input) do not reach it.
 void update_meter(const EqInstance& eq, uint32_t port, float power) {
     float* meter = eq.ports[port];
-    if (!meter) return;
+    if (meter == nullptr) return;
     float held = *meter;
     if (!std::isfinite(held)) held = 0.0f;
     if (std::isfinite(power)) held = std::max(power, held);

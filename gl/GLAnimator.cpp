@@ -50,9 +50,7 @@ float GLAnimator_Translator::Apply() {
 }
 
 float Pulse(float period_ms) {
-    if (!(period_ms > 0.0f)) {
-        return 0.5f;
-    }
+    if (!(period_ms > 0.0f)) return 0.5f;
     const double t_ms = std::floor(static_cast<double>(std::clock()) / 1e6 * 1000.0);
     const double phase = std::fmod(t_ms, static_cast<double>(period_ms)) / period_ms;
     return static_cast<float>((std::sin(2.0 * std::numbers::pi * phase) + 1.0) * 0.5);

@@ -57,9 +57,7 @@ GLuint LoadGlyph(const char* path) {
 GLuint LoadTexture(const char* path) {
     glGetError();
     Bitmap image;
-    if (!LoadBitmap(path, image)) {
-        return 0;
-    }
+    if (!LoadBitmap(path, image)) return 0;
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);
@@ -96,19 +94,13 @@ GLResources::~GLResources() {
 }
 
 GLuint GLResources::Keep(GLuint texture) {
-    if (texture != 0) {
-        owned_.push_back(texture);
-    }
+    if (texture != 0) owned_.push_back(texture);
     return texture;
 }
 
 GLuint GLResources::Image(uint32_t number) {
-    if (number >= kImageCount) {
-        return 0;
-    }
-    if (images[number] == 0) {
-        images[number] = Keep(LoadTexture(ImagePath(number).c_str()));
-    }
+    if (number >= kImageCount) return 0;
+    if (images[number] == 0) images[number] = Keep(LoadTexture(ImagePath(number).c_str()));
     return images[number];
 }
 
@@ -119,18 +111,14 @@ GLuint GLResources::LoadMipmappedTexture(uint32_t firstImage, int levels) {
     for (int level = 0; level < levels; ++level) {
         const std::string path = ImagePath(firstImage + static_cast<uint32_t>(level));
         Bitmap image;
-        if (!LoadBitmap(path.c_str(), image)) {
-            continue;
-        }
+        if (!LoadBitmap(path.c_str(), image)) continue;
         glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
         glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_BASE_LEVEL, 0);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, levels - 1);
         UploadLevel(level, image, path.c_str());
     }
-    if (firstImage < kImageCount) {
-        images[firstImage] = texture;
-    }
+    if (firstImage < kImageCount) images[firstImage] = texture;
     return Keep(texture);
 }
 

@@ -29,9 +29,7 @@ void ForEachChild(const GLView& view, void (GLView::*operation)(Parameters...),
 void DrawEachChild(GLView& view, void (GLView::*pass)()) {
     std::vector<GLView*> children;
     for (GLView* child = view.firstChild; child != nullptr; child = child->nextSibling) {
-        if (view.DrawsChild(*child)) {
-            children.push_back(child);
-        }
+        if (view.DrawsChild(*child)) children.push_back(child);
     }
     for (GLView* child : children) {
         const MatrixScope matrix;
@@ -47,19 +45,15 @@ void ApplyPlace(const GLView& view) {
 /// The first child that is hit by a point in its parent's local coordinates.
 GLView* FirstHit(const GLView& view, GLPoint point) {
     GLView* child = view.firstChild;
-    while (child != nullptr && !child->HitTest(point)) {
-        child = child->nextSibling;
-    }
+    while (child != nullptr && !child->HitTest(point)) child = child->nextSibling;
     return child;
 }
 
 /// Hands a role over: whoever else has it gives it up, then the page hears who has it now.
-void ChangeRole(GLView* view, bool on, GLView* (GLView::*holder_of)(), void (GLView::*change)(bool),
+void ChangeRole(GLView* view, bool on, GLView* (GLView::*holderOf)(), void (GLView::*change)(bool),
                 void (GLView::*give)(GLView*)) {
-    GLView* holder = (view->*holder_of)();
-    if (holder != nullptr && holder != view) {
-        (holder->*change)(false);
-    }
+    GLView* holder = (view->*holderOf)();
+    if (holder != nullptr && holder != view) (holder->*change)(false);
     (view->*give)(on ? view : nullptr);
 }
 
@@ -113,14 +107,10 @@ GLView* GLView::Page() {
 }
 
 void GLView::AddChild(GLView* child) {
-    if (child == nullptr || child == this) {
-        return;
-    }
+    if (child == nullptr || child == this) return;
     GLView** link = &firstChild;
     while (*link != nullptr) {
-        if (*link == child) {
-            return;
-        }
+        if (*link == child) return;
         link = &(*link)->nextSibling;
     }
     *link = child;
@@ -148,9 +138,7 @@ void GLView::DeleteChildren() {
 
 int32_t GLView::CountChildren() {
     int32_t count = 0;
-    for (const GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
-        ++count;
-    }
+    for (const GLView* child = firstChild; child != nullptr; child = child->nextSibling) ++count;
     return count;
 }
 
@@ -204,18 +192,14 @@ GLPoint GLView::LocalToPage(GLPoint point) {
 }
 
 GLPoint GLView::PageToLocal(GLPoint point) {
-    if (parent != nullptr) {
-        point = parent->PageToLocal(point);
-    }
+    if (parent != nullptr) point = parent->PageToLocal(point);
     ParentToLocal(point);
     return point;
 }
 
 bool GLView::HitTest(GLPoint point) {
     ParentToLocal(point);
-    if (FirstHit(*this, point) != nullptr) {
-        return true;
-    }
+    if (FirstHit(*this, point) != nullptr) return true;
     return visible && point.x * point.x < hw * hw && point.y * point.y < hh * hh;
 }
 
@@ -234,9 +218,7 @@ void GLView::ShowInfoAt(GLPoint point) {
 
 void GLView::MouseDown(GLPoint point, GLPoint pagePoint) {
     ParentToLocal(point);
-    if (GLView* hit = FirstHit(*this, point)) {
-        hit->MouseDown(point, pagePoint);
-    }
+    if (GLView* hit = FirstHit(*this, point)) hit->MouseDown(point, pagePoint);
 }
 
 void GLView::MouseUp(GLPoint point) {
@@ -276,15 +258,9 @@ void GLView::SetLabel(const char* text) {
 }
 
 void GLView::ReleaseAll() {
-    if (GLView* view = GetSelectedView()) {
-        view->SetSelected(false);
-    }
-    if (GLView* view = GetHoverView()) {
-        view->SetHover(false);
-    }
-    if (GLView* view = GetCapturedView()) {
-        view->SetCaptured(false);
-    }
+    if (GLView* view = GetSelectedView()) view->SetSelected(false);
+    if (GLView* view = GetHoverView()) view->SetHover(false);
+    if (GLView* view = GetCapturedView()) view->SetCaptured(false);
 }
 
 void GLView::SetHover(bool on) {
@@ -301,9 +277,7 @@ void GLView::SetSelected(bool on) {
 
 void GLView::SetVisible(bool on) {
     visible = on;
-    if (!on && GetSelectedView() == this) {
-        SetSelected(false);
-    }
+    if (!on && GetSelectedView() == this) SetSelected(false);
     ForEachChild(*this, &GLView::SetVisible, on);
 }
 

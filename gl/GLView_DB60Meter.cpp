@@ -16,12 +16,12 @@ float GLView_DB60Meter::GetFill() const {
 }
 
 void GLView_DB60Meter::DrawBack() {
-    constexpr float kMarks_db[] = {0, -3, -6, -12, -20, -30, -40, -50, -60};
+    constexpr float kMarksDb[] = {0, -3, -6, -12, -20, -30, -40, -50, -60};
     const GLResources* resources = GetResources();
     const float s = GetInterfaceScale();
     glTranslatef(x, y, 0.0f);
     DrawWell(resources, hw, hh + 6.0f * s, 4.0f * s, lightColor);
-    for (const float mark_db : kMarks_db) {
+    for (const float mark_db : kMarksDb) {
         const MatrixScope matrix;
         glTranslatef(0.0f, 2.0f * hh * ((mark_db + 60.0f) / 60.0f) - hh, 0.0f);
         shadeColor.ApplyFaded(0.3f);

@@ -20,9 +20,7 @@ GLView_DecoratorBox::GLView_DecoratorBox() {
 bool GLView_DecoratorBox::HitTest(GLPoint point) {
     ParentToLocal(point);
     for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
-        if (child->HitTest(point)) {
-            return true;
-        }
+        if (child->HitTest(point)) return true;
     }
     return false;
 }

@@ -88,9 +88,7 @@ bool GLView_Knob::IsFine() {
 
 void GLView_Knob::ParameterChanged(uint32_t index) {
     GLView::ParameterChanged(index);
-    if (index != port) {
-        return;
-    }
+    if (index != port) return;
     const float value = GetParameter(index);
     if (!std::isfinite(value)) {
         return;  // the engine ignores it too: the last valid value is in force
@@ -140,17 +138,11 @@ void GLView_Knob::MouseDragTo(GLPoint pagePoint) {
     const float wanted = normalised + step * moved;
     const float reached = Clamp01(wanted);
     // Beyond an end the anchor stays, so that the way back counts as soon as it is in range.
-    if (wanted == reached) {
-        dragLast = pagePoint;
-    }
+    if (wanted == reached) dragLast = pagePoint;
     float value = MapValue(reached);
-    if (limitLow != kNoLimit) {
-        value = std::min(std::max(value, limitLow), limitHigh);
-    }
+    if (limitLow != kNoLimit) value = std::min(std::max(value, limitLow), limitHigh);
     writer.Write(port, value);
-    if (gesturePort != kNoGesturePort) {
-        writer.Write(gesturePort, 1.0f);
-    }
+    if (gesturePort != kNoGesturePort) writer.Write(gesturePort, 1.0f);
 }
 
 void GLView_Knob::LetGo() {
@@ -165,9 +157,7 @@ void GLView_Knob::MouseUp(GLPoint /*point*/) {
 }
 
 void GLView_Knob::SetCaptured(bool on) {
-    if (!on) {
-        LetGo();
-    }
+    if (!on) LetGo();
     GLView::SetCaptured(on);
 }
 

@@ -45,9 +45,7 @@ void GLView_Menu::PlaceAt(GLPoint pagePoint) {
 GLView_Menu_Item* GLView_Menu::PresentItem() {
     for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
         auto* item = dynamic_cast<GLView_Menu_Item*>(child);
-        if (item != nullptr && item->IsPresent()) {
-            return item;
-        }
+        if (item != nullptr && item->IsPresent()) return item;
     }
     return nullptr;
 }
@@ -55,9 +53,7 @@ GLView_Menu_Item* GLView_Menu::PresentItem() {
 bool GLView_Menu::HitTest(GLPoint point) {
     ParentToLocal(point);
     for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
-        if (child->HitTest(point)) {
-            return true;
-        }
+        if (child->HitTest(point)) return true;
     }
     return false;
 }
@@ -65,9 +61,7 @@ bool GLView_Menu::HitTest(GLPoint point) {
 void GLView_Menu::Draw() {
     constexpr float kDarkest = 0.6f;
     constexpr float kFadeStep = 0.02f;
-    if (fade < kDarkest) {
-        fade = std::min(fade + kFadeStep, kDarkest);
-    }
+    if (fade < kDarkest) fade = std::min(fade + kFadeStep, kDarkest);
     const Look look(*this);
     {
         const MatrixScope matrix;

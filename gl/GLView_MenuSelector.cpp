@@ -8,10 +8,10 @@ namespace {
 
 constexpr float kArrowRoom = 9.0f;  // design points
 
-void DrawEdge(float y, float half_length, float half_thickness) {
+void DrawEdge(float y, float halfLength, float halfThickness) {
     const MatrixScope matrix;
     glTranslatef(0.0f, y, 0.0f);
-    DrawRect(half_length, half_thickness);
+    DrawRect(halfLength, halfThickness);
 }
 
 }  // namespace
@@ -21,16 +21,12 @@ GLView_MenuSelector::GLView_MenuSelector() {
 }
 
 GLView_MenuSelector::~GLView_MenuSelector() {
-    if (page != nullptr && menu.visible) {
-        page->CloseDialog(false);
-    }
+    if (page != nullptr && menu.visible) page->CloseDialog(false);
 }
 
 void GLView_MenuSelector::AddItem(uint32_t port, float value, float width, const char* text) {
     page = Page();
-    if (page == nullptr) {
-        return;
-    }
+    if (page == nullptr) return;
     menu.parent = page;
     menu.SetWidth(width);
     menu.SetPosition(LocalToPage({0.0f, 0.0f}));
@@ -38,9 +34,7 @@ void GLView_MenuSelector::AddItem(uint32_t port, float value, float width, const
 }
 
 void GLView_MenuSelector::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
-    if (page == nullptr) {
-        return;
-    }
+    if (page == nullptr) return;
     SetCaptured(true);
     menu.PlaceAt(LocalToPage({0.0f, 0.0f}));
     page->OpenDialog(&menu);
@@ -50,9 +44,7 @@ void GLView_MenuSelector::MouseUp(GLPoint point) {
     SetCaptured(false);
     // A view that holds the pointer gets page coordinates.
     const GLPoint inParent = parent != nullptr ? parent->PageToLocal(point) : point;
-    if (menu.visible && menu.HitTest(point) && !HitTest(inParent)) {
-        menu.MouseUp(point);
-    }
+    if (menu.visible && menu.HitTest(point) && !HitTest(inParent)) menu.MouseUp(point);
 }
 
 void GLView_MenuSelector::DrawBack() {

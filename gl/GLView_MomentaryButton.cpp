@@ -9,9 +9,7 @@ void GLView_MomentaryButton::MouseDown(GLPoint point, GLPoint pagePoint) {
         // First, so that what was auditioned elsewhere is back before it is saved here.
         SetCaptured(true);
         for (uint32_t port = 0; port < values.size(); ++port) {
-            if (values[port] != kNotSet) {
-                saved[port] = GetParameter(port);
-            }
+            if (values[port] != kNotSet) saved[port] = GetParameter(port);
         }
         held_ = true;
     }
@@ -31,9 +29,7 @@ void GLView_MomentaryButton::MouseUp(GLPoint point) {
 }
 
 void GLView_MomentaryButton::SetCaptured(bool on) {
-    if (!on) {
-        Restore();
-    }
+    if (!on) Restore();
     GLView::SetCaptured(on);
 }
 

@@ -10,14 +10,10 @@ void GLView_PopButton::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
 }
 
 void GLView_PopButton::MouseUp(GLPoint point) {
-    if (GetCapturedView() != this) {
-        return;
-    }
+    if (GetCapturedView() != this) return;
     SetCaptured(false);
     // A view that holds the pointer gets page coordinates.
-    if (!HitTest(parent->PageToLocal(point))) {
-        return;
-    }
+    if (!HitTest(parent->PageToLocal(point))) return;
     if (dialog != nullptr) {
         OpenDialog(dialog);
     } else {

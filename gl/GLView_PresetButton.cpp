@@ -14,9 +14,7 @@ void GLView_PresetButton::SetWriter(const HostWriter& hostWriter) {
 }
 
 void GLView_PresetButton::SetPresetValue(uint32_t index, float value) {
-    if (index < values.size()) {
-        values[index] = value;
-    }
+    if (index < values.size()) values[index] = value;
 }
 
 void GLView_PresetButton::SetPresetName(const char* presetName) {
@@ -25,18 +23,14 @@ void GLView_PresetButton::SetPresetName(const char* presetName) {
 
 void GLView_PresetButton::WriteAll(const Values& from) const {
     for (uint32_t port = 0; port < values.size(); ++port) {
-        if (values[port] != kNotSet) {
-            writer.Write(port, from[port]);
-        }
+        if (values[port] != kNotSet) writer.Write(port, from[port]);
     }
 }
 
 void GLView_PresetButton::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
     SetCaptured(true);
     WriteAll(values);
-    if (GLView* page = Page()) {
-        page->SetInfoText("");
-    }
+    if (GLView* page = Page()) page->SetInfoText("");
 }
 
 void GLView_PresetButton::MouseUp(GLPoint /*point*/) {

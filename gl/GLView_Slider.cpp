@@ -13,9 +13,7 @@ constexpr float kCapWidth = 9.0f;
 
 /// Turns what is drawn from left to right into bottom to top, for vertical sliders.
 void TurnToAxis(bool horizontal) {
-    if (!horizontal) {
-        glRotatef(90.0f, 0.0f, 0.0f, 1.0f);
-    }
+    if (!horizontal) glRotatef(90.0f, 0.0f, 0.0f, 1.0f);
 }
 
 }  // namespace

@@ -10,9 +10,7 @@ namespace {
 void DrawGlow(const Look& look, const GLColor& color, float hw, float hh) {
     constexpr GLPoint kDiscs[] = {{0.8f, 0.8f}, {0.7f, 0.6f}, {0.6f, 0.5f}, {0.5f, 0.4f}};
     color.ApplyFaded(0.4f);
-    for (const GLPoint& disc : kDiscs) {
-        DrawDisc(look.resources, disc.x * hw, disc.y * hh);
-    }
+    for (const GLPoint& disc : kDiscs) DrawDisc(look.resources, disc.x * hw, disc.y * hh);
 }
 
 /// Engraved while the lamp is off, lit on a dark ground while it is on.
@@ -70,9 +68,7 @@ void GLView_Toggle::MouseUp(GLPoint /*point*/) {
 
 void GLView_Toggle::SetCaptured(bool on) {
     GLView::SetCaptured(on);
-    if (!on) {
-        gesture.End();
-    }
+    if (!on) gesture.End();
 }
 
 void GLView_Toggle::DrawBack() {
@@ -93,18 +89,12 @@ void GLView_Toggle::Draw() {
     EnterView(*this);
     {
         const MatrixScope matrix;
-        if (look.captured) {
-            glScalef((hw - look.s) / hw, (hh - look.s) / hh, 1.0f);
-        }
+        if (look.captured) glScalef((hw - look.s) / hw, (hh - look.s) / hh, 1.0f);
         GLColor face = look.enabled ? color : kGrey;
-        if (on) {
-            DrawGlow(look, face, hw, hh);
-        }
+        if (on) DrawGlow(look, face, hw, hh);
         face.ScaleAlpha(0.3f);
         DrawWell(look.resources, 0.9f * hw, 0.9f * hh, look.Corner(0.9f * hh), face);
-        if (!text.empty()) {
-            DrawLampText(look, text.c_str(), look.s * labelSize, on);
-        }
+        if (!text.empty()) DrawLampText(look, text.c_str(), look.s * labelSize, on);
         // Gloss is for round faces; on a wide one it is as flat as the face.
         glScalef(1.0f, hh / hw, 1.0f);
         DrawGloss(look.resources, hw, hw);

@@ -17,9 +17,7 @@ Result AskPage(GLView* view, Result fallback, Result (GLView::*service)(Paramete
 template <typename... Parameters>
 void TellPage(GLView* view, void (GLView::*service)(Parameters...), Parameters... arguments) {
     GLView* page = view->Page();
-    if (page != nullptr && page != view) {
-        (page->*service)(arguments...);
-    }
+    if (page != nullptr && page != view) (page->*service)(arguments...);
 }
 
 }  // namespace

@@ -21,13 +21,9 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 /// Opens a file for reading; null where there is none. Never waits for a pipe's other end.
 File Open(const char* path) {
     const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) {
-        return nullptr;
-    }
+    if (descriptor < 0) return nullptr;
     File file(fdopen(descriptor, "rb"));
-    if (file == nullptr) {
-        close(descriptor);
-    }
+    if (file == nullptr) close(descriptor);
     return file;
 }
 
@@ -42,13 +38,9 @@ int64_t RegularSize(std::FILE* file) {
 template <typename Number>
 bool Read(std::FILE* file, Number& number) {
     uint8_t bytes[sizeof(Number)];
-    if (std::fread(bytes, sizeof bytes, 1, file) != 1) {
-        return false;
-    }
+    if (std::fread(bytes, sizeof bytes, 1, file) != 1) return false;
     uint32_t value = 0;
-    for (size_t i = 0; i < sizeof bytes; ++i) {
-        value |= static_cast<uint32_t>(bytes[i]) << (8 * i);
-    }
+    for (size_t i = 0; i < sizeof bytes; ++i) value |= static_cast<uint32_t>(bytes[i]) << (8 * i);
     number = static_cast<Number>(value);
     return true;
 }
@@ -67,12 +59,8 @@ const char* ReadBitmap(std::FILE* file, Bitmap& image) {
     constexpr uint16_t kSignature = 0x4D42;
     const int64_t size = RegularSize(file);
     uint16_t signature = 0;
-    if (size < 0 || !Read(file, signature)) {
-        return kUnreadable;
-    }
-    if (signature != kSignature) {
-        return "Not a Bitmap-File!";
-    }
+    if (size < 0 || !Read(file, signature)) return kUnreadable;
+    if (signature != kSignature) return "Not a Bitmap-File!";
     uint32_t offset = 0;
     int32_t width = 0;
     int32_t height = 0;
@@ -82,28 +70,18 @@ const char* ReadBitmap(std::FILE* file, Bitmap& image) {
         !Read(file, height) || !Read(file, planes)) {
         return kUnreadable;
     }
-    if (planes != 1) {
-        return "Error: number of Planes not 1!";
-    }
-    if (!Read(file, depth)) {
-        return kUnreadable;
-    }
-    if (depth != 32) {
-        return "Bits per Pixel not 32";
-    }
+    if (planes != 1) return "Error: number of Planes not 1!";
+    if (!Read(file, depth)) return kUnreadable;
+    if (depth != 32) return "Bits per Pixel not 32";
     // Nothing is allocated before the file is known to hold that many pixels.
     constexpr const char* kIncomplete = "Error loading file!";
-    if (!IsSideAllowed(width) || !IsSideAllowed(height)) {
-        return kIncomplete;
-    }
+    if (!IsSideAllowed(width) || !IsSideAllowed(height)) return kIncomplete;
     const int64_t bytes = int64_t{width} * height * 4;
     if (offset + bytes > size || std::fseek(file, static_cast<long>(offset), SEEK_SET) != 0) {
         return kIncomplete;
     }
     std::vector<uint8_t> pixels(static_cast<size_t>(bytes));
-    if (std::fread(pixels.data(), pixels.size(), 1, file) != 1) {
-        return kIncomplete;
-    }
+    if (std::fread(pixels.data(), pixels.size(), 1, file) != 1) return kIncomplete;
     image = {width, height, std::move(pixels)};
     return nullptr;
 }
@@ -114,15 +92,11 @@ bool LoadBitmap(const char* path, Bitmap& image) {
     image = {};
     const File file = Open(path);
     if (file == nullptr) {
-        if (!quietMissingFiles) {
-            std::printf("File not found : %s\n", path);
-        }
+        if (!quietMissingFiles) std::printf("File not found : %s\n", path);
         return false;
     }
     const char* fault = ReadBitmap(file.get(), image);
-    if (fault != nullptr) {
-        std::puts(fault);
-    }
+    if (fault != nullptr) std::puts(fault);
     return fault == nullptr;
 }
 

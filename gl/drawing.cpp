@@ -36,16 +36,12 @@ GLColor Faded(const GLColor& color, float alpha) {
 /// One quad between glBegin and glEnd, upper left corner first and clockwise.
 void EmitQuad(const GLRect& place, const GLRect& texture = kWholeTexture,
               const Fade* fade = nullptr) {
-    if (fade != nullptr) {
-        fade->top.Apply();
-    }
+    if (fade != nullptr) fade->top.Apply();
     glTexCoord2f(texture.left, texture.top);
     glVertex2f(place.left, place.top);
     glTexCoord2f(texture.right, texture.top);
     glVertex2f(place.right, place.top);
-    if (fade != nullptr) {
-        fade->bottom.Apply();
-    }
+    if (fade != nullptr) fade->bottom.Apply();
     glTexCoord2f(texture.right, texture.bottom);
     glVertex2f(place.right, place.bottom);
     glTexCoord2f(texture.left, texture.bottom);
@@ -91,14 +87,10 @@ class OpaqueScope {
         GLfloat current[4];
         glGetFloatv(GL_CURRENT_COLOR, current);
         switched_ = current[3] >= 1.0f && glIsEnabled(GL_BLEND) == GL_TRUE;
-        if (switched_) {
-            glDisable(GL_BLEND);
-        }
+        if (switched_) glDisable(GL_BLEND);
     }
     ~OpaqueScope() {
-        if (switched_) {
-            glEnable(GL_BLEND);
-        }
+        if (switched_) glEnable(GL_BLEND);
     }
     OpaqueScope(const OpaqueScope&) = delete;
     OpaqueScope& operator=(const OpaqueScope&) = delete;
@@ -138,9 +130,7 @@ void DrawTexture(GLuint texture, float hw, float hh) {
 }
 
 void DrawImage(GLResources* resources, uint32_t number) {
-    if (resources != nullptr) {
-        DrawTexture(resources->Image(number), 1.0f, 1.0f);
-    }
+    if (resources != nullptr) DrawTexture(resources->Image(number), 1.0f, 1.0f);
 }
 
 void DrawRect(float hw, float hh) {
@@ -149,15 +139,11 @@ void DrawRect(float hw, float hh) {
 }
 
 void DrawDisc(const GLResources* resources, float hw, float hh) {
-    if (resources != nullptr) {
-        DrawTexture(resources->mipTexture160, hw, hh);
-    }
+    if (resources != nullptr) DrawTexture(resources->mipTexture160, hw, hh);
 }
 
 void DrawBar(const GLResources* resources, float hw, float hh) {
-    if (resources == nullptr) {
-        return;
-    }
+    if (resources == nullptr) return;
     {
         const TexturedQuads quads(resources->mipTexture150);
         EmitQuad({-hw, -hh, hh - hw, hh}, {0.0f, 0.0f, 0.5f, 1.0f});
@@ -172,35 +158,27 @@ void DrawRoundRect(const GLResources* resources, float hw, float hh, float r) {
 }
 
 void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, float r) {
-    if (resources == nullptr) {
-        return;
-    }
-    const auto is_square = [style](const Corner& corner) {
+    if (resources == nullptr) return;
+    const auto isSquare = [style](const Corner& corner) {
         return (style == 1 && corner.y > 0.0f) || (style == 2 && corner.y < 0.0f) ||
                (style == 3 && corner.x < 0.0f) || (style == 4 && corner.x > 0.0f);
     };
     {
         const TexturedQuads quads(resources->mipTexture150);
         for (const Corner& corner : kCorners) {
-            if (!is_square(corner)) {
-                EmitQuad(CornerArea(corner, hw, hh, r), corner.texture);
-            }
+            if (!isSquare(corner)) EmitQuad(CornerArea(corner, hw, hh, r), corner.texture);
         }
     }
     const OpaqueScope opaque;
     const PlainQuads quads;
     EmitCross(hw, hh, r);
     for (const Corner& corner : kCorners) {
-        if (is_square(corner)) {
-            EmitQuad(CornerArea(corner, hw, hh, r));
-        }
+        if (isSquare(corner)) EmitQuad(CornerArea(corner, hw, hh, r));
     }
 }
 
 void DrawRoundFrame(const GLResources* resources, float hw, float hh, float r) {
-    if (resources == nullptr) {
-        return;
-    }
+    if (resources == nullptr) return;
     {
         const TexturedQuads quads(resources->mipTexture318);
         for (const Corner& corner : kCorners) {
@@ -216,9 +194,7 @@ void DrawRoundFrame(const GLResources* resources, float hw, float hh, float r) {
 }
 
 void DrawWell(const GLResources* resources, float hw, float hh, float r, const GLColor& color) {
-    if (resources == nullptr) {
-        return;
-    }
+    if (resources == nullptr) return;
     const float d = resources->interfaceScale;
     glTranslatef(d, -d, 0.0f);
     shadeColor.ApplyFaded(0.2f);
@@ -232,21 +208,15 @@ void DrawWell(const GLResources* resources, float hw, float hh, float r, const G
 }
 
 void DrawShadow(const GLResources* resources, float hw, float hh, float r, bool lower) {
-    if (resources == nullptr || themeFlat) {
-        return;
-    }
+    if (resources == nullptr || themeFlat) return;
     const float d = 2.0f * resources->interfaceScale;
     const GLuint texture = resources->mipTexture150;
     DrawFadingEdge(texture, hw - d, hh - d, r, true, Faded(shadeColor, 0.4f));
-    if (lower) {
-        DrawFadingEdge(texture, hw - d, hh - d, r, false, Faded(lightColor, 0.3f));
-    }
+    if (lower) DrawFadingEdge(texture, hw - d, hh - d, r, false, Faded(lightColor, 0.3f));
 }
 
 void DrawGloss(const GLResources* resources, float hw, float hh) {
-    if (resources == nullptr || themeFlat) {
-        return;
-    }
+    if (resources == nullptr || themeFlat) return;
     const Fade fade = {Faded(shadeColor, 0.5f), Faded(shadeColor, 0.0f)};
     const TexturedQuads quads(resources->mipTexture160);
     EmitQuad({-0.8f * hw, 0.1f * hh, 0.8f * hw, 0.8f * hh}, kWholeTexture, &fade);

@@ -15,9 +15,7 @@ struct HostWriter {
 
     /// Writes a control value: one float in the plain control protocol.
     void Write(uint32_t port, float value) const {
-        if (function != nullptr) {
-            function(controller, port, sizeof value, 0, &value);
-        }
+        if (function != nullptr) function(controller, port, sizeof value, 0, &value);
     }
 };
 

@@ -21,9 +21,7 @@ Conversion ReadConversion(std::string_view text) {
     size_t at = 1;
     const auto skip = [&](std::string_view set, size_t most) {
         const size_t start = at;
-        while (at < text.size() && at - start < most && set.find(text[at]) != set.npos) {
-            ++at;
-        }
+        while (at < text.size() && at - start < most && set.find(text[at]) != set.npos) ++at;
     };
     skip("-+#0", 4);
     skip("0123456789", 3);
@@ -31,10 +29,10 @@ Conversion ReadConversion(std::string_view text) {
         ++at;
         skip("0123456789", 3);
     }
-    const size_t end_of_numbers = at;
+    const size_t endOfNumbers = at;
     skip("hljzt", 2);
     if (at < text.size() && std::string_view("diuoxX").find(text[at]) != std::string_view::npos) {
-        conversion.format = std::string(text.substr(0, end_of_numbers)) + 'l' + text[at];
+        conversion.format = std::string(text.substr(0, endOfNumbers)) + 'l' + text[at];
         conversion.taken = at + 1;
     }
     return conversion;
@@ -46,7 +44,7 @@ void FormatInfo(char (&out)[kInfoSize], const char* text) {
     const std::string source = text != nullptr ? text : "";
     const std::string_view rest = source;
     std::string result;
-    bool length_shown = false;
+    bool lengthShown = false;
     for (size_t at = 0; at < rest.size() && result.size() < kInfoSize;) {
         if (rest[at] != '%') {
             result += rest[at++];
@@ -57,7 +55,7 @@ void FormatInfo(char (&out)[kInfoSize], const char* text) {
             at += 2;
             continue;
         }
-        const Conversion conversion = length_shown ? Conversion{} : ReadConversion(rest.substr(at));
+        const Conversion conversion = lengthShown ? Conversion{} : ReadConversion(rest.substr(at));
         if (conversion.taken == 0) {
             result += rest[at++];
             continue;
@@ -67,7 +65,7 @@ void FormatInfo(char (&out)[kInfoSize], const char* text) {
                       static_cast<long>(source.size()));
         result += number;
         at += conversion.taken;
-        length_shown = true;
+        lengthShown = true;
     }
     const size_t length = result.copy(out, kInfoSize - 1);
     out[length] = '\0';

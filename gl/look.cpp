@@ -46,9 +46,7 @@ void RectAt(float x, float y, float hw, float hh) {
 
 std::string Trimmed(std::string_view text) {
     const size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) {
-        return {};
-    }
+    if (first == std::string_view::npos) return {};
     return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
 }
 
@@ -69,9 +67,7 @@ float Look::Corner(float hh) const {
 }
 
 GLColor Look::Accent(const GLColor& color) const {
-    if (captured) {
-        return contrast;
-    }
+    if (captured) return contrast;
     return enabled ? color : kIdleColor;
 }
 
@@ -146,9 +142,7 @@ void DrawOutline(const Look& look, float hw, float hh) {
 }
 
 void DrawStateOutline(const Look& look, float hw, float hh) {
-    if (!look.hovered && !look.captured) {
-        return;
-    }
+    if (!look.hovered && !look.captured) return;
     const GLColor& color = look.captured ? look.contrast : kCream;
     color.ApplyFaded(look.captured ? 1.0f : 0.7f);
     DrawOutline(look, hw, hh);
@@ -176,9 +170,7 @@ void DrawFill(const Look& look, const GLColor& color, float travel, const TrackV
 void DrawFittedText(const Look& look, const char* text, int alignment, float size, float room) {
     const std::string shown = Trimmed(text);
     const float width = TextWidth(shown.c_str());
-    if (width <= 0.0f) {
-        return;
-    }
+    if (width <= 0.0f) return;
     const MatrixScope matrix;
     const float fitting = std::min(size, room / width);
     glScalef(fitting, fitting, 1.0f);

@@ -14,15 +14,11 @@ size_t GlyphIndex(char character) {
 
 float TextWidth(const char* text) {
     constexpr int kLongest = 32767;
-    if (text == nullptr) {
-        return 0.0f;
-    }
+    if (text == nullptr) return 0.0f;
     float width = 0.0f;
     for (int i = 0; i < kLongest && text[i] != '\0'; ++i) {
         const size_t k = GlyphIndex(text[i]);
-        if (k < kGlyphCount) {
-            width += kGlyphAdvances[k];
-        }
+        if (k < kGlyphCount) width += kGlyphAdvances[k];
     }
     return width;
 }
@@ -34,9 +30,7 @@ void DrawGlyph(const GLResources* resources, size_t index) {
 }
 
 void DrawText(const GLResources* resources, const char* text, int alignment) {
-    if (resources == nullptr || text == nullptr || *text == '\0') {
-        return;
-    }
+    if (resources == nullptr || text == nullptr || *text == '\0') return;
     const MatrixScope matrix;
     if (alignment == kAlignCentre) {
         glTranslatef(-TextWidth(text) * 0.5f, 0.0f, 0.0f);
@@ -45,13 +39,11 @@ void DrawText(const GLResources* resources, const char* text, int alignment) {
     }
     for (; *text != '\0'; ++text) {
         const size_t k = GlyphIndex(*text);
-        if (k >= kGlyphCount) {
-            return;
-        }
-        const float half_advance = resources->glyphs[k].halfAdvance;
-        glTranslatef(half_advance, 0.0f, 0.0f);
+        if (k >= kGlyphCount) return;
+        const float halfAdvance = resources->glyphs[k].halfAdvance;
+        glTranslatef(halfAdvance, 0.0f, 0.0f);
         DrawGlyph(resources, k);
-        glTranslatef(half_advance, 0.0f, 0.0f);
+        glTranslatef(halfAdvance, 0.0f, 0.0f);
     }
 }
 

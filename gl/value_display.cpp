@@ -107,9 +107,7 @@ void DrawRoundKnob(const Look& look, const ControlFace& face) {
 }
 
 void DrawRoundKnobState(const Look& look, const ControlFace& face) {
-    if (look.resources == nullptr || !(look.hovered || look.captured)) {
-        return;
-    }
+    if (look.resources == nullptr || !(look.hovered || look.captured)) return;
     const float radius = 1.2f * Radius(face);
     (look.captured ? look.contrast : kCream).ApplyFaded(look.captured ? 0.22f : 0.16f);
     DrawTexture(look.resources->defaultImage, radius, radius);

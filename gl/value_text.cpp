@@ -28,9 +28,7 @@ Notation Choose(float value, ValueStyle style) {
         case ValueStyle::Plain:
             break;
     }
-    if (std::fabs(value) >= 1000.0f) {
-        return {value / 1000.0f, 3, 1, "k"};
-    }
+    if (std::fabs(value) >= 1000.0f) return {value / 1000.0f, 3, 1, "k"};
     return {value, 3, std::fabs(value) < 10.0f ? 1 : 0, ""};
 }
 

@@ -112,8 +112,8 @@ void GLView_ParametricEQGrabber::MouseDown(GLPoint point, GLPoint pagePoint) {
     const float m = GetPixelSize();
     const bool onMarker =
         point.y > kSearchBottom * m - graph_.hh && point.y < kSearchTop * m - graph_.hh;
-    draggedHz_ = GetParameter(firstPort + kFrequency);
-    draggedDb_ = KnownValue(firstPort + kGain);
+    dragged_hz_ = GetParameter(firstPort + kFrequency);
+    dragged_db_ = KnownValue(firstPort + kGain);
     // A second button must not take what a search has muted for the user's settings.
     if (onMarker && GetCapturedView() == nullptr) BeginSearch();
     GLView_Slider::MouseDown(point, pagePoint);
@@ -155,23 +155,23 @@ void GLView_ParametricEQGrabber::MouseDragTo(GLPoint pagePoint) {
 
 void GLView_ParametricEQGrabber::DragFrequency(float pagePointX, float speed) {
     const float step = speed * (pagePointX - dragLast.x) * 0.3f * (1200.0f / GetPageWidth());
-    const Reached reached = Limit(step + PositionOfBandHz(draggedHz_));
+    const Reached reached = Limit(step + PositionOfBandHz(dragged_hz_));
     if (reached.inside) {
         dragLast.x = pagePointX;
-        draggedHz_ = BandHzAt(reached.position);
+        dragged_hz_ = BandHzAt(reached.position);
     } else {
-        draggedHz_ = reached.position > 0.0f ? kHighestBandHz : kLowestHz;
+        dragged_hz_ = reached.position > 0.0f ? kHighestBandHz : kLowestHz;
     }
-    if (!IsBand()) draggedHz_ = std::min(draggedHz_, kHighestSectionHz);
-    writer.Write(firstPort + kFrequency, draggedHz_);
+    if (!IsBand()) dragged_hz_ = std::min(dragged_hz_, kHighestSectionHz);
+    writer.Write(firstPort + kFrequency, dragged_hz_);
 }
 
 void GLView_ParametricEQGrabber::DragGain(float pagePointY, float speed) {
     const float step = 800.0f / GetPageHeight() * speed * (pagePointY - dragLast.y);
-    const Reached reached = Limit(PositionOfGainDb(draggedDb_) - step);
+    const Reached reached = Limit(PositionOfGainDb(dragged_db_) - step);
     if (reached.inside) dragLast.y = pagePointY;
-    draggedDb_ = GainDbAt(reached.position);
-    writer.Write(firstPort + kGain, draggedDb_);
+    dragged_db_ = GainDbAt(reached.position);
+    writer.Write(firstPort + kGain, dragged_db_);
 }
 
 void GLView_ParametricEQGrabber::Scroll(float delta) {
@@ -185,7 +185,7 @@ void GLView_ParametricEQGrabber::BeginSearch() {
     foundType_ = std::trunc(KnownValue(firstPort + kType) + 0.1f);
     // Hosts may report anything, but are not told to set it.
     const ControlRow& gain = kBandControls[kGain];
-    searchGainDb_ = std::clamp(KnownValue(firstPort + kGain), gain.minimum, gain.maximum);
+    search_gain_db_ = std::clamp(KnownValue(firstPort + kGain), gain.minimum, gain.maximum);
     if (IsBand()) {
         writer.Write(firstPort + kType, SearchedAs(*foundType_));
         writer.Write(firstPort + kGain, kSearchGainDb);
@@ -202,7 +202,7 @@ void GLView_ParametricEQGrabber::EndSearch() {
     graph_.restored.Begin(GetEventTime());
     if (IsBand()) {
         Restore(firstPort + kType, *foundType_);
-        Restore(firstPort + kGain, searchGainDb_);
+        Restore(firstPort + kGain, search_gain_db_);
     }
     for (size_t i = 0; i < kEnablePorts.size(); ++i) {
         if (kEnablePorts[i] == firstPort + kEnable) continue;
@@ -253,11 +253,11 @@ void GLView_ParametricEQGrabber::DrawMarkerAt(float placeX, const GraphLook& loo
 }
 
 void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint place) {
-    constexpr float kPulsePeriod_ms = 1000.0f;
+    constexpr float kPulsePeriodMs = 1000.0f;
     {
         const MatrixScope matrix;
         glTranslatef(place.x, place.y, 0.0f);
-        look.foreground.ApplyFaded(0.2f + 0.2f * Pulse(kPulsePeriod_ms));
+        look.foreground.ApplyFaded(0.2f + 0.2f * Pulse(kPulsePeriodMs));
         DrawRing(hh, look.m);
         DrawRing(hh - 4.0f * look.m, look.m);
     }

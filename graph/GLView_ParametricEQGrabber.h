@@ -72,10 +72,10 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     GLView_ParametricEQ& graph_;
     TouchGesture gainGesture_;
     /// What this drag wrote last. Reports of the host come too late to go on from.
-    float draggedHz_ = 0.0f;
-    float draggedDb_ = 0.0f;
+    float dragged_hz_ = 0.0f;
+    float dragged_db_ = 0.0f;
     std::optional<float> foundType_;  ///< the type's code before a search, none outside of it
-    float searchGainDb_ = 0.0f;       ///< the gain before it
+    float search_gain_db_ = 0.0f;     ///< the gain before it
     std::array<bool, kHandleCount> searchEnables_{};
 };
 

@@ -15,7 +15,7 @@ namespace brindle {
 class RestoredValues {
   public:
     /// How long a host may take to report a write.
-    static constexpr uint32_t kLifetime_ms = 500;
+    static constexpr uint32_t kLifetimeMs = 500;
 
     /// Forgets all and starts anew at an event's time.
     void Begin(uint32_t now_ms) {
@@ -28,7 +28,7 @@ class RestoredValues {
     }
     /// The value that a port has been given, while that is recent.
     std::optional<float> Find(uint32_t port, uint32_t now_ms) const {
-        if (now_ms - since_ms_ >= kLifetime_ms) return std::nullopt;
+        if (now_ms - since_ms_ >= kLifetimeMs) return std::nullopt;
         for (size_t i = 0; i < count_; ++i) {
             if (entries_[i].port == port) return entries_[i].value;
         }

@@ -69,29 +69,29 @@ SF_INFO output_format(const std::string& target, const SF_INFO& source) {
         if (strcasecmp(container.extension, extension.c_str()) != 0) continue;
         if (same_container(container.format, source.format)) return info;
         info.format = container.format | (source.format & SF_FORMAT_SUBMASK);
-        if (!sf_format_check(&info)) info.format = container.format | container.fallback;
+        if (sf_format_check(&info) == 0) info.format = container.format | container.fallback;
         return info;
     }
     return info;
 }
 
 SNDFILE* open_for_writing(OutputFile& output, SF_INFO info) {
-    static constexpr auto self = [](void* data) { return static_cast<OutputFile*>(data); };
+    static constexpr auto kSelf = [](void* data) { return static_cast<OutputFile*>(data); };
     SF_VIRTUAL_IO io = {
         .get_filelen = [](void* data) -> sf_count_t {
-            const sf_count_t position = self(data)->seek(0, SEEK_CUR);
-            const sf_count_t length = self(data)->seek(0, SEEK_END);
-            self(data)->seek(position, SEEK_SET);
+            const sf_count_t position = kSelf(data)->seek(0, SEEK_CUR);
+            const sf_count_t length = kSelf(data)->seek(0, SEEK_END);
+            kSelf(data)->seek(position, SEEK_SET);
             return length;
         },
         .seek = [](sf_count_t offset, int whence, void* data) -> sf_count_t {
-            return self(data)->seek(offset, whence);
+            return kSelf(data)->seek(offset, whence);
         },
         .read = [](void*, sf_count_t, void*) -> sf_count_t { return 0; },
         .write = [](const void* bytes, sf_count_t size, void* data) -> sf_count_t {
-            return self(data)->write(bytes, static_cast<size_t>(size)) ? size : 0;
+            return kSelf(data)->write(bytes, static_cast<size_t>(size)) ? size : 0;
         },
-        .tell = [](void* data) -> sf_count_t { return self(data)->seek(0, SEEK_CUR); },
+        .tell = [](void* data) -> sf_count_t { return kSelf(data)->seek(0, SEEK_CUR); },
     };
     return sf_open_virtual(&io, SFM_WRITE, &info, &output);
 }
@@ -128,7 +128,7 @@ AudioWriter::AudioWriter(OutputFile& output, const AudioReader& source)
     }
     for (int tag = SF_STR_FIRST; tag <= SF_STR_LAST; ++tag) {
         const char* text = sf_get_string(source.file_.get(), tag);
-        if (text && tag != SF_STR_SOFTWARE) sf_set_string(file_.get(), tag, text);
+        if ((text != nullptr) && tag != SF_STR_SOFTWARE) sf_set_string(file_.get(), tag, text);
     }
 }
 

@@ -22,7 +22,7 @@ constexpr const char* kRdfsLabel = "http://www.w3.org/2000/01/rdf-schema#label";
 
 std::string text_of(const NodePtr& node) {
     const char* text = node ? lilv_node_as_string(node.get()) : nullptr;
-    return text ? text : "";
+    return text != nullptr ? text : "";
 }
 
 float value_of(const NodePtr& node) {
@@ -68,7 +68,7 @@ Bundle::Bundle(const std::string& path) : world_(lilv_world_new()) {
                                        [this](const auto& each) { return load_folder(each); });
         if (!found) lilv_world_load_all(world());
     }
-    if (!plugin(1) || !plugin(2)) {
+    if ((plugin(1) == nullptr) || (plugin(2) == nullptr)) {
         throw UserError(path.empty() ? "the plugin is not installed; give its bundle with --bundle."
                                      : "the bundle at " + path + " does not hold the plugin.");
     }
@@ -100,7 +100,7 @@ std::string Bundle::plugin_name(int channels) const {
 std::string Bundle::path() const {
     const char* bundle = lilv_node_as_uri(lilv_plugin_get_bundle_uri(plugin(1)));
     char* folder = lilv_file_uri_parse(bundle, nullptr);
-    std::string path = folder ? folder : "";
+    std::string path = folder != nullptr ? folder : "";
     lilv_free(folder);
     return path;
 }

@@ -23,7 +23,7 @@ using UisPtr = std::unique_ptr<LilvUIs, LilvFree<lilv_uis_free>>;
 
 std::string local_path(const LilvNode* uri) {
     char* path = lilv_file_uri_parse(lilv_node_as_uri(uri), nullptr);
-    std::string text = path ? path : "";
+    std::string text = path != nullptr ? path : "";
     lilv_free(path);
     return text;
 }
@@ -57,17 +57,17 @@ void Editor::load(const Bundle& bundle, int channels) {
         const LilvUI* ui = lilv_uis_get(uis.get(), i);
         if (!lilv_ui_is_a(ui, kind.get())) continue;
         void* library = dlopen(local_path(lilv_ui_get_binary_uri(ui)).c_str(), RTLD_NOW);
-        if (!library) continue;
+        if (library == nullptr) continue;
         const auto entry =
             reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor"));
-        for (uint32_t index = 0; entry && !descriptor_; ++index) {
+        for (uint32_t index = 0; (entry != nullptr) && (descriptor_ == nullptr); ++index) {
             const LV2UI_Descriptor* descriptor = entry(index);
-            if (!descriptor) break;
+            if (descriptor == nullptr) break;
             if (std::strcmp(descriptor->URI, lilv_node_as_uri(lilv_ui_get_uri(ui))) == 0) {
                 descriptor_ = descriptor;
             }
         }
-        if (descriptor_) return;
+        if (descriptor_ != nullptr) return;
         dlclose(library);
     }
     throw UserError("the bundle in " + bundle.path() + " has no editor that can be loaded.");
@@ -96,8 +96,8 @@ void Editor::instantiate(Bundle& bundle, int channels, double rate_hz) {
     };
     handle_ = descriptor_->instantiate(descriptor_, channels == 1 ? kMonoUri : kStereoUri,
                                        bundle.path().c_str(), write, this, &widget_, list.data());
-    if (!handle_) throw UserError("the editor cannot be opened on this display.");
-    if (descriptor_->extension_data) {
+    if (handle_ == nullptr) throw UserError("the editor cannot be opened on this display.");
+    if (descriptor_->extension_data != nullptr) {
         idle_ = static_cast<const LV2UI_Idle_Interface*>(
             descriptor_->extension_data(LV2_UI__idleInterface));
     }
@@ -123,7 +123,7 @@ void Editor::report_value(uint32_t port) {
 
 void Editor::report() {
     for (uint32_t port = 0; port < plugin_.port_count(); ++port) {
-        if (!plugin_.is_control(port) || !is_changed_[port]) continue;
+        if (!plugin_.is_control(port) || (is_changed_[port] == 0u)) continue;
         is_changed_[port] = 0;
         report_value(port);
     }
@@ -138,7 +138,7 @@ void Editor::report() {
 bool Editor::tick() {
     report();
     window_.process_events(std::bit_cast<uintptr_t>(widget_));
-    return !idle_ || idle_->idle(handle_) == 0;
+    return (idle_ == nullptr) || idle_->idle(handle_) == 0;
 }
 
 }  // namespace brindle

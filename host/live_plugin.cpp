@@ -45,9 +45,8 @@ void LivePlugin::apply_controls() {
 
 void LivePlugin::play_block(float* out, size_t frames) {
     apply_controls();
-    while (
-        to_plugin_.pop([this](uint32_t port, const LV2_Atom& atom) { plugin_.send(port, atom); }))
-        continue;
+    const auto send = [this](uint32_t port, const LV2_Atom& atom) { plugin_.send(port, atom); };
+    for (bool more = true; more;) more = to_plugin_.pop(send);
     source_.read(block_.data(), frames);
     plugin_.process(block_.data(), block_.data(), frames);
     for (uint32_t i = 0; i < port_count(); ++i) {

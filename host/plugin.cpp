@@ -42,9 +42,7 @@ Plugin::Plugin(Bundle& bundle, int channels, double rate, uint32_t block)
     const std::array<const LV2_Feature*, 3> features = {&map, &unmap, nullptr};
     const LilvPlugin* description = bundle.plugin(channels);
     instance_.reset(lilv_plugin_instantiate(description, rate, features.data()));
-    if (!instance_) {
-        throw UserError("the plugin in " + bundle.path() + " cannot be loaded.");
-    }
+    if (!instance_) throw UserError("the plugin in " + bundle.path() + " cannot be loaded.");
     connect_ports(bundle, description);
     clear_messages();
     lilv_instance_activate(instance_.get());

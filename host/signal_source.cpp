@@ -15,9 +15,9 @@ namespace brindle {
 namespace {
 
 constexpr size_t kReadFrames = 65536;
-const float kLevel = std::pow(10.0f, -18.0f / 20.0f);
-constexpr double kSweepStart_hz = 20.0;
-constexpr double kSweepEnd_hz = 20000.0;
+const float k_level = std::pow(10.0f, -18.0f / 20.0f);
+constexpr double kSweepStartHz = 20.0;
+constexpr double kSweepEndHz = 20000.0;
 constexpr double kSweepSeconds = 10.0;
 
 }  // namespace
@@ -76,21 +76,22 @@ float PinkNoise::Channel::next() {
 void PinkNoise::read(float* samples, size_t frames) {
     for (size_t i = 0; i < frames; ++i) {
         for (size_t side = 0; side < 2; ++side) {
-            samples[2 * i + side] = kLevel * channels_[side].next();
+            samples[2 * i + side] = k_level * channels_[side].next();
         }
     }
 }
 
 void Sweep::read(float* samples, size_t frames) {
-    const double growth = std::pow(kSweepEnd_hz / kSweepStart_hz, 1.0 / (kSweepSeconds * rate()));
+    const double growth = std::pow(kSweepEndHz / kSweepStartHz, 1.0 / (kSweepSeconds * rate()));
     for (size_t i = 0; i < frames; ++i) {
-        const float sample = kLevel * static_cast<float>(std::sin(2.0 * std::numbers::pi * phase_));
+        const float sample =
+            k_level * static_cast<float>(std::sin(2.0 * std::numbers::pi * phase_));
         samples[2 * i] = sample;
         samples[2 * i + 1] = sample;
         phase_ += freq_hz_ / rate();
         phase_ -= std::floor(phase_);
         freq_hz_ *= growth;
-        if (freq_hz_ > kSweepEnd_hz) freq_hz_ = kSweepStart_hz;
+        if (freq_hz_ > kSweepEndHz) freq_hz_ = kSweepStartHz;
     }
 }
 

@@ -54,7 +54,7 @@ void describe(Display* display, Window window, const std::string& title) {
 
 TopWindow::TopWindow(const std::string& title, PixelSize size, Kind kind)
     : display_(XOpenDisplay(nullptr)) {
-    if (!display_) {
+    if (display_ == nullptr) {
         throw UserError(
             "there is no display to open a window on; \"brindle screenshot\" needs none.");
     }
@@ -98,7 +98,7 @@ void TopWindow::process_events(uintptr_t child) {
 
 bool TopWindow::has_room(PixelSize size) {
     Display* display = XOpenDisplay(nullptr);
-    if (!display) return false;
+    if (display == nullptr) return false;
     const int screen = DefaultScreen(display);
     const bool has_room = DisplayWidth(display, screen) >= size.width &&
                           DisplayHeight(display, screen) >= size.height;

@@ -18,7 +18,7 @@
 namespace brindle {
 namespace {
 
-constexpr int kPatience_ms = 30000;
+constexpr int kPatienceMs = 30000;
 
 /// In the new process: becomes the server, which tells its display's number on `told`. Ends with
 /// its parent, and is not reached by the terminal's interrupts: those are for the parent.
@@ -42,7 +42,7 @@ constexpr int kPatience_ms = 30000;
 std::string read_line(int source) {
     std::string line;
     pollfd ready = {source, POLLIN, 0};
-    while (poll(&ready, 1, kPatience_ms) > 0) {
+    while (poll(&ready, 1, kPatienceMs) > 0) {
         std::array<char, 16> part{};
         const ssize_t count = read(source, part.data(), part.size());
         if (count <= 0) return "";

@@ -24,18 +24,16 @@ constexpr double kMaxStretch = 0.1;
 constexpr double kExtraWeight = 0.03;
 
 void Check(FT_Error error, const std::string& what) {
-    if (error != 0) {
-        throw std::runtime_error(what);
-    }
+    if (error != 0) throw std::runtime_error(what);
 }
 
 }  // namespace
 
-GlyphOutlines::GlyphOutlines(const std::string& font_path) {
+GlyphOutlines::GlyphOutlines(const std::string& fontPath) {
     Check(FT_Init_FreeType(&library_), "FreeType does not start");
-    Check(FT_New_Face(library_, font_path.c_str(), 0, &face_), "cannot read font " + font_path);
-    const double em_pixels = kEmSize * kGlyphSize / 2.0;
-    Check(FT_Set_Char_Size(face_, 0, std::lround(em_pixels * kSubpixels), 72, 72),
+    Check(FT_New_Face(library_, fontPath.c_str(), 0, &face_), "cannot read font " + fontPath);
+    const double emPixels = kEmSize * kGlyphSize / 2.0;
+    Check(FT_Set_Char_Size(face_, 0, std::lround(emPixels * kSubpixels), 72, 72),
           "the font cannot be scaled");
     Load('H');
     FT_BBox capital;

@@ -23,7 +23,7 @@ inline constexpr double kEmSize = 1.7014;
 /// in height, one text unit is half the picture. Throws std::runtime_error.
 class GlyphOutlines {
   public:
-    explicit GlyphOutlines(const std::string& font_path);
+    explicit GlyphOutlines(const std::string& fontPath);
     ~GlyphOutlines();
     GlyphOutlines(const GlyphOutlines&) = delete;
     GlyphOutlines& operator=(const GlyphOutlines&) = delete;

@@ -66,8 +66,8 @@ Shade MiddleDot(double x, double y) {
 Shade Triangle(double x, double y) {
     constexpr double kTop = 0.32;
     constexpr double kTip = -0.36;
-    const double half_width = 0.5 * (y - kTip) / (kTop - kTip);
-    return {1.0, y <= kTop && std::abs(x) <= half_width ? 1.0 : 0.0};
+    const double halfWidth = 0.5 * (y - kTip) / (kTop - kTip);
+    return {1.0, y <= kTop && std::abs(x) <= halfWidth ? 1.0 : 0.0};
 }
 
 /// Distance from a line between two points.
@@ -86,9 +86,9 @@ Shade Tick(double x, double y) {
 
 /// A chain of pictures, each half the size of the one before.
 struct Chain {
-    int first_number;
+    int firstNumber;
     int count;
-    int first_size;  ///< pixels
+    int firstSize;  ///< pixels
     Shape shape;
 };
 
@@ -107,9 +107,7 @@ constexpr int kFirstExtraGlyph = 127;
 void WriteBitmap(const Raster& raster, const std::filesystem::path& path) {
     std::ofstream file(path, std::ios::binary);
     const auto put = [&file](uint32_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i) {
-            file.put(static_cast<char>(value >> (8 * i)));
-        }
+        for (int i = 0; i < bytes; ++i) file.put(static_cast<char>(value >> (8 * i)));
     };
     constexpr uint32_t kHeaderSize = 54;
     const auto size = static_cast<uint32_t>(raster.size);
@@ -124,9 +122,7 @@ void WriteBitmap(const Raster& raster, const std::filesystem::path& path) {
     put(32, 2);
     put(0, 4);
     put(size * size * 4, 4);
-    for (int i = 0; i < 4; ++i) {
-        put(0, 4);
-    }
+    for (int i = 0; i < 4; ++i) put(0, 4);
     for (const Texel& texel : raster.texels) {
         put(texel.light, 1);
         put(texel.light, 1);
@@ -134,17 +130,15 @@ void WriteBitmap(const Raster& raster, const std::filesystem::path& path) {
         put(texel.alpha, 1);
     }
     file.close();
-    if (!file) {
-        throw std::runtime_error("cannot write " + path.string());
-    }
+    if (!file) throw std::runtime_error("cannot write " + path.string());
 }
 
 void MakeImages(const std::filesystem::path& directory) {
     std::filesystem::create_directories(directory);
     for (const Chain& chain : kImages) {
         for (int i = 0; i < chain.count; ++i) {
-            const std::string name = "img_" + std::to_string(chain.first_number + i) + ".bmp";
-            WriteBitmap(Rasterise(chain.shape, chain.first_size >> i), (directory / name));
+            const std::string name = "img_" + std::to_string(chain.firstNumber + i) + ".bmp";
+            WriteBitmap(Rasterise(chain.shape, chain.firstSize >> i), (directory / name));
         }
     }
 }

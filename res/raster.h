@@ -52,9 +52,7 @@ inline Raster Rasterise(Shape shape, int size) {
                 alpha += shade.alpha;
             }
             Texel texel;
-            if (alpha > 0.0) {
-                texel = {ToByte(light / alpha), ToByte(alpha / (kGrid * kGrid))};
-            }
+            if (alpha > 0.0) texel = {ToByte(light / alpha), ToByte(alpha / (kGrid * kGrid))};
             raster.texels.push_back(texel);
         }
     }

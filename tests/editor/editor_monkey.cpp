@@ -76,12 +76,8 @@ class Cage {
                                      {1, &Cage::Type},       {1, &Cage::Resize},
                                      {3, &Cage::ReportAny},  {2, &Cage::ReportAll},
                                      {4, &Cage::DeliverRow}, {2, &Cage::DeliverJunk}};
-        if (width != kWidth && random.one_in(3)) {
-            Resize();
-        }
-        if (random.one_in(2)) {
-            ReleaseStuck();
-        }
+        if (width != kWidth && random.one_in(3)) Resize();
+        if (random.one_in(2)) ReleaseStuck();
         uint32_t draw = random.below(34);
         for (const Habit& habit : kHabits) {
             if (draw < habit.share) {
@@ -103,9 +99,7 @@ class Cage {
     /// Closes the editor, its window perhaps gone before, a button perhaps still down. Returns how
     /// many controls it wrote.
     size_t Close() {
-        if (random.one_in(8)) {
-            host.window.Destroy();
-        }
+        if (random.one_in(8)) host.window.Destroy();
         host.Close();
         TakeWrites();
         ReleaseStuck();
@@ -146,9 +140,7 @@ class Cage {
     void Press(unsigned button) {
         host.window.Press(button);
         const size_t touches = host.touches.size();
-        if (random.one_in(4)) {
-            Idle();
-        }
+        if (random.one_in(4)) Idle();
         if (host.touches.size() > touches && width == kWidth && height == kHeight) {
             spots.emplace_back(x, y);
         }
@@ -161,21 +153,13 @@ class Cage {
         const unsigned button = PickButton();
         Press(button);
         for (int i = random.between(0, 5); i > 0; --i) {
-            if (random.one_in(4)) {
-                Idle();
-            }
-            if (random.one_in(12)) {
-                ReportAll();
-            }
-            if (random.one_in(20)) {
-                host.window.Click(PickButton());
-            }
+            if (random.one_in(4)) Idle();
+            if (random.one_in(12)) ReportAll();
+            if (random.one_in(20)) host.window.Click(PickButton());
             Point();
         }
         stuck = button;
-        if (!random.one_in(10)) {
-            ReleaseStuck();
-        }
+        if (!random.one_in(10)) ReleaseStuck();
     }
     void ReleaseStuck() {
         if (stuck != 0) {
@@ -195,14 +179,10 @@ class Cage {
         Point();
         Idle();
         const auto button = static_cast<unsigned>(random.between(4, 7));
-        for (int i = random.between(1, 6); i > 0; --i) {
-            host.window.Click(button);
-        }
+        for (int i = random.between(1, 6); i > 0; --i) host.window.Click(button);
     }
     void Wander() {
-        for (int i = random.between(1, 10); i > 0; --i) {
-            Point();
-        }
+        for (int i = random.between(1, 10); i > 0; --i) Point();
     }
     void Type() {
         const KeySym keys[] = {XK_a, XK_Escape, XK_Return, XK_Delete, XK_F1, XK_Left, XK_Tab};
@@ -289,9 +269,7 @@ class Cage {
             EXPECT_EQ(write.bytes.size(), sizeof(float));
             EXPECT_TRUE(IsInRange(write.port, write.AsFloat()))
                 << "port " << write.port << " value " << write.AsFloat();
-            if (echoes && host.handle != nullptr) {
-                host.Report(write.port, write.AsFloat());
-            }
+            if (echoes && host.handle != nullptr) host.Report(write.port, write.AsFloat());
         }
         for (; touchesSeen < host.touches.size(); ++touchesSeen) {
             const auto [port, isHeld] = host.touches[touchesSeen];
@@ -334,9 +312,7 @@ TEST(Monkey, BreaksNothing) {
             // The newest window lies above the others, and is the one that the pointer reaches.
             (random.one_in(3) ? random.pick(cages) : cages.back())->Act();
         }
-        for (const auto& cage : cages) {
-            writes += cage->Close();
-        }
+        for (const auto& cage : cages) writes += cage->Close();
         EXPECT_GT(writes, 0u) << "the monkey has missed all controls";
         cages.clear();
         Cage(random, spots).ExpectPicture();

@@ -49,24 +49,18 @@ class Messages : public testing::Test {
         LV2_Atom_Forge_Frame frame;
         lv2_atom_forge_object(&forge, &frame, 1,
                               plot.objectType != 0 ? plot.objectType : uris.message);
-        if (plot.withRate) {
-            number(kSampleRateUri, plot.rateType, 48000);
-        }
+        if (plot.withRate) number(kSampleRateUri, plot.rateType, 48000);
         number(kPlotIdUri, plot.idType, plot.id);
         if (plot.withRow) {
             std::vector<float> row(plot.bins + 1);  // never null, which may not be copied from
-            for (size_t i = 0; i < row.size(); ++i) {
-                row[i] = -static_cast<float>(i);
-            }
+            for (size_t i = 0; i < row.size(); ++i) row[i] = -static_cast<float>(i);
             lv2_atom_forge_key(&forge, map(kPlotArrayUri));
             lv2_atom_forge_vector(&forge, sizeof(float),
                                   plot.childType != 0 ? plot.childType : uris.atom_float, plot.bins,
                                   row.data());
         }
         lv2_atom_forge_pop(&forge, &frame);
-        if (plot.type != 0) {
-            reinterpret_cast<LV2_Atom*>(buffer)->type = plot.type;
-        }
+        if (plot.type != 0) reinterpret_cast<LV2_Atom*>(buffer)->type = plot.type;
         size = reinterpret_cast<LV2_Atom*>(buffer)->size + static_cast<uint32_t>(sizeof(LV2_Atom));
         const auto* words = reinterpret_cast<const uint64_t*>(buffer);
         return {words, words + (size + 7) / 8};
@@ -107,9 +101,7 @@ TEST_F(Messages, IgnoreAllThatIsNotAPlot) {
         {.withRate = false},
         {.withRow = false},
     };
-    for (size_t i = 0; i < std::size(wrong); ++i) {
-        EXPECT_FALSE(IsRead(wrong[i])) << "case " << i;
-    }
+    for (size_t i = 0; i < std::size(wrong); ++i) EXPECT_FALSE(IsRead(wrong[i])) << "case " << i;
     EXPECT_TRUE(IsRead({}));
 }
 
@@ -146,9 +138,7 @@ struct EchoHost {
                       const void* buffer) {
         auto& host = *static_cast<EchoHost*>(self);
         host.writes.emplace_back(port, *static_cast<const float*>(buffer));
-        if (host.echoes) {
-            host.connection->ReadControl(port, protocol, buffer, size);
-        }
+        if (host.echoes) host.connection->ReadControl(port, protocol, buffer, size);
     }
 };
 

@@ -36,9 +36,7 @@ std::vector<uint8_t> ValidMessage(LV2_URID_Map* map) {
 }
 
 void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
+    if (!holds) std::abort();
 }
 
 }  // namespace
@@ -48,9 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const std::vector<uint8_t> valid = ValidMessage(map.get());
     static HostConnection connection({}, map.get());
     static const LV2_URID atoms = map(LV2_ATOM__eventTransfer);
-    if (size < 1) {
-        return 0;
-    }
+    if (size < 1) return 0;
     std::vector<uint8_t> message(data + 1, data + size);
     if (data[0] % 2 == 0) {
         message = valid;
@@ -72,9 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const auto* end = reinterpret_cast<const uint8_t*>(plot->values + kPlotBins);
         Require(end <= own.get() + length);
         volatile float sum = 0.0f;
-        for (int bin = 0; bin < kPlotBins; ++bin) {
-            sum = sum + plot->values[bin];
-        }
+        for (int bin = 0; bin < kPlotBins; ++bin) sum = sum + plot->values[bin];
     }
     if (const auto value = connection.ReadControl(length, data[0], own.get(), length)) {
         Require(length == sizeof *value && std::isfinite(*value));

@@ -119,9 +119,7 @@ class RootView : public testing::Test {
     }
 
     ~RootView() override {
-        if (window != nullptr) {
-            window->MakeCurrent();
-        }
+        if (window != nullptr) window->MakeCurrent();
         page.reset();
     }
 

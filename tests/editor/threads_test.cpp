@@ -38,9 +38,7 @@ Audio PlayAlone(uint32_t seed) {
             std::generate(channel.begin(), channel.end(), [&] { return random.real(-1.0f, 1.0f); });
         }
         const Audio out = host.process(in, 256);
-        for (size_t c = 0; c < 2; ++c) {
-            all[c].insert(all[c].end(), out[c].begin(), out[c].end());
-        }
+        for (size_t c = 0; c < 2; ++c) all[c].insert(all[c].end(), out[c].begin(), out[c].end());
     }
     return all;
 }
@@ -53,12 +51,8 @@ TEST(Threads, EnginesDoNotDisturbEachOther) {
     for (uint32_t i = 0; i < kEngines; ++i) {
         threads.emplace_back([&together, i] { together[i] = PlayAlone(i); });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    for (uint32_t i = 0; i < kEngines; ++i) {
-        EXPECT_EQ(together[i], PlayAlone(i)) << "engine " << i;
-    }
+    for (std::thread& thread : threads) thread.join();
+    for (uint32_t i = 0; i < kEngines; ++i) EXPECT_EQ(together[i], PlayAlone(i)) << "engine " << i;
 }
 
 /// A plugin that plays on an audio thread of its own, with an editor that may be open.

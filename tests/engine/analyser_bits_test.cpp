@@ -66,9 +66,7 @@ void feed(SpectrumAnalyser& product, reference::Analyser& plain, const std::vect
         analyse(product, signal.data() + at, static_cast<uint32_t>(length));
         at += length;
     }
-    for (float x : signal) {
-        plain.add(x);
-    }
+    for (float x : signal) plain.add(x);
 }
 
 std::vector<float> loud_noise(size_t length, float peak, std::mt19937& random) {

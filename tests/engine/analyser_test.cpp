@@ -117,9 +117,7 @@ std::array<double, 4> octave_levels_db(const std::function<double()>& next) {
             power[bin / 24] += std::pow(10.0, newest(*analyser)[120 + bin] / 10.0f);
         }
     }
-    for (double& level : power) {
-        level = 10.0 * std::log10(level);
-    }
+    for (double& level : power) level = 10.0 * std::log10(level);
     return power;
 }
 
@@ -183,9 +181,7 @@ TEST(Analyser, StaysFiniteAtLowRatesAndBeginsAnewAfterTheLastRow) {
         const std::vector<float> input(2048 * kPlotRows + 1, 0.5f);  // a row ends with its first
         analyse(*analyser, input.data(), static_cast<uint32_t>(input.size()));
         EXPECT_EQ(analyser->row_index, 1u);
-        for (float level_db : newest(*analyser)) {
-            ASSERT_TRUE(std::isfinite(level_db));
-        }
+        for (float level_db : newest(*analyser)) ASSERT_TRUE(std::isfinite(level_db));
     }
 }
 

@@ -20,9 +20,7 @@ constexpr uint32_t kBlock = 512;  // a meter tick in each at ordinary rates
 constexpr size_t kNotifyBytes = 2048;
 
 void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
+    if (!holds) std::abort();
 }
 
 /// The notify port holds either what it held before or a sequence of one of the two lengths, with
@@ -90,15 +88,11 @@ class Plugin {
 /// and whether rows were asked for before; the rest is the sequence behind its head's size field,
 /// which is true: a host vouches for it.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size < 3 + sizeof(uint32_t)) {
-        return 0;
-    }
+    if (size < 3 + sizeof(uint32_t)) return 0;
     const uint32_t capacity = (data[0] + 256u * data[1]) % (kNotifyBytes + 1);
     const size_t shift = data[2] % 8;
     Plugin plugin;
-    if (data[2] >= 128) {
-        plugin.enable_rows();
-    }
+    if (data[2] >= 128) plugin.enable_rows();
     data += 3;
     size -= 3;
 

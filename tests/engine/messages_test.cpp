@@ -122,9 +122,7 @@ class EditorHost : public PluginHost {
         lv2_atom_object_get_typed(object, urid(kSampleRateUri), &rate, urid(LV2_ATOM__Int),
                                   urid(kPlotIdUri), &id, urid(LV2_ATOM__Int), urid(kPlotArrayUri),
                                   &vector, urid(LV2_ATOM__Vector), 0);
-        if (rate == nullptr || id == nullptr || vector == nullptr) {
-            return std::nullopt;
-        }
+        if (rate == nullptr || id == nullptr || vector == nullptr) return std::nullopt;
         RowMessage message = {rate->body, id->body, std::vector<float>(kPlotBins)};
         std::memcpy(message.row.data(), vector + 1, kPlotBins * sizeof(float));
         return message;
@@ -197,9 +195,7 @@ TEST(Rows, HaveTheirPlaceToTheByte) {
     EditorHost host(2, 44100.0);
     reference::Analyser plain(44100.0);
     host.notify_capacity = 1080;
-    for (float x : host.play(2049, host.request(kEnableUiUri))) {
-        plain.add(x);
-    }
+    for (float x : host.play(2049, host.request(kEnableUiUri))) plain.add(x);
     const LV2_URID atom_int = host.urid(LV2_ATOM__Int);
     Words expected;
     for (const Words& part : {
@@ -256,9 +252,7 @@ TEST(Rows, AreThoseOfTheFirstInputAndComeInBlocksWithAMeterTick) {
         for (int block = 0; block < 300; ++block) {
             const int n = static_cast<int>(random() % 400) + 1;
             const auto left = host.play(static_cast<uint32_t>(n), host.request(kEnableUiUri));
-            for (float x : left) {
-                plain.add(x);
-            }
+            for (float x : left) plain.add(x);
             position += n;
             // A tick falls on each sample whose number is a multiple of the period.
             const int ticks_before = ticks;

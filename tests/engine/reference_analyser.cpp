@@ -62,12 +62,8 @@ void Analyser::add(float x) {
         const double y_im = bin.im_path(v * im);
         bin.power += y_re * y_re + y_im * y_im;
     }
-    if ((counter & 127) == 0) {
-        renormalise();
-    }
-    if ((counter & frame_mask) == 0) {
-        finish_row();
-    }
+    if ((counter & 127) == 0) renormalise();
+    if ((counter & frame_mask) == 0) finish_row();
     noise_state = static_cast<int32_t>(static_cast<uint32_t>(noise_state) * 16807u);
     noise = noise_state * 4.6566e-22;
     ++counter;
@@ -90,9 +86,7 @@ void Analyser::finish_row() {
     const double n = frame_mask + 1;
     double peak = 0.0;
     for (const Bin& bin : bins) {
-        if (bin.power > peak) {
-            peak = bin.power;
-        }
+        if (bin.power > peak) peak = bin.power;
     }
     double offset = 6.02;
     if (normalise) {

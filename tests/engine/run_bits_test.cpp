@@ -190,9 +190,7 @@ TEST_P(RunBits, AreThoseOfThePlainEngineBeyondTheEndOfGlides) {
 TEST_P(RunBits, AreThoseOfThePlainCascadeAfterBursts) {
     const auto process = [](int channels, float burst, uint32_t block) {
         PluginHost host(channels, 48000.0);
-        for (int band = 0; band < kBandCount; ++band) {
-            host.set_band(band, 9, 18.0f, 1000.0f, 0.5f);
-        }
+        for (int band = 0; band < kBandCount; ++band) host.set_band(band, 9, 18.0f, 1000.0f, 0.5f);
         host.settle();
         std::mt19937 random(5);
         std::uniform_real_distribution<float> level(-1.0f, 1.0f);

@@ -43,9 +43,7 @@ std::string GoodFile() {
     bytes.append(8, '\xee');  // size and reserved words are not looked at
     bytes += {60, 0, 0, 0, '\xee', '\xee', '\xee', '\xee', 3, 0, 0, 0, 2, 0, 0, 0, 1, 0, 32, 0};
     bytes.resize(60, '\xee');
-    for (char value = 0; value < 24; ++value) {
-        bytes += value;
-    }
+    for (char value = 0; value < 24; ++value) bytes += value;
     return bytes;
 }
 

@@ -74,9 +74,7 @@ TEST_F(Drawing, TextStandsWhereItsAlignmentSays) {
     // With full cells for glyphs, ink begins one unit left of the first glyph's middle and ends one
     // unit right of the last one's. A digit is 0.946 wide.
     constexpr float kScale = 20.0f;
-    for (GLResources::Glyph& glyph : resources->glyphs) {
-        glyph.texture = 0;
-    }
+    for (GLResources::Glyph& glyph : resources->glyphs) glyph.texture = 0;
     struct Case {
         const char* text;
         int alignment;
@@ -155,12 +153,8 @@ TEST_F(Drawing, ShapesFillWhatTheySay) {
         SCOPED_TRACE(row.name);
         context.Clear();
         row.draw(resources.get());
-        for (const GLPoint& p : row.inside) {
-            EXPECT_GT(Red(p.x, p.y), 200) << p.x << ", " << p.y;
-        }
-        for (const GLPoint& p : row.outside) {
-            EXPECT_LT(Red(p.x, p.y), 55) << p.x << ", " << p.y;
-        }
+        for (const GLPoint& p : row.inside) EXPECT_GT(Red(p.x, p.y), 200) << p.x << ", " << p.y;
+        for (const GLPoint& p : row.outside) EXPECT_LT(Red(p.x, p.y), 55) << p.x << ", " << p.y;
     }
 }
 

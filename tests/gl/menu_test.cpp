@@ -36,9 +36,7 @@ struct Menu : ::testing::Test {
     }
     GLView_Menu_Item* Item(int index) {
         GLView* child = selector->menu.firstChild;
-        for (; index > 0; --index) {
-            child = child->nextSibling;
-        }
+        for (; index > 0; --index) child = child->nextSibling;
         return dynamic_cast<GLView_Menu_Item*>(child);
     }
     /// The page's point at an entry's centre.

@@ -71,9 +71,7 @@ TEST(Pictures, NothingIsDarkWhereItIsTransparent) {
     for (const char* name : {"images/img_150.bmp", "images/img_160.bmp", "images/img_318.bmp",
                              "images/img_102.bmp", "chars/char_65"}) {
         const Bitmap image = LoadPicture(name);
-        for (size_t i = 0; i < image.pixels.size(); i += 4) {
-            ASSERT_EQ(image.pixels[i], 255) << name;
-        }
+        for (size_t i = 0; i < image.pixels.size(); i += 4) ASSERT_EQ(image.pixels[i], 255) << name;
     }
 }
 

@@ -24,9 +24,7 @@ class Probe : public GLView {
 
     void Draw() override {
         log_.push_back("draw " + id_);
-        if (leaves_when_drawn) {
-            parent->RemoveChild(this);
-        }
+        if (leaves_when_drawn) parent->RemoveChild(this);
         GLView::Draw();
     }
     void DrawBack() override {

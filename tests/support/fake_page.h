@@ -25,9 +25,7 @@ class FakePage : public GLView {
     }
     /// What the editor does when the host reports a value: keeps it and tells the tree.
     void Report(uint32_t index, float value) {
-        if (index < parameters.size()) {
-            parameters[index] = value;
-        }
+        if (index < parameters.size()) parameters[index] = value;
         ParameterChanged(index);
     }
 
@@ -86,9 +84,7 @@ class FakePage : public GLView {
     }
     void CloseDialog(bool outside) override {
         closings.push_back(outside);
-        if (dialog != nullptr) {
-            std::exchange(dialog, nullptr)->SetVisible(false);
-        }
+        if (dialog != nullptr) std::exchange(dialog, nullptr)->SetVisible(false);
     }
 
     // What the services answer.

@@ -105,9 +105,7 @@ class GLContext {
 
   private:
     static void Require(bool condition, const char* what) {
-        if (!condition) {
-            throw std::runtime_error(std::string("no software OpenGL: ") + what);
-        }
+        if (!condition) throw std::runtime_error(std::string("no software OpenGL: ") + what);
     }
 
     void MakeTarget() {

@@ -22,9 +22,7 @@ template <typename Done, typename Step>
 bool WaitFor(Done done, Step step) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
     while (!done()) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
+        if (std::chrono::steady_clock::now() > end) return false;
         step();
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
@@ -39,9 +37,7 @@ inline void KeepDriver() {
         Display* display = XOpenDisplay(nullptr);
         int wanted[] = {GLX_RGBA, GLX_DOUBLEBUFFER, 0};
         XVisualInfo* visual = glXChooseVisual(display, DefaultScreen(display), wanted);
-        if (visual != nullptr) {
-            XFree(visual);
-        }
+        if (visual != nullptr) XFree(visual);
         return display;
     }();
     static_cast<void>(kept);
@@ -53,9 +49,7 @@ inline void KeepDriver() {}
 class HostWindow {
   public:
     explicit HostWindow(int width = 1000, int height = 600) : display(XOpenDisplay(nullptr)) {
-        if (display == nullptr) {
-            throw std::runtime_error("no display");
-        }
+        if (display == nullptr) throw std::runtime_error("no display");
         KeepDriver();
         XSetWindowAttributes attributes{};
         attributes.override_redirect = True;

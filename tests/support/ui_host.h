@@ -23,9 +23,7 @@ namespace brindle::test {
 inline const LV2UI_Descriptor* BuiltEditor(uint32_t index = 0) {
     static const auto entry = [] {
         void* library = dlopen(BRINDLE_BUNDLE "brindle.so", RTLD_NOW | RTLD_LOCAL);
-        if (library == nullptr) {
-            throw std::runtime_error(dlerror());
-        }
+        if (library == nullptr) throw std::runtime_error(dlerror());
         return reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor"));
     }();
     return entry(index);
@@ -39,9 +37,7 @@ struct UiWrite {
 
     float AsFloat() const {
         float value = 0.0f;
-        if (bytes.size() == sizeof value) {
-            std::memcpy(&value, bytes.data(), sizeof value);
-        }
+        if (bytes.size() == sizeof value) std::memcpy(&value, bytes.data(), sizeof value);
         return value;
     }
 };
@@ -78,9 +74,7 @@ class UiHost {
     }
 
     bool Open(const char* bundle = BRINDLE_BUNDLE) {
-        for (size_t i = 0; i < options.size(); ++i) {
-            options[i].value = values[i].data();
-        }
+        for (size_t i = 0; i < options.size(); ++i) options[i].value = values[i].data();
         options.push_back({});
         const LV2_Feature parent = {LV2_UI__parent, reinterpret_cast<void*>(window.GetId())};
         const LV2_Feature touchFeature = {LV2_UI__touch, &touch};
@@ -89,9 +83,7 @@ class UiHost {
         const LV2_Feature idle = {LV2_UI__idleInterface, nullptr};
         std::vector<const LV2_Feature*> features = {&idle};
         const auto offer = [&](bool has, const LV2_Feature* feature) {
-            if (has) {
-                features.push_back(feature);
-            }
+            if (has) features.push_back(feature);
         };
         offer(hasOptions, &optionsFeature);
         offer(hasResize, &resizeFeature);
@@ -149,9 +141,7 @@ class UiHost {
     static UiHost& Of(void* self) { return *static_cast<UiHost*>(self); }
     static void Write(LV2UI_Controller self, uint32_t port, uint32_t size, uint32_t protocol,
                       const void* buffer) {
-        if (Of(self).failsWrites) {
-            throw std::runtime_error("a write fails");
-        }
+        if (Of(self).failsWrites) throw std::runtime_error("a write fails");
         const auto* bytes = static_cast<const uint8_t*>(buffer);
         Of(self).writes.push_back({port, protocol, {bytes, bytes + size}});
     }
