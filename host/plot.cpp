@@ -12,7 +12,6 @@
 
 #include "host/cairo_output.h"
 #include "host/output_file.h"
-#include "host/response.h"
 
 namespace brindle {
 namespace {

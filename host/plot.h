@@ -7,7 +7,11 @@
 namespace brindle {
 
 class OutputFile;
-struct ResponsePoint;
+
+struct ResponsePoint {
+    double freq_hz;
+    double gain_db;
+};
 
 struct PlotText {
     std::string title;

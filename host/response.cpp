@@ -12,7 +12,6 @@
 
 #include "host/interrupt.h"
 #include "host/output_file.h"
-#include "host/plot.h"
 #include "host/progress.h"
 #include "host/user_error.h"
 

@@ -5,15 +5,11 @@
 #include <vector>
 
 #include "host/bundle.h"
+#include "host/plot.h"
 #include "host/plugin.h"
 #include "host/settings.h"
 
 namespace brindle {
-
-struct ResponsePoint {
-    double freq_hz;
-    double gain_db;
-};
 
 /// The plugin's magnitude response from 20 Hz to 20 kHz (below Nyquist), 192 points an octave,
 /// measured by letting it settle and sending a short broadband signal through it. Takes its first
