@@ -8,6 +8,11 @@
 
 namespace brindle {
 
+inline constexpr const char* kProductName = "Brindle Console EQ";
+/// The editor's window as it opens, and the size that the panel is designed for.
+inline constexpr int kEditorWidthPx = 1000;
+inline constexpr int kEditorHeightPx = 600;
+
 inline constexpr const char* kBaseUri = BRINDLE_URI;
 inline constexpr const char* kMonoUri = BRINDLE_URI "/mono";
 inline constexpr const char* kStereoUri = BRINDLE_URI "/stereo";

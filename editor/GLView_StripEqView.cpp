@@ -19,8 +19,6 @@
 namespace brindle {
 namespace {
 
-constexpr int32_t kDesignWidth = 1000;
-constexpr int32_t kDesignHeight = 600;
 constexpr float kDragSensitivity = 0.003f;
 
 GLView_Caption* MakeCaption(const char* text, float labelSize, int alignment) {
@@ -33,14 +31,13 @@ GLView_Caption* MakeCaption(const char* text, float labelSize, int alignment) {
 
 }  // namespace
 
-GLView_StripEqView::GLView_StripEqView(const EditorInstance& instance)
-    : GLView_BaseView(kDesignWidth, kDesignHeight),
-      connection_({instance.writeFunction, instance.controller}, instance.map) {
-    SetName("Brindle Console EQ");
+GLView_StripEqView::GLView_StripEqView(HostWriter host, LV2_URID_Map* map, const LV2UI_Touch* touch)
+    : GLView_BaseView(kEditorWidthPx, kEditorHeightPx), connection_(host, map) {
+    SetName(kProductName);
     AddFlatAll();
-    AddGraph(instance.touch);
-    AddStrips(instance.touch);
-    AddTrim(instance.touch);
+    AddGraph(touch);
+    AddStrips(touch);
+    AddTrim(touch);
     inputMeter_ = AddMeter(layout::kMeterInLeft);
     outputMeter_ = AddMeter(layout::kMeterOutLeft);
     AddPresets();

@@ -6,7 +6,6 @@
 #include <cstdint>
 
 #include "editor/GLView_BaseView.h"
-#include "editor/editor_instance.h"
 #include "editor/host_connection.h"
 #include "gl/GLView_DB60Meter.h"
 #include "gl/GLView_PresetButton.h"
@@ -19,8 +18,8 @@ namespace brindle {
 /// through the connection's writer. UI thread.
 class GLView_StripEqView : public GLView_BaseView {
   public:
-    /// `instance` has the host's features; it is looked at during construction only.
-    explicit GLView_StripEqView(const EditorInstance& instance);
+    /// What the host offers, null where it has none. `touch` is read during construction only.
+    GLView_StripEqView(HostWriter host, LV2_URID_Map* map, const LV2UI_Touch* touch);
     ~GLView_StripEqView() override;
 
     /// What the host reports of a port: a control value (format 0) reaches the parameters, tree and

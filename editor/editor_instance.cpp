@@ -10,6 +10,7 @@
 #include <memory>
 #include <utility>
 
+#include "contract/brindle.h"
 #include "editor/GLView_StripEqView.h"
 #include "editor/host_options.h"
 #include "editor/pugl_window.h"
@@ -18,10 +19,6 @@
 
 namespace brindle {
 namespace {
-
-constexpr const char* kTitle = "Brindle Console EQ";
-constexpr int kWidth = 1000;
-constexpr int kHeight = 600;
 
 /// The features that are not kept beyond the opening.
 struct HostFeatures {
@@ -104,14 +101,17 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
     if (instance->touch == nullptr) {
         return Fail("error: Required touch interface extension is not available.\n");
     }
-    instance->puglView =
-        PuglWindow::Create(reinterpret_cast<uintptr_t>(host.parent), kTitle, kWidth, kHeight)
-            .release();
+    instance->puglView = PuglWindow::Create(reinterpret_cast<uintptr_t>(host.parent), kProductName,
+                                            kEditorWidthPx, kEditorHeightPx)
+                             .release();
     if (instance->puglView == nullptr) return Fail("error: No window with OpenGL can be opened.\n");
     ApplyLooks(options);
-    instance->rootView = new GLView_StripEqView(*instance);
+    instance->rootView =
+        new GLView_StripEqView({writeFunction, controller}, instance->map, instance->touch);
     instance->rootView->SetSampleRate(options.sampleRate);
-    if (host.resize != nullptr) host.resize->ui_resize(host.resize->handle, kWidth, kHeight);
+    if (host.resize != nullptr) {
+        host.resize->ui_resize(host.resize->handle, kEditorWidthPx, kEditorHeightPx);
+    }
     if (host.parent == nullptr) return Fail("error: No parent window provided.\n");
     *widget = std::bit_cast<LV2UI_Widget>(instance->puglView->GetNativeWindow());
     ConnectWindow(*instance->puglView, *instance->rootView);
