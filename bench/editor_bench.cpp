@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "editor/GLView_BaseView.h"
-#include "editor/window_events.h"
+#include "editor/pugl_window.h"
 #include "gl/settings.h"
 #include "tests/support/ui_host.h"
 
@@ -40,7 +40,7 @@ void BM_Frame(benchmark::State& state) {
     host.Sync();
     const auto window = PuglWindow::Create(host.GetId(), "Bench", 1000, 600);
     GLView_BaseView root(1000, 600);
-    ConnectWindow(*window, root);
+    window->SetRoot(root);
     window->ProcessEvents();
     for (auto _ : state) {
         root.redrawNeeded = state.range(0) != 0;

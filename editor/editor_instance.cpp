@@ -14,7 +14,6 @@
 #include "editor/GLView_StripEqView.h"
 #include "editor/host_options.h"
 #include "editor/pugl_window.h"
-#include "editor/window_events.h"
 #include "gl/settings.h"
 
 namespace brindle {
@@ -114,7 +113,7 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
     }
     if (host.parent == nullptr) return Fail("error: No parent window provided.\n");
     *widget = std::bit_cast<LV2UI_Widget>(instance->puglView->GetNativeWindow());
-    ConnectWindow(*instance->puglView, *instance->rootView);
+    instance->puglView->SetRoot(*instance->rootView);
     instance->rootView->EditorOpened();
     return instance.release();
 }

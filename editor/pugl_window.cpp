@@ -5,10 +5,13 @@
 #include <pugl/pugl.h>
 
 #include <chrono>
+#include <cstdio>
+#include <mutex>
 #include <thread>
-#include <type_traits>
 
+#include "editor/GLView_BaseView.h"
 #include "editor/contain.h"
+#include "editor/draw_mutex.h"
 #include "editor/x11_watch.h"
 
 namespace brindle {
@@ -20,40 +23,32 @@ constexpr int kButtons = 3;       // those above are wheels, or a mouse's side b
 
 }  // namespace
 
-/// The window's state, and what Pugl calls with it as handle.
+/// What Pugl calls, with the window's state as its handle.
 struct PuglWindow::Impl {
-    PuglWindow& window;
     PuglView* view = nullptr;
     Window parent = 0;
     Display* display = nullptr;  ///< Pugl's own connection; null until its first callback
     GLXContext context = nullptr;
     std::unique_ptr<X11Watch> watch;  ///< as long as `display`
-    const PuglCallbacks* callbacks = nullptr;
-    void* handle = nullptr;
+    GLView_BaseView* root = nullptr;
     WindowSize reported;
-    uint32_t eventTime = 0;
-
-    explicit Impl(PuglWindow& owner) : window(owner) {}
 
     static Impl& Of(PuglView* view) { return *static_cast<Impl*>(puglGetHandle(view)); }
 
-    template <typename... Args>
-    void Call(void (*PuglCallbacks::*callback)(PuglWindow&, Args...),
-              std::type_identity_t<Args>... args) {
-        if (callbacks != nullptr) Contain([&] { (callbacks->*callback)(window, args...); });
-    }
-
     void ReportSize() {
-        if (callbacks != nullptr && reported != watch->GetSize()) {
-            reported = watch->GetSize();
-            Call(&PuglCallbacks::reshape, reported.width, reported.height);
-        }
+        if (root == nullptr || reported == watch->GetSize()) return;
+        reported = watch->GetSize();
+        root->SetWindowSize(static_cast<float>(reported.width),
+                            static_cast<float>(reported.height));
     }
 
-    InputEvent TakeEvent(int type) {
-        const InputEvent event = watch->Take(type);
-        eventTime = event.time;
-        return event;
+    uint32_t GetModifiers() const { return static_cast<uint32_t>(puglGetModifiers(view)); }
+
+    void PrintModifiers() const {
+        const uint32_t modifiers = GetModifiers();
+        std::fprintf(stderr, "Modifiers:%s%s%s%s\n", (modifiers & 1u) != 0 ? " Shift" : "",
+                     (modifiers & 2u) != 0 ? " Ctrl" : "", (modifiers & 4u) != 0 ? " Alt" : "",
+                     (modifiers & 8u) != 0 ? " Super" : "");
     }
 
     /// The only place where Pugl lets see its connection and context: they are current here.
@@ -72,39 +67,57 @@ struct PuglWindow::Impl {
     static void OnDisplay(PuglView* view) {
         Impl& impl = Of(view);
         impl.ReportSize();
-        impl.Call(&PuglCallbacks::display);
+        Contain([&] {
+            const std::lock_guard lock(drawMutex);
+            impl.root->RenderFrame();
+        });
     }
 
     static void OnMotion(PuglView* view, int x, int y) {
-        Of(view).Call(&PuglCallbacks::motion, x, y);
+        Impl& impl = Of(view);
+        Contain([&] {
+            impl.root->SetModifiers(impl.GetModifiers());
+            impl.root->PointerMotion(static_cast<float>(x), static_cast<float>(y));
+        });
     }
 
     static void OnMouse(PuglView* view, int button, bool press, int x, int y) {
         Impl& impl = Of(view);
-        impl.TakeEvent(press ? ButtonPress : ButtonRelease);
-        if (button <= kButtons) impl.Call(&PuglCallbacks::mouse, button, press, x, y);
+        impl.root->SetEventTime(impl.watch->PopTime(press ? ButtonPress : ButtonRelease));
+        if (button > kButtons) return;
+        Contain([&] {
+            impl.root->SetModifiers(impl.GetModifiers());
+            impl.root->MouseButton(button, press, static_cast<float>(x), static_cast<float>(y));
+        });
     }
 
-    static void OnScroll(PuglView* view, float dx, float dy) {
+    static void OnScroll(PuglView* view, float /*dx*/, float dy) {
         Impl& impl = Of(view);
-        const InputEvent event = impl.TakeEvent(ButtonPress);
-        impl.Call(&PuglCallbacks::scroll, event.x, event.y, dx, dy);
+        impl.watch->PopTime(ButtonPress);
+        Contain([&] {
+            impl.root->SetModifiers(impl.GetModifiers());
+            impl.root->MouseWheel(dy);
+        });
     }
 
     static void OnKeyboard(PuglView* view, bool press, uint32_t character) {
         Impl& impl = Of(view);
-        impl.TakeEvent(press ? KeyPress : KeyRelease);
-        impl.Call(&PuglCallbacks::keyboard, press, character);
+        std::fprintf(stderr, "Key %c %s ", static_cast<int>(character), press ? "down" : "up");
+        impl.PrintModifiers();
+        impl.root->SetEventTime(impl.watch->PopTime(press ? KeyPress : KeyRelease));
+        impl.root->Key(press, character);
     }
 
     static void OnSpecial(PuglView* view, bool press, PuglKey key) {
         Impl& impl = Of(view);
-        impl.TakeEvent(press ? KeyPress : KeyRelease);
-        impl.Call(&PuglCallbacks::special, press, static_cast<int>(key));
+        std::fprintf(stderr, "Special key %d %s ", static_cast<int>(key), press ? "down" : "up");
+        impl.PrintModifiers();
+        impl.root->SetEventTime(impl.watch->PopTime(press ? KeyPress : KeyRelease));
+        impl.root->SpecialKey(press, static_cast<uint32_t>(key));
     }
 };
 
-PuglWindow::PuglWindow() : impl_(std::make_unique<Impl>(*this)) {}
+PuglWindow::PuglWindow() : impl_(std::make_unique<Impl>()) {}
 
 std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* title, int width,
                                                int height) {
@@ -124,12 +137,6 @@ std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* tit
         std::this_thread::sleep_for(kWaitStep);
     }
     if (window->impl_->watch == nullptr) return nullptr;
-    puglSetDisplayFunc(view, Impl::OnDisplay);
-    puglSetMotionFunc(view, Impl::OnMotion);
-    puglSetMouseFunc(view, Impl::OnMouse);
-    puglSetScrollFunc(view, Impl::OnScroll);
-    puglSetKeyboardFunc(view, Impl::OnKeyboard);
-    puglSetSpecialFunc(view, Impl::OnSpecial);
     return window;
 }
 
@@ -141,11 +148,16 @@ PuglWindow::~PuglWindow() {
     if (impl_->view != nullptr) puglDestroy(impl_->view);
 }
 
-void PuglWindow::SetCallbacks(const PuglCallbacks* callbacks, void* handle) {
-    impl_->callbacks = callbacks;
-    impl_->handle = handle;
+void PuglWindow::SetRoot(GLView_BaseView& root) {
+    impl_->root = &root;
     impl_->reported = {};
     impl_->ReportSize();
+    puglSetDisplayFunc(impl_->view, Impl::OnDisplay);
+    puglSetMotionFunc(impl_->view, Impl::OnMotion);
+    puglSetMouseFunc(impl_->view, Impl::OnMouse);
+    puglSetScrollFunc(impl_->view, Impl::OnScroll);
+    puglSetKeyboardFunc(impl_->view, Impl::OnKeyboard);
+    puglSetSpecialFunc(impl_->view, Impl::OnSpecial);
     PostRedisplay();
 }
 
@@ -165,10 +177,6 @@ void PuglWindow::PostRedisplay() {
     puglPostRedisplay(impl_->view);
 }
 
-void* PuglWindow::GetHandle() const {
-    return impl_->handle;
-}
-
 bool PuglWindow::MakeCurrent() {
     impl_->watch->ReadAhead();
     if (!impl_->watch->IsGone() &&
@@ -178,14 +186,6 @@ bool PuglWindow::MakeCurrent() {
     }
     glXMakeCurrent(impl_->display, None, nullptr);
     return false;
-}
-
-uint32_t PuglWindow::GetEventTime() const {
-    return impl_->eventTime;
-}
-
-uint32_t PuglWindow::GetModifiers() const {
-    return static_cast<uint32_t>(puglGetModifiers(impl_->view));
 }
 
 }  // namespace brindle

@@ -6,21 +6,7 @@
 
 namespace brindle {
 
-class PuglWindow;
-
-/// What a window calls while it processes events. Its GL context is current in `display` only.
-/// Positions are window pixels from the top left corner, outside of the window too while a button
-/// is held.
-struct PuglCallbacks {
-    void (*display)(PuglWindow& window);
-    /// Before the first frame, and whenever the window's own size has changed.
-    void (*reshape)(PuglWindow& window, int width, int height);
-    void (*motion)(PuglWindow& window, int x, int y);
-    void (*mouse)(PuglWindow& window, int button, bool press, int x, int y);  ///< button 1..3
-    void (*scroll)(PuglWindow& window, int x, int y, float dx, float dy);
-    void (*keyboard)(PuglWindow& window, bool press, uint32_t character);
-    void (*special)(PuglWindow& window, bool press, int key);
-};
+class GLView_BaseView;
 
 /// The editor's native window: all calls of Pugl stand behind this class, and with them what the
 /// packaged version lacks for a plugin editor: the time of an event, the position of a scroll,
@@ -39,9 +25,9 @@ class PuglWindow {
     PuglWindow(const PuglWindow&) = delete;
     PuglWindow& operator=(const PuglWindow&) = delete;
 
-    /// From now on events go to `callbacks` (borrowed), the size first. Asks for a first frame.
-    void SetCallbacks(const PuglCallbacks* callbacks, void* handle);
-    void* GetHandle() const;
+    /// From now on `root` (borrowed) receives the window's size, pointer and keys, and renders its
+    /// frames. Asks for a first one. Keys are printed on standard error too.
+    void SetRoot(GLView_BaseView& root);
     /// The X window. Valid until the parent, or this, is destroyed.
     uintptr_t GetNativeWindow() const;
     /// Dispatches all that has happened, then draws if that was asked for. Does nothing once the
@@ -53,11 +39,6 @@ class PuglWindow {
     /// Makes the window's GL context current, for work outside of `display`. False where the window
     /// has gone; no context is current then.
     bool MakeCurrent();
-
-    /// Inside the callback of a button, wheel or key: the event's time, ms of the X server's clock.
-    uint32_t GetEventTime() const;
-    /// Inside a callback of input: 1 Shift, 2 Ctrl, 4 Alt, 8 Super, as before the event.
-    uint32_t GetModifiers() const;
 
   private:
     struct Impl;

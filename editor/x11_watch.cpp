@@ -110,14 +110,12 @@ void X11Watch::Record(const XEvent& event) {
     switch (event.type) {
         case KeyPress:
         case KeyRelease:
-            inputs_.push_back(
-                {event.type, static_cast<uint32_t>(event.xkey.time), event.xkey.x, event.xkey.y});
+            inputs_.push_back({event.type, static_cast<uint32_t>(event.xkey.time)});
             break;
         case ButtonPress:
         case ButtonRelease:
             if (event.type == ButtonPress || !IsWheel(event.xbutton.button)) {
-                inputs_.push_back({event.type, static_cast<uint32_t>(event.xbutton.time),
-                                   event.xbutton.x, event.xbutton.y});
+                inputs_.push_back({event.type, static_cast<uint32_t>(event.xbutton.time)});
             }
             break;
         case DestroyNotify:
@@ -153,14 +151,14 @@ void X11Watch::ReadAhead() {
     XPending(display_);
 }
 
-InputEvent X11Watch::Take(int type) {
+uint32_t X11Watch::PopTime(int type) {
     while (!inputs_.empty()) {
-        const InputEvent input = inputs_.front();
+        const InputTime input = inputs_.front();
         inputs_.pop_front();
-        last_ = input;
+        lastTime_ms_ = input.time_ms;
         if (input.type == type) break;
     }
-    return last_;
+    return lastTime_ms_;
 }
 
 void X11Watch::FollowParent() {

@@ -15,14 +15,6 @@ struct WindowSize {
     bool operator==(const WindowSize&) const = default;
 };
 
-/// A press or release of a button or key, with what Pugl leaves out.
-struct InputEvent {
-    int type = 0;       ///< ButtonPress, ButtonRelease, KeyPress or KeyRelease
-    uint32_t time = 0;  ///< the X server's clock, ms
-    int x = 0;          ///< pixels in the window
-    int y = 0;
-};
-
 /// Listens in on one window's own X connection: every event that the connection reads passes here
 /// first, before who owns the connection takes it from the queue. UI thread.
 class X11Watch {
@@ -35,9 +27,10 @@ class X11Watch {
 
     /// Reads all that the server has sent, without taking anything from the queue.
     void ReadAhead();
-    /// The oldest input event of a type, forgetting those before it. Where there is none: the last
-    /// one again.
-    InputEvent Take(int type);
+    /// The time of the oldest press or release of a type (ButtonPress, ButtonRelease, KeyPress or
+    /// KeyRelease), in ms of the X server's clock, forgetting those before it. Where there is none:
+    /// the last one's time again.
+    uint32_t PopTime(int type);
     /// The window has been destroyed, with its parent as a rule.
     bool IsGone() const { return gone_; }
     WindowSize GetSize() const { return size_; }
@@ -45,6 +38,11 @@ class X11Watch {
     void FollowParent();
 
   private:
+    struct InputTime {
+        int type;
+        uint32_t time_ms;
+    };
+
     static Bool OnEvent(Display* display, XEvent* event, void* wire);
     void Record(const XEvent& event);
     void RecordOwnSize(WindowSize newSize);
@@ -58,8 +56,8 @@ class X11Watch {
     bool parentResized_ = false;
     bool hostSizesWindow_ = false;
     std::deque<WindowSize> requested_;  ///< sizes asked for that have not come yet
-    std::deque<InputEvent> inputs_;
-    InputEvent last_;
+    std::deque<InputTime> inputs_;
+    uint32_t lastTime_ms_ = 0;
 };
 
 /// Whether Pugl can make a window there: a display with OpenGL, and the parent (0: none needed)

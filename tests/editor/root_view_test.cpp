@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "editor/window_events.h"
+#include "editor/pugl_window.h"
 #include "gl/gl.h"
 #include "gl/settings.h"
 #include "tests/support/host_window.h"
@@ -91,7 +91,7 @@ class RootView : public testing::Test {
         host.Sync();
         window = PuglWindow::Create(host.GetId(), "Probe", 1000, 600);
         ASSERT_NE(window, nullptr);
-        ConnectWindow(*window, *page);
+        window->SetRoot(*page);
         host.Resize(width, height);
         ASSERT_TRUE(WaitFor([&] { return host.HasSize(window->GetNativeWindow(), width, height); },
                             [&] { Process(); }));
