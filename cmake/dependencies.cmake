@@ -4,6 +4,9 @@ find_package(OpenGL REQUIRED COMPONENTS OpenGL)
 find_package(CLI11 REQUIRED)
 pkg_check_modules(LV2 REQUIRED IMPORTED_TARGET lv2)
 pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
+# ARM processors run NEON: the vectors of SVE have no size when compiling and can be no members.
+target_compile_definitions(PkgConfig::HWY INTERFACE
+                           HWY_DISABLED_TARGETS=\(HWY_SVE|HWY_SVE2|HWY_SVE_256|HWY_SVE2_128\))
 pkg_check_modules(LILV REQUIRED IMPORTED_TARGET lilv-0)
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
 pkg_check_modules(RTAUDIO REQUIRED IMPORTED_TARGET rtaudio)

@@ -82,6 +82,7 @@ class Pipeline {
 
   private:
     struct Weights {
+        HWY_INLINE Weights() {}  // the implicit one is compiled without the target's instructions
         V b0[kVectors], b1[kVectors], b2[kVectors], a1[kVectors], a2[kVectors];
         V wet[kVectors], dry[kVectors];
     };
