@@ -342,7 +342,7 @@ void DrawMarker(float size) {
     const float hw = size / 2.0f;
     const float top = size * kInnerRadius;
     // The smoothed outline softens the edges of the area.
-    for (const GLenum mode : {GL_TRIANGLES, GL_LINE_LOOP}) {
+    for (const GLenum mode : {GLenum{GL_TRIANGLES}, GLenum{GL_LINE_LOOP}}) {
         const PlainPrimitives triangle(mode);
         glVertex2f(-hw, top);
         glVertex2f(hw, top);

@@ -41,7 +41,6 @@ class Editor {
     LivePlugin& plugin_;
     TopWindow& window_;
     LV2_URID event_transfer_;
-    void* library_ = nullptr;  ///< stays loaded, as the plugin's is
     const LV2UI_Descriptor* descriptor_ = nullptr;
     const LV2UI_Idle_Interface* idle_ = nullptr;
     LV2UI_Touch touch_;
