@@ -16,7 +16,7 @@
 namespace brindle {
 namespace {
 
-/// Containers by extension, and what each stores where it cannot keep the source's sample format.
+/// Containers by extension; `fallback` is the sample format where the source's does not fit.
 struct Container {
     const char* extension;
     int format;
@@ -44,7 +44,7 @@ int bits_of(int format) {
     return 0;
 }
 
-/// Floating-point samples and the lossy codecs built on them go beyond full scale unharmed.
+/// Floating-point samples, and the lossy codecs built on them, can exceed full scale.
 bool has_ceiling(int format) {
     const int kind = format & SF_FORMAT_SUBMASK;
     return kind != SF_FORMAT_FLOAT && kind != SF_FORMAT_DOUBLE && kind != SF_FORMAT_VORBIS &&
@@ -103,7 +103,7 @@ AudioReader::AudioReader(std::string path) : path_(std::move(path)) {
     if (descriptor < 0) throw file_error("read", path_, errno);
     file_.reset(sf_open_fd(descriptor, SFM_READ, &info_, SF_TRUE));
     if (!file_) {
-        // libsndfile closes the descriptor in this case as well.
+        // libsndfile has closed the descriptor.
         throw UserError("cannot read " + path_ + ": it is no sound file of a known format.");
     }
 }
@@ -146,8 +146,8 @@ void AudioWriter::write(const float* samples, size_t frames) {
     const auto frame_count = static_cast<sf_count_t>(frames);
     sf_count_t written = 0;
     if (integer_bits_ != 0) {
-        // Rounded here: libsndfile's own conversion from float scales by 2^(n-1) - 1, which would
-        // alter samples that the plugin passes unchanged.
+        // libsndfile's own conversion from float scales by 2^(n-1) - 1, which would alter samples
+        // that the plugin passes unchanged.
         const double scale = std::ldexp(1.0, integer_bits_ - 1);
         const int shift = 32 - integer_bits_;
         integers_.resize(count);

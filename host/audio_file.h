@@ -18,16 +18,16 @@ struct SndfileClose {
 };
 using SndfilePtr = std::unique_ptr<SNDFILE, SndfileClose>;
 
-/// A sound file being read (whatever libsndfile reads: WAV, FLAC, Ogg and more).
+/// Reads a sound file in any format that libsndfile knows.
 class AudioReader {
   public:
-    /// Throws UserError where the file cannot be read.
+    /// Throws UserError if the file cannot be read.
     explicit AudioReader(std::string path);
 
     /// Channels, rate, frames and format.
     [[nodiscard]] const SF_INFO& info() const { return info_; }
-    /// Reads up to `frames` interleaved frames; fewer at the end, then none. Full scale is 1.
-    /// Throws UserError where the file is damaged.
+    /// Reads up to `frames` interleaved frames and returns their number, 0 at the end. Full scale
+    /// is 1. Throws UserError if the file is damaged.
     size_t read(float* samples, size_t frames);
 
   private:
@@ -37,21 +37,21 @@ class AudioReader {
     SndfilePtr file_;
 };
 
-/// A sound file being written in the format of the one that it is made from.
+/// Writes a sound file in the format of another.
 class AudioWriter {
   public:
-    /// Rate, channels, sample format and tags are those of `source`. The container is that of the
-    /// target's extension (.wav, .flac, .ogg); where it cannot hold the sample format, the
-    /// container's best takes its place. Throws UserError where nothing can be written.
+    /// Keeps the rate, channels, sample format and tags of `source`. The target's extension (.wav,
+    /// .flac, .ogg) chooses the container; one that cannot hold the sample format stores its best.
+    /// Throws UserError if nothing can be written.
     AudioWriter(OutputFile& output, const AudioReader& source);
 
-    /// Appends interleaved frames. Integer samples are rounded to nearest and clipped at full
-    /// scale. Throws UserError where that fails.
+    /// Appends interleaved frames. Integer samples are rounded to the nearest and clipped at full
+    /// scale. Throws UserError on failure.
     void write(const float* samples, size_t frames);
-    /// Completes the file. Throws UserError where that fails.
+    /// Completes the file. Throws UserError on failure.
     void close();
 
-    /// Samples that lay beyond full scale in a format that cannot hold them.
+    /// Samples beyond full scale so far, in a format that cannot hold them.
     [[nodiscard]] int64_t clipped() const { return clipped_; }
     /// Largest absolute sample so far.
     [[nodiscard]] float peak() const { return peak_; }
@@ -61,7 +61,7 @@ class AudioWriter {
 
     OutputFile& output_;
     int channels_;
-    int integer_bits_;  ///< bits of an integer sample, 0 in formats of another kind
+    int integer_bits_;  ///< bits of an integer sample, 0 in other formats
     bool has_ceiling_;  ///< the format cannot hold samples beyond full scale
     int64_t clipped_ = 0;
     float peak_ = 0.0f;

@@ -19,9 +19,8 @@ constexpr size_t kClockBlock = 512;
 
 class Device : public AudioOutput {
   public:
-    /// Throws RtAudioError where there is no device, or it refuses.
+    /// Throws RtAudioError if there is no device or it refuses.
     Device(RtAudio::Api api, LivePlugin& plugin, double rate_hz) : audio_(api) {
-        // Its searches for devices are none of the user's business.
         audio_.showWarnings(false);
         if (audio_.getDeviceCount() == 0) throw RtAudioError("none found");
         RtAudio::StreamParameters output;
@@ -44,7 +43,7 @@ class Device : public AudioOutput {
         return 0;
     }
 
-    RtAudio audio_;  // its destructor ends the stream
+    RtAudio audio_;
     std::string name_;
 };
 
@@ -65,7 +64,7 @@ class SilentClock : public AudioOutput {
         std::vector<float> unheard(LivePlugin::kOutputs * kClockBlock);
         for (auto next = Clock::now(); !stop.stop_requested(); next += period) {
             plugin.play(unheard.data(), kClockBlock);
-            // What a stalled machine has missed is not caught up.
+            // After a stall, do not catch up.
             next = std::max(next, Clock::now() - period);
             std::this_thread::sleep_until(next + period);
         }
@@ -75,8 +74,7 @@ class SilentClock : public AudioOutput {
     std::jthread thread_;
 };
 
-/// On the first sound system that takes the rate: a sound server may run at another one than the
-/// device that it leaves to others.
+/// Tries each sound system in turn: one may refuse a rate that another accepts.
 std::unique_ptr<AudioOutput> start_device(LivePlugin& plugin, double rate_hz) {
     std::vector<RtAudio::Api> apis;
     RtAudio::getCompiledApi(apis);
@@ -84,7 +82,7 @@ std::unique_ptr<AudioOutput> start_device(LivePlugin& plugin, double rate_hz) {
         try {
             return std::make_unique<Device>(api, plugin, rate_hz);
         } catch (const RtAudioError&) {
-            // The next one may.
+            continue;
         }
     }
     return nullptr;
@@ -95,7 +93,6 @@ std::unique_ptr<AudioOutput> start_device(LivePlugin& plugin, double rate_hz) {
 std::unique_ptr<AudioOutput> start_audio(LivePlugin& plugin, double rate_hz, bool silent) {
     if (silent) return std::make_unique<SilentClock>(plugin, rate_hz, "without a sound device");
     if (auto device = start_device(plugin, rate_hz)) return device;
-    // A machine without sound shows all the same what the plugin does.
     const auto rate = std::to_string(std::lround(rate_hz));
     return std::make_unique<SilentClock>(plugin, rate_hz,
                                          "in silence, as no sound device takes " + rate + " Hz");

@@ -8,8 +8,7 @@
 
 namespace brindle {
 
-/// Something that asks a live plugin for its sound at the speed of hearing, on a thread of its own,
-/// from construction to destruction.
+/// Runs a live plugin in real time on a thread of its own, from construction to destruction.
 class AudioOutput {
   public:
     AudioOutput() = default;
@@ -17,12 +16,12 @@ class AudioOutput {
     AudioOutput& operator=(const AudioOutput&) = delete;
     virtual ~AudioOutput() = default;
 
-    /// Where the sound goes, as it is told to the user: "on" a device, or why it goes nowhere.
+    /// Where the sound goes, for the user to read: "on" a device, or why it is not heard.
     [[nodiscard]] virtual std::string place() const = 0;
 };
 
-/// Plays on the system's sound device. Where there is none that takes `rate_hz` [Hz], or `silent`
-/// is asked for, a clock takes its place and nothing is heard. `plugin` outlives it.
+/// Plays on the system's sound device. If `silent` is set or no device accepts `rate_hz`, a clock
+/// runs the plugin unheard. `plugin` must outlive the result.
 std::unique_ptr<AudioOutput> start_audio(LivePlugin& plugin, double rate_hz, bool silent);
 
 }  // namespace brindle

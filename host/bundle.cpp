@@ -10,7 +10,6 @@
 #include <filesystem>
 
 #include "contract/brindle.h"
-#include "host/port_values.h"
 #include "host/user_error.h"
 
 namespace brindle {
@@ -48,7 +47,7 @@ std::vector<ControlInfo::Choice> choices_of(const LilvPlugin* plugin, const Lilv
     return choices;
 }
 
-/// Where a bundle lies that belongs to this very program, built or installed together with it.
+/// Where the build and the installation put the bundle that belongs to this program.
 std::vector<std::string> neighbours() {
     std::error_code error;
     const fs::path program = fs::read_symlink("/proc/self/exe", error);
@@ -171,7 +170,7 @@ ControlValues Bundle::preset(const std::string& name) {
     lilv_world_load_resource(world(), preset);
     const StatePtr state(lilv_state_new_from_world(world(), urids_.map_feature(), preset));
     if (!state) throw UserError("the preset \"" + name + "\" cannot be read.");
-    return port_values(*this, *state);
+    return port_values(urids_, controls(), *state);
 }
 
 }  // namespace brindle

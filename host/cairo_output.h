@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// What all that is drawn with Cairo shares: an owner, and the way into an output file.
+/// Ownership of Cairo surfaces, and writing them to an output file.
 #pragma once
 
 #include <cairo.h>
@@ -15,7 +15,7 @@ struct SurfaceDestroy {
 };
 using SurfacePtr = std::unique_ptr<cairo_surface_t, SurfaceDestroy>;
 
-/// A stream function of Cairo whose closure is an OutputFile, which remembers what goes wrong.
+/// Cairo's write function for an OutputFile, which remembers errors.
 inline cairo_status_t write_to_output(void* output, const unsigned char* data, unsigned int size) {
     return static_cast<OutputFile*>(output)->write(data, size) ? CAIRO_STATUS_SUCCESS
                                                                : CAIRO_STATUS_WRITE_ERROR;

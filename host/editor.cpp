@@ -34,7 +34,7 @@ Editor::Editor(Bundle& bundle, LivePlugin& plugin, TopWindow& window, int channe
     : plugin_(plugin),
       window_(window),
       event_transfer_(bundle.urids().map(LV2_ATOM__eventTransfer)),
-      // Nothing else moves the controls: there is nothing to hold back while one is held.
+      // Only the editor moves the controls, so a touched control needs no protection.
       touch_{this, [](LV2UI_Feature_Handle, uint32_t, bool) {}},
       resize_{&window,
               [](LV2UI_Feature_Handle self, int width, int height) {
@@ -92,7 +92,7 @@ void Editor::instantiate(Bundle& bundle, int channels, double rate_hz) {
     for (size_t i = 0; i < features.size(); ++i) list[i] = &features[i];
     const auto write = [](LV2UI_Controller self, uint32_t port, uint32_t size, uint32_t protocol,
                           const void* buffer) {
-        static_cast<Editor*>(self)->take_write(port, size, protocol, buffer);
+        static_cast<Editor*>(self)->apply_write(port, size, protocol, buffer);
     };
     handle_ = descriptor_->instantiate(descriptor_, channels == 1 ? kMonoUri : kStereoUri,
                                        bundle.path().c_str(), write, this, &widget_, list.data());
@@ -103,7 +103,7 @@ void Editor::instantiate(Bundle& bundle, int channels, double rate_hz) {
     }
 }
 
-void Editor::take_write(uint32_t port, uint32_t size, uint32_t protocol, const void* buffer) {
+void Editor::apply_write(uint32_t port, uint32_t size, uint32_t protocol, const void* buffer) {
     if (protocol == 0 && size == sizeof(float) && plugin_.is_control(port)) {
         float value = 0.0f;
         std::memcpy(&value, buffer, sizeof value);
@@ -129,7 +129,7 @@ void Editor::report() {
     }
     report_value(kMeterInPort);
     report_value(kMeterOutPort);
-    plugin_.take_messages([this](uint32_t port, const LV2_Atom& atom) {
+    plugin_.read_messages([this](uint32_t port, const LV2_Atom& atom) {
         descriptor_->port_event(handle_, port, static_cast<uint32_t>(sizeof atom) + atom.size,
                                 event_transfer_, &atom);
     });

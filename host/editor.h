@@ -12,30 +12,29 @@
 
 namespace brindle {
 
-/// The bundle's editor in a window, connected with a live plugin as a workstation does it. UI
-/// thread.
+/// The bundle's editor in a window, connected to a live plugin as a workstation does. UI thread.
 class Editor {
   public:
-    /// Times a second that tick() is to be called.
+    /// Calls of tick() per second.
     static constexpr int kTicks = 30;
 
-    /// Opens the editor for a plugin with `channels` at `rate_hz`. All that is passed in outlives
-    /// it. Throws UserError where there is none for X11, or it refuses.
+    /// Opens the editor for a plugin with `channels` at `rate_hz`. All arguments must outlive it.
+    /// Throws UserError if the bundle has no X11 editor or the editor refuses.
     Editor(Bundle& bundle, LivePlugin& plugin, TopWindow& window, int channels, double rate_hz);
     ~Editor();
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
 
-    /// Tells the editor what has changed, handles the window's events, and lets the editor handle
-    /// its own and draw. False where the editor asks to be closed.
+    /// Reports changes to the editor, handles the window's events, and lets the editor handle its
+    /// own and draw. False if the editor asks to be closed.
     bool tick();
-    /// The first half of that: control inputs that have changed, meters and messages.
+    /// Reports changed controls, meters and messages to the editor; tick() begins with this.
     void report();
 
   private:
     void load(const Bundle& bundle, int channels);
     void instantiate(Bundle& bundle, int channels, double rate_hz);
-    void take_write(uint32_t port, uint32_t size, uint32_t protocol, const void* buffer);
+    void apply_write(uint32_t port, uint32_t size, uint32_t protocol, const void* buffer);
     void report_value(uint32_t port);
 
     LivePlugin& plugin_;
@@ -47,7 +46,7 @@ class Editor {
     LV2UI_Resize resize_;
     LV2UI_Handle handle_ = nullptr;
     LV2UI_Widget widget_ = nullptr;
-    std::vector<uint8_t> is_changed_;  ///< by port: a control that the editor has to be told
+    std::vector<uint8_t> is_changed_;  ///< by port: a control to report to the editor
 };
 
 }  // namespace brindle

@@ -7,12 +7,12 @@
 
 namespace brindle {
 
-/// Keeps the requests to stop (interrupt, termination, hang-up) pending, so that a command ends
-/// where it can clean up. Also turns a file size limit into an ordinary write error. Call once,
-/// before any thread is started.
+/// Keeps requests to stop (SIGINT, SIGTERM, SIGHUP) pending, so that a command ends where it can
+/// clean up. Also turns a file size limit into an ordinary write error. Call once, before any
+/// thread is started.
 void hold_interrupts();
 
-/// A request to stop has come; `exit_status` is the one that shells expect.
+/// A request to stop has come; `exit_status` is what shells expect.
 class Interrupted : public UserError {
   public:
     explicit Interrupted(int signal_number)

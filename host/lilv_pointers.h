@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// Owners of what lilv hands over.
+/// Owning pointers to lilv's objects.
 #pragma once
 
 #include <lilv/lilv.h>

@@ -13,38 +13,38 @@
 
 namespace brindle {
 
-/// A plugin that plays a signal on the audio thread while the UI thread turns its controls. The
-/// two exchange values and messages without locks.
+/// A plugin that processes a signal on the audio thread while the UI thread moves its controls.
+/// The two exchange values and messages without locks.
 class LivePlugin {
   public:
-    /// Frames of the signal that are processed at a time, at most.
+    /// Largest number of frames processed at a time.
     static constexpr uint32_t kBlock = 1024;
     static constexpr int kOutputs = 2;
 
-    /// `plugin` and `source` are borrowed; from now on they belong to the audio thread.
+    /// Borrows `plugin` and `source`; from now on they belong to the audio thread.
     LivePlugin(Bundle& bundle, Plugin& plugin, SignalSource& source);
     LivePlugin(const LivePlugin&) = delete;
     LivePlugin& operator=(const LivePlugin&) = delete;
 
     // UI thread
-    /// A control's value, taken over by the next block. Ports that are no controls are passed over.
+    /// Sets a control's value from the next block on. Ignores ports that are no controls.
     void set(uint32_t port, float value);
-    /// Value of a control input as set, of an output as of the latest block; 0 for other ports.
+    /// The value of a control, or of a meter after the latest block; 0 for other ports.
     [[nodiscard]] float get(uint32_t port) const;
     [[nodiscard]] bool is_control(uint32_t port) const;
     [[nodiscard]] uint32_t port_count() const { return static_cast<uint32_t>(ports_.size()); }
-    /// Passes a message to the plugin's input for them. False where too many wait.
+    /// Sends a message to the plugin. False if too many are waiting.
     bool send(const LV2_Atom& atom);
-    /// Calls `take(port, atom)` for each message that the plugin has sent.
-    template <typename Take>
-    void take_messages(Take take) {
-        while (from_plugin_.pop(take)) continue;
+    /// Calls `use(port, atom)` for each message that the plugin has sent.
+    template <typename Use>
+    void read_messages(Use use) {
+        while (from_plugin_.pop(use)) continue;
     }
-    /// Gives the plugin the controls' latest values where no audio thread does so any more.
+    /// Gives the plugin the controls' latest values after the audio thread has ended.
     void settle_controls() { apply_controls(); }
 
     // Audio thread
-    /// The next `frames` of sound for two channels, interleaved. Real-time safe.
+    /// Writes the next `frames`, interleaved in two channels. Real-time safe.
     void play(float* out, size_t frames);
 
   private:

@@ -12,18 +12,18 @@
 
 namespace brindle {
 
-/// Carries atoms from one thread to one other without locks; a full ring drops what comes. All
-/// memory is taken at construction, so both ends are real-time safe.
+/// A lock-free queue of atoms from one thread to another; a full ring drops messages. All memory
+/// is allocated at construction, so both ends are real-time safe.
 class MessageRing {
   public:
-    /// Bytes of the largest atom with its head; an analyser row takes 1056.
+    /// Bytes of the largest atom with its header; an analyser row has 1056.
     static constexpr size_t kLargest = 2048;
-    /// Messages that wait at once: more than two seconds of analyser rows.
+    /// Capacity in messages: more than two seconds of analyser rows.
     static constexpr size_t kSlots = 128;
 
     MessageRing() : slots_(kSlots) {}
 
-    /// Writing thread. False where there is no room.
+    /// Writing thread. False if there is no room.
     bool push(uint32_t port, const LV2_Atom& atom) {
         const size_t size = sizeof atom + size_t{atom.size};
         const size_t end = end_.load(std::memory_order_relaxed);
@@ -35,14 +35,14 @@ class MessageRing {
         return true;
     }
 
-    /// Reading thread: calls `take(port, atom)` for the oldest message and forgets it. False where
+    /// Reading thread: calls `use(port, atom)` for the oldest message and removes it. False if
     /// there is none.
-    template <typename Take>
-    bool pop(Take take) {
+    template <typename Use>
+    bool pop(Use use) {
         const size_t begin = begin_.load(std::memory_order_relaxed);
         if (begin == end_.load(std::memory_order_acquire)) return false;
         const Slot& slot = slots_[begin % kSlots];
-        take(slot.port, *reinterpret_cast<const LV2_Atom*>(slot.bytes.data()));
+        use(slot.port, *reinterpret_cast<const LV2_Atom*>(slot.bytes.data()));
         begin_.store(begin + 1, std::memory_order_release);
         return true;
     }

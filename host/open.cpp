@@ -22,8 +22,8 @@ namespace {
 
 constexpr PixelSize kSize = {1000, 600};
 
-/// The file for the state at the end, made at the beginning so that what is wrong shows at once.
-/// The state that is loaded may be written over, other files not.
+/// The file for the final state, made at the start so that a wrong path shows at once. Only the
+/// state that was loaded may be overwritten.
 std::unique_ptr<OutputFile> state_output(const OpenRequest& request) {
     if (request.save.empty()) return nullptr;
     const bool is_loaded = request.save == request.settings.state;
@@ -44,7 +44,7 @@ void run_until_closed(Editor& editor, const TopWindow& window) {
     constexpr auto kPeriod = std::chrono::nanoseconds(std::chrono::seconds(1)) / Editor::kTicks;
     auto next = Clock::now();
     while (editor.tick() && !window.is_closed() && !is_interrupted()) {
-        // Frames that a slow machine has missed are not made up for.
+        // On a slow machine, do not catch up with missed frames.
         next = std::max(next + kPeriod, Clock::now());
         std::this_thread::sleep_until(next);
     }

@@ -16,8 +16,8 @@ struct OpenRequest {
     bool silent = false;  ///< use no sound device
 };
 
-/// Opens the editor in a window over running audio, until the window is closed or a request to stop
-/// comes. Throws UserError where that cannot be.
+/// Opens the editor in a window over running audio until the window is closed or a request to stop
+/// comes. Throws UserError if that is impossible.
 void open_editor(Bundle& bundle, const OpenRequest& request);
 
 }  // namespace brindle

@@ -17,7 +17,7 @@ namespace brindle {
 namespace {
 
 constexpr size_t kSettleFrames = size_t{1} << 17;
-/// Room in an atom port's buffer where the bundle asks for none [bytes].
+/// Bytes of an atom port's buffer if the bundle asks for no size.
 constexpr size_t kMessageSize = 4096;
 
 size_t message_size(LilvWorld* world, const LilvPlugin* plugin, const LilvPort* port) {
@@ -82,7 +82,7 @@ void Plugin::set(const ControlValues& values) {
     for (const auto& [port, value] : values) set(port, value);
 }
 
-/// An input is an empty sequence; an output tells its capacity and is no sequence yet.
+/// Makes each input an empty sequence; an output states its capacity as a chunk.
 void Plugin::clear_messages() {
     for (MessagePort& port : message_ports_) {
         LV2_Atom_Sequence* sequence = port.sequence();

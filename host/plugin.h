@@ -14,12 +14,12 @@
 
 namespace brindle {
 
-/// One running instance of the plugin with all its port buffers.
+/// A running instance of the plugin with its port buffers.
 class Plugin {
   public:
-    /// The variant for `channels` (1 or 2) at `rate` [Hz], controls at their defaults; audio is
-    /// passed in blocks of up to `block` frames. `bundle` outlives the instance. Throws UserError
-    /// where the library cannot be loaded or refuses.
+    /// The variant for `channels` (1 or 2) at `rate` [Hz], controls at their defaults, with blocks
+    /// of at most `block` frames. `bundle` must outlive it. Throws UserError if the library cannot
+    /// be loaded or refuses.
     Plugin(Bundle& bundle, int channels, double rate, uint32_t block);
     ~Plugin();
     Plugin(const Plugin&) = delete;
@@ -28,27 +28,27 @@ class Plugin {
     [[nodiscard]] int channels() const { return channels_; }
     [[nodiscard]] double rate() const { return rate_; }
 
-    /// A control port's value; taken over by the next block. `port` is a control port's number.
+    /// Sets a control port's value from the next block on. `port` must be a control port.
     void set(uint32_t port, float value) { values_[port] = value; }
     void set(const ControlValues& values);
     [[nodiscard]] float get(uint32_t port) const { return values_[port]; }
 
-    /// Passes a message to an atom input port with the next block. False where the port is none or
-    /// has no room left. `atom` is a whole atom with its body. Real-time safe.
+    /// Sends a message to an atom input port with the next block. False if there is no such port
+    /// or no room left. `atom` is followed by its body. Real-time safe.
     bool send(uint32_t port, const LV2_Atom& atom);
-    /// `take(port, atom)` gets each message of an atom output port, once its block has run.
+    /// Calls `sink(port, atom)` after each block for each message of an atom output port.
     using MessageSink = std::function<void(uint32_t port, const LV2_Atom& atom)>;
-    void on_message(MessageSink take) { message_sink_ = std::move(take); }
+    void on_message(MessageSink sink) { message_sink_ = std::move(sink); }
 
-    /// Runs interleaved audio of any length; `in` and `out` may be the same. Real-time safe.
+    /// Processes interleaved audio of any length; `in` and `out` may be equal. Real-time safe.
     void process(const float* in, float* out, size_t frames);
 
-    /// Runs silence until the plugin has arrived at its controls' values. It glides there by at
-    /// least 2 % of the remaining way each 64 samples (128 at high rates), so after 2^17 samples
-    /// (2.7 s at 48 kHz), which are 1024 such steps or more, 1e-9 of the way is left.
+    /// Processes silence until the plugin's glides have ended. A glide covers at least 2 % of the
+    /// remaining way each 64 samples (128 at high rates). After 2^17 samples (2.7 s at 48 kHz),
+    /// which are 1024 such steps or more, 1e-9 of the way is left.
     void settle();
 
-    /// The instance's controls as an LV2 state. UI thread, while no audio runs.
+    /// The controls as an LV2 state. UI thread, while no audio runs.
     [[nodiscard]] StatePtr state(Bundle& bundle) const;
 
   private:
@@ -60,7 +60,7 @@ class Plugin {
         [[nodiscard]] LV2_Atom_Sequence* sequence() {
             return reinterpret_cast<LV2_Atom_Sequence*>(buffer.data());
         }
-        /// Bytes behind the sequence's head.
+        /// Bytes after the sequence's header.
         [[nodiscard]] size_t capacity() const {
             return buffer.size() * sizeof(uint64_t) - sizeof(LV2_Atom);
         }
@@ -78,7 +78,7 @@ class Plugin {
     LV2_URID chunk_type_;
     LV2_URID float_type_;
     InstancePtr instance_;
-    std::vector<float> values_;  ///< by port number, zero for ports that have none
+    std::vector<float> values_;  ///< by port number, 0 for ports without a value
     std::vector<MessagePort> message_ports_;
     MessageSink message_sink_;
     std::vector<std::vector<float>> inputs_;  ///< by channel, `block_` frames each

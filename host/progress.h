@@ -6,10 +6,10 @@
 
 namespace brindle {
 
-/// A bar on standard error, drawn only where that is a terminal, and wiped when done.
+/// A progress bar on standard error if that is a terminal; the destructor erases it.
 class Progress {
   public:
-    /// `total` steps of any unit; zero or less where their number is not known (no bar then).
+    /// `total` steps of any unit; with 0 or less there is no bar.
     Progress(std::string label, int64_t total);
     ~Progress();
     Progress(const Progress&) = delete;

@@ -14,11 +14,11 @@ struct RenderRequest {
     std::string output;
     Settings settings;
     uint32_t block = 1024;  ///< frames that the plugin gets at a time
-    bool settle = true;     ///< let the controls' glides end before the first sample
+    bool settle = true;     ///< end the controls' glides before the first sample
 };
 
-/// Runs a sound file through the plugin, sample by sample aligned with the input and of the same
-/// length. Throws UserError; then there is no output.
+/// Processes a sound file with the plugin; the output is aligned with the input and as long. Throws
+/// UserError, and then leaves no output.
 void render(Bundle& bundle, const RenderRequest& request);
 
 }  // namespace brindle

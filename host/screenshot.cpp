@@ -25,9 +25,9 @@ namespace {
 
 constexpr PixelSize kSmallest = {500, 300};
 constexpr PixelSize kLargest = {7680, 4320};
-/// Audio that has run: as long as the analyser's display reaches back.
+/// Ticks of audio before the first frame: as long as the analyser's display reaches back.
 constexpr int kUnseenTicks = 3 * Editor::kTicks;
-/// Frames that are drawn, until what moves has come to rest.
+/// Frames drawn, until the animations have ended.
 constexpr int kSeenTicks = 20;
 
 PixelSize size_in(const std::string& text) {
@@ -57,7 +57,6 @@ std::vector<uint32_t> picture_of_editor(Bundle& bundle, const ControlValues& val
     Editor editor(bundle, live, window, source.channels(), source.rate());
     window.resize(size);
     window.show();
-    // The audio runs as fast as it can, between the ticks of the editor's time.
     const auto frames = static_cast<size_t>(source.rate()) / Editor::kTicks;
     std::vector<float> unheard(frames * LivePlugin::kOutputs);
     for (int i = 0; i < kUnseenTicks + kSeenTicks; ++i) {

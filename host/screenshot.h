@@ -14,8 +14,8 @@ struct ScreenshotRequest {
     std::string size = "1000x600";  ///< WIDTHxHEIGHT, pixels
 };
 
-/// Writes a picture (PNG) of the editor while pink noise runs through the plugin; on a display of
-/// its own where there is none, or none with room. Throws UserError; then there is no picture.
+/// Writes a picture (PNG) of the editor while pink noise runs through the plugin. Starts a virtual
+/// display if there is none with room. Throws UserError, and then leaves no picture.
 void screenshot(Bundle& bundle, const ScreenshotRequest& request);
 
 }  // namespace brindle

@@ -34,7 +34,7 @@ std::optional<float> choice_in(const ControlInfo& control, const std::string& te
     return std::nullopt;
 }
 
-/// What the control takes, as the end of a sentence.
+/// What the control accepts, as the end of a sentence.
 std::string accepted(const ControlInfo& control) {
     std::string text = control.whole ? "a whole number from " : "a number from ";
     text += short_number(control.minimum) + " to " + short_number(control.maximum);
@@ -48,7 +48,7 @@ std::string accepted(const ControlInfo& control) {
 float value_in(const ControlInfo& control, const std::string& text) {
     std::optional<float> value = choice_in(control, text);
     if (!value) value = number_in(text);
-    // Written so that NaN is refused as well.
+    // This form refuses NaN too.
     if (!value || !(*value >= control.minimum && *value <= control.maximum) ||
         (control.whole && *value != std::floor(*value))) {
         throw UserError('"' + text + "\" is no value for " + control.symbol + ", which takes " +

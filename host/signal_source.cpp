@@ -15,7 +15,7 @@ namespace brindle {
 namespace {
 
 constexpr size_t kReadFrames = 65536;
-const float k_level = std::pow(10.0f, -18.0f / 20.0f);
+const float kLevel = std::pow(10.0f, -18.0f / 20.0f);
 constexpr double kSweepStartHz = 20.0;
 constexpr double kSweepEndHz = 20000.0;
 constexpr double kSweepSeconds = 10.0;
@@ -55,7 +55,7 @@ void FileLoop::read(float* samples, size_t frames) {
     }
 }
 
-/// Evenly distributed, with variance 1.
+/// Uniformly distributed, with variance 1.
 float PinkNoise::Channel::draw() {
     const auto unit = static_cast<float>(random_() - std::mt19937::min()) /
                       static_cast<float>(std::mt19937::max() - std::mt19937::min());
@@ -63,7 +63,7 @@ float PinkNoise::Channel::draw() {
 }
 
 float PinkNoise::Channel::next() {
-    // Row r changes every 2^(r+1) samples: the trailing zeros of a counter name whose turn it is.
+    // Row r changes every 2^(r+1) samples: the counter's trailing zeros are the row to change.
     const auto row = static_cast<size_t>(std::countr_zero(++count_));
     if (row < kRows) {
         sum_ -= rows_[row];
@@ -76,7 +76,7 @@ float PinkNoise::Channel::next() {
 void PinkNoise::read(float* samples, size_t frames) {
     for (size_t i = 0; i < frames; ++i) {
         for (size_t side = 0; side < 2; ++side) {
-            samples[2 * i + side] = k_level * channels_[side].next();
+            samples[2 * i + side] = kLevel * channels_[side].next();
         }
     }
 }
@@ -84,8 +84,7 @@ void PinkNoise::read(float* samples, size_t frames) {
 void Sweep::read(float* samples, size_t frames) {
     const double growth = std::pow(kSweepEndHz / kSweepStartHz, 1.0 / (kSweepSeconds * rate()));
     for (size_t i = 0; i < frames; ++i) {
-        const float sample =
-            k_level * static_cast<float>(std::sin(2.0 * std::numbers::pi * phase_));
+        const float sample = kLevel * static_cast<float>(std::sin(2.0 * std::numbers::pi * phase_));
         samples[2 * i] = sample;
         samples[2 * i + 1] = sample;
         phase_ += freq_hz_ / rate();

@@ -21,18 +21,18 @@ class SignalSource {
 
     [[nodiscard]] virtual int channels() const { return 2; }
     [[nodiscard]] virtual double rate() const { return 48000.0; }  ///< Hz
-    /// The next frames, interleaved. Real-time safe.
+    /// Reads the next frames, interleaved. Real-time safe.
     virtual void read(float* samples, size_t frames) = 0;
 };
 
-/// A sound file, over and over, held in memory.
+/// A sound file in memory, repeated without end.
 class FileLoop : public SignalSource {
   public:
-    /// What is held of a file at most [samples]: 23 minutes of stereo at 48 kHz.
+    /// Most samples that are kept of a file: 23 minutes of stereo at 48 kHz.
     static constexpr size_t kLongest = size_t{1} << 27;
 
-    /// Throws UserError where the file cannot be read or has no sound for the plugin. A file that
-    /// is too long is cut, which is told on standard error.
+    /// Throws UserError if the file cannot be read, is empty or has more than two channels. A
+    /// longer file is cut, with a warning on standard error.
     explicit FileLoop(const std::string& path);
 
     [[nodiscard]] int channels() const override { return channels_; }
@@ -46,15 +46,15 @@ class FileLoop : public SignalSource {
     size_t position_ = 0;
 };
 
-/// Noise that falls by 3 dB an octave, different on both sides, at -18 dB RMS; the same at each
-/// start.
+/// Noise that falls by 3 dB an octave, uncorrelated between the sides, at -18 dB RMS; each run
+/// repeats it.
 class PinkNoise : public SignalSource {
   public:
     PinkNoise() = default;
     void read(float* samples, size_t frames) override;
 
   private:
-    /// Sum of white noises that take a new value half as often each, and one that always does.
+    /// The sum of white noises, each with new values half as often as the one before.
     class Channel {
       public:
         explicit Channel(uint32_t seed) : random_(seed) {}
@@ -71,8 +71,8 @@ class PinkNoise : public SignalSource {
     std::array<Channel, 2> channels_ = {Channel(1), Channel(2)};
 };
 
-/// A sine that rises from 20 Hz to 20 kHz in ten seconds, by the same interval each second, and
-/// starts anew; at -18 dB peak on both sides.
+/// A sine that rises from 20 Hz to 20 kHz in ten seconds (logarithmically), again and again; -18 dB
+/// peak on both sides.
 class Sweep : public SignalSource {
   public:
     void read(float* samples, size_t frames) override;
@@ -82,8 +82,8 @@ class Sweep : public SignalSource {
     double phase_ = 0.0;  ///< turns
 };
 
-/// The file at `path`, or where that is empty the built-in signal `name` ("pink" or "sweep").
-/// Throws UserError where the file cannot be played.
+/// The file at `path`, or if that is empty the built-in signal `name` ("pink" or "sweep"). Throws
+/// UserError if the file cannot be played.
 std::unique_ptr<SignalSource> make_source(const std::string& path, const std::string& name);
 
 }  // namespace brindle

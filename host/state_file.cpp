@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <memory>
 
-#include "host/port_values.h"
 #include "host/user_error.h"
 
 namespace brindle {
@@ -22,9 +21,9 @@ namespace fs = std::filesystem;
 
 /// The name that hosts give the file in a state's folder.
 constexpr const char* kFileInFolder = "state.ttl";
-/// What a state is called while it is written.
+/// The state's URI until its file is written.
 constexpr const char* kStateUri = "urn:brindle-audio:state";
-/// The prefixes that lilv abbreviates with, and leaves out of what it writes to memory.
+/// lilv uses these prefixes, but does not declare them when it writes to memory.
 constexpr const char* kPrefixes = "@prefix atom: <" LV2_ATOM_PREFIX
                                   "> .\n"
                                   "@prefix lv2: <" LV2_CORE_PREFIX
@@ -37,7 +36,7 @@ constexpr const char* kPrefixes = "@prefix atom: <" LV2_ATOM_PREFIX
                                   "> .\n"
                                   "@prefix xsd: <http://www.w3.org/2001/XMLSchema#> .\n\n";
 
-/// Values within the ports' ranges, as every host keeps them.
+/// The finite values, held within the ports' ranges.
 ControlValues held_in_range(const Bundle& bundle, const ControlValues& values) {
     ControlValues held;
     for (const ControlInfo& control : bundle.controls()) {
@@ -57,7 +56,8 @@ ControlValues load_state(Bundle& bundle, const std::string& path) {
     if (access(file.c_str(), R_OK) != 0) throw file_error("read", file, errno);
     const StatePtr state(lilv_state_new_from_file(bundle.world(), bundle.urids().map_feature(),
                                                   nullptr, fs::absolute(file).c_str()));
-    const ControlValues values = state ? port_values(bundle, *state) : ControlValues();
+    const ControlValues values =
+        state ? port_values(bundle.urids(), bundle.controls(), *state) : ControlValues();
     if (values.empty()) {
         throw UserError("cannot read " + file + ": it holds no state of this plugin.");
     }
@@ -71,7 +71,7 @@ void save_state(Bundle& bundle, const Plugin& plugin, OutputFile& file) {
         lilv_state_to_string(bundle.world(), urids.map_feature(), urids.unmap_feature(),
                              state.get(), kStateUri, nullptr));
     std::string text = turtle ? turtle.get() : "";
-    // A state file speaks of itself, wherever it lies.
+    // The file describes itself, wherever it lies.
     const std::string subject = std::string("<") + kStateUri + '>';
     const size_t place = text.find(subject);
     if (place == std::string::npos) throw UserError("cannot write " + file.target() + '.');

@@ -13,7 +13,7 @@
 namespace brindle {
 namespace {
 
-/// Below this the editor's texts can no longer be read.
+/// In smaller windows the editor's texts are illegible.
 constexpr PixelSize kSmallest = {500, 300};
 
 struct ImageFree {
@@ -33,7 +33,7 @@ Window make_window(Display* display, PixelSize size, bool bare) {
                          &attributes);
 }
 
-/// Title, class and limits, as window managers look for them.
+/// Sets title, class and smallest size for window managers.
 void describe(Display* display, Window window, const std::string& title) {
     XStoreName(display, window, title.c_str());
     XChangeProperty(display, window, XInternAtom(display, "_NET_WM_NAME", False),
@@ -63,7 +63,7 @@ TopWindow::TopWindow(const std::string& title, PixelSize size, Kind kind)
     Atom delete_atom = XInternAtom(display_, "WM_DELETE_WINDOW", False);
     XSetWMProtocols(display_, window_, &delete_atom, 1);
     delete_atom_ = delete_atom;
-    // An editor looks for the window over a connection of its own.
+    // The editor uses a connection of its own, which must find the window.
     XSync(display_, False);
 }
 

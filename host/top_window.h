@@ -4,44 +4,44 @@
 #include <cstdint>
 #include <string>
 
-// Xlib defines macros by ordinary names, so that its header stays in the source.
+// Xlib defines macros with ordinary names; keep its header out of here.
 struct _XDisplay;
 
 namespace brindle {
 
-/// A window's inside, pixels.
+/// A window's inner size in pixels.
 struct PixelSize {
     int width = 0;
     int height = 0;
 };
 
-/// The program's window on the desktop, with an editor's window in it. UI thread.
+/// The program's window on the desktop, the parent of the editor's window. UI thread.
 class TopWindow {
   public:
     enum Kind {
-        kManaged,  ///< with frame and buttons, sized and closed by the user
-        kBare      ///< on top at the screen's corner, out of the user's hands
+        kManaged,  ///< framed, resized and closed by the user
+        kBare      ///< unframed, on top at the screen's corner
     };
 
-    /// Throws UserError where there is no display.
+    /// Throws UserError if there is no display.
     TopWindow(const std::string& title, PixelSize size, Kind kind);
     ~TopWindow();
     TopWindow(const TopWindow&) = delete;
     TopWindow& operator=(const TopWindow&) = delete;
 
-    /// The X window, for editors to be put into.
+    /// The X window.
     [[nodiscard]] uintptr_t id() const { return window_; }
     void show();
     void resize(PixelSize size);
-    /// Handles what has happened; the window `child`, where there is one, follows the size.
+    /// Handles waiting events; the window `child`, unless 0, follows the size.
     void process_events(uintptr_t child);
-    /// The user has asked for the end.
+    /// The user has closed the window.
     [[nodiscard]] bool is_closed() const { return closed_; }
-    /// There is a display, and a window of this size lies inside its screen.
+    /// There is a display whose screen has room for a window of this size.
     [[nodiscard]] static bool has_room(PixelSize size);
 
-    /// What is to be seen of the window: 0x00RRGGBB, row by row from the top left. The window has
-    /// to lie inside the screen. Throws UserError where that cannot be read.
+    /// Reads the visible window: 0x00RRGGBB, row by row from the top left. The window must lie
+    /// inside the screen. Throws UserError if the display has no such colours.
     void read_pixels(uint32_t* pixels, PixelSize size);
 
   private:

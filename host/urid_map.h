@@ -10,16 +10,16 @@
 
 namespace brindle {
 
-/// The program's one table of URIDs, offered to the plugin as urid:map and urid:unmap. Any thread.
+/// The program's table of URIDs, passed to the plugin as urid:map and urid:unmap. Any thread.
 class UridMap {
   public:
     UridMap() = default;
     UridMap(const UridMap&) = delete;
     UridMap& operator=(const UridMap&) = delete;
 
-    /// The number of a URI, from 1 on; the same one each time.
+    /// The number of a URI, from 1 on.
     LV2_URID map(const char* uri);
-    /// The URI of a number, or null. Valid as long as this object.
+    /// The URI of a number, or null. Valid while this object lives.
     const char* unmap(LV2_URID urid);
 
     LV2_URID_Map* map_feature() { return &map_feature_; }
@@ -31,7 +31,7 @@ class UridMap {
 
     std::mutex mutex_;
     std::unordered_map<std::string, LV2_URID> urids_;
-    std::vector<const char*> uris_;  ///< the map's keys, which never move, by number less one
+    std::vector<const char*> uris_;  ///< the map's keys, which never move, by number - 1
     LV2_URID_Map map_feature_ = {this, map_callback};
     LV2_URID_Unmap unmap_feature_ = {this, unmap_callback};
 };

@@ -7,7 +7,7 @@
 
 namespace brindle {
 
-/// What a command could not do and why, as one sentence for the person at the keyboard.
+/// What a command could not do and why, in one sentence for the user.
 class UserError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };

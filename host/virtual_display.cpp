@@ -20,9 +20,9 @@ namespace {
 
 constexpr int kPatienceMs = 30000;
 
-/// In the new process: becomes the server, which tells its display's number on `told`. Ends with
-/// its parent, and is not reached by the terminal's interrupts: those are for the parent.
-[[noreturn]] void become_server(const char* screen, int told, pid_t parent) {
+/// Turns the new process into the server, which writes its display's number to `report`. The server
+/// ends with its parent; a process group of its own keeps the terminal's interrupts away.
+[[noreturn]] void become_server(const char* screen, int report, pid_t parent) {
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -32,13 +32,13 @@ constexpr int kPatienceMs = 30000;
     const int nowhere = open("/dev/null", O_RDWR);
     dup2(nowhere, STDIN_FILENO);
     dup2(nowhere, STDERR_FILENO);
-    dup2(told, STDOUT_FILENO);
+    dup2(report, STDOUT_FILENO);
     execlp("Xvfb", "Xvfb", "-displayfd", "1", "-screen", "0", screen, "+extension", "GLX",
            "-noreset", "-nolisten", "tcp", static_cast<char*>(nullptr));
     _exit(127);
 }
 
-/// The line that comes from `source`; empty where none does in time.
+/// Reads a line from `source`; empty if none comes in time.
 std::string read_line(int source) {
     std::string line;
     pollfd ready = {source, POLLIN, 0};

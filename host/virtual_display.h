@@ -5,11 +5,11 @@
 
 namespace brindle {
 
-/// An X server without a screen, for this process and those that it starts; it ends with the
-/// object. Make it before any thread is started.
+/// An X server without a screen for this process and its children; it ends with the object. Make
+/// it before any thread is started.
 class VirtualDisplay {
   public:
-    /// Throws UserError where Xvfb is not installed or does not come up.
+    /// Throws UserError if Xvfb is not installed or does not start.
     VirtualDisplay(int width, int height);
     ~VirtualDisplay();
     VirtualDisplay(const VirtualDisplay&) = delete;

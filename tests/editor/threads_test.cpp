@@ -116,7 +116,7 @@ class Session {
     }
     int TakeRows() {
         int rows = 0;
-        live.take_messages([&](uint32_t, const LV2_Atom&) { ++rows; });
+        live.read_messages([&](uint32_t, const LV2_Atom&) { ++rows; });
         return rows;
     }
 

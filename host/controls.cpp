@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: ISC
-#include "host/port_values.h"
+#include "host/controls.h"
 
 #include <lv2/atom/atom.h>
 
 #include <cstring>
 #include <map>
 #include <optional>
-#include <string>
 
 namespace brindle {
 namespace {
@@ -35,8 +34,9 @@ struct Collector {
 
 }  // namespace
 
-ControlValues port_values(Bundle& bundle, const LilvState& state) {
-    Collector collector = {bundle.urids(), {}};
+ControlValues port_values(UridMap& urids, const std::vector<ControlInfo>& controls,
+                          const LilvState& state) {
+    Collector collector = {urids, {}};
     lilv_state_emit_port_values(
         &state,
         [](const char* symbol, void* data, const void* value, uint32_t size, uint32_t type) {
@@ -44,7 +44,7 @@ ControlValues port_values(Bundle& bundle, const LilvState& state) {
         },
         &collector);
     ControlValues values;
-    for (const ControlInfo& control : bundle.controls()) {
+    for (const ControlInfo& control : controls) {
         const auto value = collector.values.find(control.symbol);
         if (value != collector.values.end()) values.emplace_back(control.index, value->second);
     }
