@@ -50,9 +50,12 @@ void add_render(CLI::App& program, const std::string& bundle, RenderRequest& req
 
 void add_response(CLI::App& program, const std::string& bundle, ResponseRequest& request) {
     CLI::App* command =
-        program.add_subcommand("response", "Measure the magnitude response, as table or plot");
-    command->add_option("OUT", request.output, "File to write: .csv, .png or .svg")->required();
+        program.add_subcommand("response", "Measure the response, as table or plot");
+    command->add_option("OUT", request.output, "File to write: .csv, .txt, .png or .svg")
+        ->required();
     add_settings(*command, request.settings);
+    command->add_flag("--phase", request.phase, "Plot phase and group delay too");
+    command->add_flag("--drawn", request.drawn, "Add the curve that the editor draws");
     command->add_option("--rate", request.rate_hz, "Sample rate [Hz]")
         ->check(CLI::Range(8000, 768000))
         ->capture_default_str();

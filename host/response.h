@@ -2,24 +2,18 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "host/bundle.h"
-#include "host/plot.h"
-#include "host/plugin.h"
 #include "host/settings.h"
 
 namespace brindle {
 
-/// The plugin's magnitude response from 20 Hz to 20 kHz (below Nyquist), 192 points an octave,
-/// measured by letting it settle and sending a short broadband signal through it. Takes its first
-/// channel.
-std::vector<ResponsePoint> measure_response(Plugin& plugin);
-
 struct ResponseRequest {
-    std::string output;  ///< ends in .csv, .png or .svg
+    std::string output;  ///< ends in .csv, .txt, .png or .svg
     Settings settings;
     int rate_hz = 48000;
+    bool phase = false;  ///< a plot gets a panel with phase and group delay
+    bool drawn = false;  ///< table and plot get the curve that the editor draws
 };
 
 /// Measures and writes a table or a plot. Throws UserError; then there is no output.

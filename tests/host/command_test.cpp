@@ -62,7 +62,7 @@ TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
         {"render in.wav out.wav --set b1_freq=inf", "from 20 to 20000 Hz."},
         {"render in.wav out.wav --set b1_type=2.5", "a whole number from 0 to 12 or one of Flat,"},
         {"render in.wav out.wav --set b1_type=Bel", "\"Bel\" is no value for b1_type"},
-        {"response out.pdf", "has to end in .csv, .png or .svg."},
+        {"response out.pdf", "has to end in .csv, .txt, .png or .svg."},
         {"response none/out.csv", "cannot write none/out.csv: "},
         {"response out.csv --preset ''x", "no preset \"x\""},
         {"--bundle none info", "there is no LV2 bundle at none."},

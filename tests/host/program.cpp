@@ -111,17 +111,22 @@ std::string ProgramTest::text_of(const std::string& name) const {
     return text.str();
 }
 
-std::map<double, double> ProgramTest::table(const std::string& name) const {
-    std::map<double, double> gains;
+std::map<double, double> ProgramTest::table(const std::string& name,
+                                            const std::string& column) const {
+    std::map<double, double> values;
     std::istringstream text(text_of(name));
     std::string line;
     std::getline(text, line);
-    EXPECT_EQ(line, "frequency_hz,gain_db");
-    double freq_hz = 0.0;
-    double gain_db = 0.0;
-    char comma = 0;
-    while (text >> freq_hz >> comma >> gain_db) gains[freq_hz] = gain_db;
-    return gains;
+    EXPECT_TRUE(line.starts_with("frequency_hz,gain_db,phase_deg,group_delay_ms")) << line;
+    const auto before = line.substr(0, line.find(column));
+    const auto place = std::count(before.begin(), before.end(), ',');
+    while (std::getline(text, line)) {
+        std::istringstream fields(line);
+        std::string value;
+        for (auto i = place; i >= 0; --i) std::getline(fields, value, ',');
+        values[std::stod(line)] = std::stod(value);
+    }
+    return values;
 }
 
 std::vector<std::string> ProgramTest::files() const {

@@ -47,8 +47,9 @@ class ProgramTest : public testing::Test {
     void save(const std::string& name, Sound sound) const;
     [[nodiscard]] Sound load(const std::string& name) const;
     [[nodiscard]] std::string text_of(const std::string& name) const;
-    /// Gains of a table by frequency.
-    [[nodiscard]] std::map<double, double> table(const std::string& name) const;
+    /// A column of a table of responses by frequency.
+    [[nodiscard]] std::map<double, double> table(const std::string& name,
+                                                 const std::string& column = "gain_db") const;
     /// Names in the folder, hidden ones too, in alphabetical order.
     [[nodiscard]] std::vector<std::string> files() const;
 

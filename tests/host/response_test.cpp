@@ -2,7 +2,12 @@
 #include <cairo.h>
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cmath>
+#include <cstdio>
+#include <iterator>
+#include <numbers>
+#include <sstream>
 #include <string>
 
 #include "tests/host/program.h"
@@ -62,9 +67,101 @@ TEST_F(ResponseCommand, EndsBelowNyquistAtLowRates) {
     EXPECT_NEAR(gains.lower_bound(1000.0)->second, 6.0, 0.01);
 }
 
-/// Height of the curve (the picture's only strong orange) at a place of the frequency axis, in
-/// pixels from the top.
-double curve_height(const std::string& path, double part_of_width) {
+// A sign or a factor in phase or delay: both are known at the corner of low filters, where a
+// digital one is no more than a sample ahead of its analogue model, and the delay is the phase's
+// slope everywhere.
+TEST_F(ResponseCommand, TellsPhaseAndGroupDelay) {
+    struct {
+        const char* type;
+        double phase_deg;
+        double delay_ms;
+    } constexpr kAtCorner[] = {
+        {"HP 6dB/oct", 45.0, 500.0 / (200.0 * std::numbers::pi)},
+        {"LP 12dB/oct", -90.0, 1000.0 * std::numbers::sqrt2 / (200.0 * std::numbers::pi)}};
+    for (const auto& [type, phase_deg, delay_ms] : kAtCorner) {
+        SCOPED_TRACE(type);
+        const std::string settings = " --set b1_freq=100 --set b1_type='" + std::string(type) + "'";
+        ASSERT_EQ(brindle("response p.csv" + settings, "rm -f p.csv").status, 0);
+        const auto gains = table("p.csv");
+        const auto phases = table("p.csv", "phase_deg");
+        const auto delays = table("p.csv", "group_delay_ms");
+        EXPECT_NEAR(phases.lower_bound(100.0)->second, phase_deg, 100.0 * 360.0 / 48000.0);
+        EXPECT_NEAR(delays.lower_bound(100.0)->second, delay_ms, 1000.0 / 48000.0);
+        auto before = phases.begin();
+        for (auto at = std::next(before); at != phases.end(); before = at++) {
+            const double slope_ms =
+                (before->second - at->second) / (at->first - before->first) / 0.36;
+            const double mean_ms = (delays.at(before->first) + delays.at(at->first)) / 2.0;
+            if (gains.at(at->first) < -40.0) continue;  // rounding shows
+            // Phases are told to 0.001 degrees, points are 0.36 % apart.
+            ASSERT_NEAR(mean_ms, slope_ms, 0.001 * delay_ms + 0.8 / at->first) << at->first;
+        }
+    }
+}
+
+TEST_F(ResponseCommand, OtherProgramsGetHertzDecibelsAndDegrees) {
+    ASSERT_EQ(brindle("response r.csv --preset Kick").status, 0);
+    ASSERT_EQ(brindle("response r.txt --preset Kick").status, 0);
+    const auto gains = table("r.csv");
+    const auto phases = table("r.csv", "phase_deg");
+    std::istringstream text(text_of("r.txt"));
+    std::string line;
+    size_t count = 0;
+    while (std::getline(text, line)) {
+        if (line.starts_with("#")) continue;
+        std::istringstream fields(line);
+        double freq_hz = 0.0;
+        double gain_db = 0.0;
+        double phase_deg = 0.0;
+        ASSERT_TRUE(fields >> freq_hz >> gain_db >> phase_deg) << line;
+        ASSERT_NEAR(gain_db, gains.at(freq_hz), 0.0001);
+        ASSERT_NEAR(phase_deg, phases.at(freq_hz), 0.001);
+        ++count;
+    }
+    EXPECT_EQ(count, gains.size());
+}
+
+// The editor draws a steep filter as a Butterworth one, 3 dB down at the corner, and leaves the
+// trim out; the plugin's own corner lies lower.
+TEST_F(ResponseCommand, TheDrawnCurveStandsBesideTheMeasuredOne) {
+    const Outcome flat = brindle("response flat.csv --drawn --set trim=6");
+    EXPECT_THAT(flat.out, HasSubstr("(drawn less measured: at most +0.00 dB"));
+    for (const auto& [freq_hz, level_db] : table("flat.csv", "drawn_db")) {
+        ASSERT_EQ(level_db, 0.0) << freq_hz;
+    }
+    const Outcome steep = brindle(
+        "response steep.csv --drawn --set seca_enable=on --set seca_type='HP 48dB/oct' "
+        "--set seca_freq=1000");
+    const auto drawn = table("steep.csv", "drawn_db");
+    const auto gains = table("steep.csv");
+    EXPECT_NEAR(drawn.lower_bound(1000.0)->second, -3.01, 0.1);
+    double largest_db = 0.0;
+    for (const auto& [freq_hz, level_db] : drawn) {
+        if (std::abs(level_db) > 18.0 || freq_hz > 19800.0) continue;
+        const double difference_db = level_db - gains.at(freq_hz);
+        if (std::abs(difference_db) > std::abs(largest_db)) largest_db = difference_db;
+    }
+    std::array<char, 32> told{};
+    std::snprintf(told.data(), told.size(), "at most %+.2f dB", largest_db);
+    EXPECT_LT(largest_db, -5.0);
+    EXPECT_THAT(steep.out, HasSubstr(told.data()));
+}
+
+/// How a curve's colour is told from all other colours of the picture.
+using Ink = bool (*)(int red, int green, int blue);
+
+bool is_orange(int red, int, int blue) {
+    return red - blue >= 150;
+}
+bool is_blue(int red, int, int blue) {
+    return blue - red >= 130;
+}
+bool is_violet(int red, int green, int blue) {
+    return blue - green >= 80 && red - green >= 40;
+}
+
+/// Height of a curve at a place of the frequency axis, in pixels from the top.
+double curve_height(const std::string& path, double part_of_width, Ink ink = is_orange) {
     cairo_surface_t* picture = cairo_image_surface_create_from_png(path.c_str());
     EXPECT_EQ(cairo_surface_status(picture), CAIRO_STATUS_SUCCESS);
     const int x = static_cast<int>(part_of_width * cairo_image_surface_get_width(picture));
@@ -74,7 +171,7 @@ double curve_height(const std::string& path, double part_of_width) {
     for (int y = 0; y < cairo_image_surface_get_height(picture); ++y) {
         const unsigned char* pixel =
             pixels + y * cairo_image_surface_get_stride(picture) + 4 * x;  // blue, green, red
-        if (pixel[2] - pixel[0] < 150) continue;
+        if (!ink(pixel[2], pixel[1], pixel[0])) continue;
         sum += y;
         ++count;
     }
@@ -85,7 +182,7 @@ double curve_height(const std::string& path, double part_of_width) {
 
 TEST_F(ResponseCommand, ThePlotShowsTheGain) {
     ASSERT_EQ(brindle("response flat.png").status, 0);
-    ASSERT_EQ(brindle("response up.png --set trim=12").status, 0);
+    ASSERT_EQ(brindle("response up.png --drawn --phase --set trim=12").status, 0);
     ASSERT_EQ(brindle("response down.png --set trim=-12").status, 0);
     ASSERT_EQ(brindle("response low.png --set b1_gain=12").status, 0);
     const double flat = curve_height(path("flat.png"), 0.5);
@@ -94,6 +191,8 @@ TEST_F(ResponseCommand, ThePlotShowsTheGain) {
     EXPECT_NEAR(curve_height(path("down.png"), 0.5) - flat, step, 1.5);
     EXPECT_NEAR(flat - curve_height(path("low.png"), 0.08), step, 0.15 * step);
     EXPECT_NEAR(flat - curve_height(path("low.png"), 0.9), 0.0, 1.5);
+    EXPECT_NEAR(curve_height(path("up.png"), 0.5, is_blue), flat, 1.5);
+    EXPECT_GT(curve_height(path("up.png"), 0.5, is_violet), 2.0 * flat);
 }
 
 TEST_F(ResponseCommand, ThePlotComesAsSvgToo) {
