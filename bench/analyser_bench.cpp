@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// The analyser on each instruction set that the processor has, beside the plain one.
+// The plain analyser, then the product's on each instruction set of the processor.
 #include <benchmark/benchmark.h>
 #include <hwy/highway.h>
 
@@ -26,11 +26,11 @@ std::vector<float> test_signal(size_t length) {
     return signal;
 }
 
-/// The plain analyser's time, measured first, by which the others are judged.
+/// The plain analyser's time, measured first and compared with the others.
 double plain_ns = 0.0;
 
-/// Runs `block` over the test signal in blocks of the benchmark's argument and reports the
-/// processor's time for a sample and how many times faster than the plain analyser that is.
+/// Runs `block` on test signals of the benchmark's argument in samples. Reports the processor time
+/// for a sample and how many times faster than the plain analyser it is.
 template <typename Block>
 double measure(benchmark::State& state, Block block) {
     const auto signal = test_signal(static_cast<size_t>(state.range(0)));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// What the panel's controls cost a frame in software GL: ten strips of box, toggle, selector and
-/// three knobs, drawn into a layer of twice the design size, and their front pass.
+/// The cost of the panel's controls in software GL: ten strips of box, toggle, selector and three
+/// knobs, drawn into a layer of twice the design size, and their front pass.
 #include <benchmark/benchmark.h>
 
 #include <memory>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// The editor's window with software GL: opening, and frames. Run it by tests/support/with_display.
+// Opening and frames of the editor with software GL. Run it by tests/support/with_display.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 
@@ -32,8 +32,8 @@ void BM_OpenToFirstFrame(benchmark::State& state) {
 }
 BENCHMARK(BM_OpenToFirstFrame)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-/// A frame of an empty tree at 1000 x 600, until the X server shows it. Argument: whether what
-/// stands still is drawn anew.
+/// A frame of an empty tree at 1000 x 600, until the X server shows it. The argument says whether
+/// the layers are redrawn.
 void BM_Frame(benchmark::State& state) {
     resourceDirectory = BRINDLE_BUNDLE;
     HostWindow host;
@@ -52,10 +52,9 @@ void BM_Frame(benchmark::State& state) {
 }
 BENCHMARK(BM_Frame)->ArgName("dirty")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-/// A frame of the whole panel at 1000 x 600 with its meters moving, until the X server shows it.
-/// Argument: what else has changed: nothing, a gain, whether a band is on, whether and how much all
-/// bands and sections boost (as by a preset), or a port that the panel knows nothing of, so that
-/// everything is drawn anew.
+/// A frame of the whole panel at 1000 x 600 with moving meters, until the X server shows it. The
+/// argument says what else changes: nothing (0), a gain (1), a band's switch (2), all switches and
+/// gains, as by a preset (3), or a port that the panel does not know, which redraws everything (4).
 void BM_PanelFrame(benchmark::State& state) {
     test::UiHost host(Entry()(0));
     host.Open();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// The plugin's run, all sixteen stages active and none Flat: the plain engine of the tests, then
-// the built plugin on each instruction set that the processor has. A sample is one of both
+// The plugin's run with sixteen active stages, none of them Flat: the tests' plain engine, then the
+// built plugin on each instruction set of the processor. In stereo, a sample is one of both
 // channels.
 #include <benchmark/benchmark.h>
 #include <hwy/highway.h>
@@ -58,7 +58,7 @@ test::Audio noise(size_t channels, size_t n) {
     return audio;
 }
 
-/// What is measured: block length in samples, channels, whether an editor watches.
+/// What is measured: block length in samples, channels, whether an editor is open.
 struct Shape {
     int64_t block;
     int channels;
@@ -66,13 +66,13 @@ struct Shape {
     auto operator<=>(const Shape&) const = default;
 };
 
-/// Least time for a sample [ns] of the plain engine, measured first, and of each
-/// instruction set at rest: what the others are judged by.
+/// Least time for a sample [ns] of the plain engine, measured first, and of each instruction set
+/// with controls at rest, for comparison with the others.
 std::map<Shape, double> plain_ns;
 std::map<std::pair<Shape, int64_t>, double> rest_ns;
 
-/// Time of `block` for a sample [ns], the least of many short spans, in which no other program
-/// took the processor away. Not inlined, so that valgrind can count its instructions by name.
+/// Least time of `block` for a sample [ns] among many short spans, so that no other program had the
+/// processor meanwhile. Not inlined, so that valgrind can count its instructions by name.
 template <typename Block>
 [[gnu::noinline]] double measure(benchmark::State& state, int64_t samples, Block block) {
     const int64_t calls = std::max<int64_t>(1, 2048 / samples);
@@ -107,7 +107,7 @@ void plain(benchmark::State& state, Shape shape) {
     });
 }
 
-/// A plugin over noise, all of its stages busy.
+/// A plugin that filters noise with all stages.
 class BusyHost {
   public:
     BusyHost(Shape shape, int64_t target) : shape_(shape), host_(make(shape, target)) {
@@ -138,7 +138,7 @@ class BusyHost {
         host_->port(kTrimPort) = -6.0f * up;
     }
 
-    /// Makes the input `level` with the signs of noise, and lets ten seconds of that pass.
+    /// Sets the input to `level` with the signs of noise and runs ten seconds of it.
     void hush(float level) {
         for (auto& channel : in_) {
             for (float& sample : channel) sample = std::copysign(level, sample);
@@ -154,7 +154,7 @@ class BusyHost {
         return host;
     }
 
-    // The editor's request; it stays on the port, where it is as good as told once.
+    // The editor's request stays on the port; repeating it changes nothing.
     void ask_for_rows() {
         struct {
             LV2_Atom_Sequence head;
@@ -189,8 +189,8 @@ void moving(benchmark::State& state, Shape shape, int64_t target) {
     state.counters["of_rest"] = ns / rest_ns[{shape, target}];
 }
 
-/// The longest call among ten minutes of calls with all controls moving. Ten minutes are run five
-/// times, and each call counts as its shortest run: what is left is the plugin's own doing.
+/// The longest call in ten minutes of audio with all controls moving. Ten minutes are run five
+/// times, and each call counts with its shortest time, so that only the plugin's own delays remain.
 void longest_call(benchmark::State& state, Shape shape) {
     constexpr int kPasses = 5;
     const auto calls = static_cast<size_t>(600.0 * kRate) / static_cast<size_t>(shape.block);
@@ -219,8 +219,8 @@ void longest_call(benchmark::State& state, Shape shape) {
     state.counters["longest_raw"] = longest_raw / median;
 }
 
-/// A block after ten seconds of silence, or of samples that are denormal numbers, beside one of
-/// noise, by turns. Filters that are left with denormals make the first many times slower.
+/// A block after ten seconds of silence or denormal samples and a block of noise, by turns.
+/// Denormal numbers in the filters would make the first many times slower.
 void after_silence(benchmark::State& state, Shape shape, float level) {
     BusyHost quiet(shape, 0);
     BusyHost noisy(shape, 0);

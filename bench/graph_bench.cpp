@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// What it costs to bring the response curves up to date, and to draw the graph with software GL.
+// Updating the response curves, and drawing the graph with software GL.
 #include <benchmark/benchmark.h>
 
 #include <array>
@@ -23,7 +23,7 @@ FrequencyGrid DrawnGrid() {
     return grid;
 }
 
-/// One band of the type given as argument: clear and evaluate.
+/// Clears and evaluates one band of the argument's type.
 void BandCurve(benchmark::State& state) {
     const FrequencyGrid grid = DrawnGrid();
     Curve curve;
@@ -36,7 +36,7 @@ void BandCurve(benchmark::State& state) {
 }
 BENCHMARK(BandCurve)->ArgName("type")->Arg(1)->Arg(5)->Arg(9)->Arg(12);
 
-/// One section: the steepest filter and the steepest shelf have four factors each.
+/// Evaluates one section; the steepest pass and shelf have four factors each.
 void SectionCurve(benchmark::State& state) {
     const FrequencyGrid grid = DrawnGrid();
     Curve curve;
@@ -49,7 +49,7 @@ void SectionCurve(benchmark::State& state) {
 }
 BENCHMARK(SectionCurve)->ArgName("type")->Arg(4)->Arg(12);
 
-/// The loop of one evaluator with one factor or four, by vectors and point by point.
+/// One evaluator's loop with one factor or four, by vectors and point by point.
 template <void (*kAdd)(const Response&, const float*, float*, size_t) noexcept>
 void Kernel(benchmark::State& state) {
     const FrequencyGrid grid = DrawnGrid();
@@ -65,8 +65,8 @@ void Kernel(benchmark::State& state) {
 BENCHMARK(Kernel<AddResponse>)->ArgName("factors")->Arg(1)->Arg(4);
 BENCHMARK(Kernel<AddResponseScalar>)->ArgName("factors")->Arg(1)->Arg(4);
 
-/// The whole update after one band's parameter changed: its own curve, those of the bands above it
-/// (none above the last, seven above the first) and the total.
+/// The whole update after a change of one band: its curve, those of the bands above it (none above
+/// the last, seven above the first) and the total.
 void UpdateAfterBand(benchmark::State& state) {
     GraphFixture fixture;
     const uint32_t port = band_port(static_cast<int>(state.range(0))) + kGain;
@@ -78,7 +78,7 @@ void UpdateAfterBand(benchmark::State& state) {
 }
 BENCHMARK(UpdateAfterBand)->ArgName("band")->Arg(7)->Arg(0);
 
-/// Sections and total: no band is evaluated again.
+/// Updates sections and total, but no band.
 void UpdateAfterSection(benchmark::State& state) {
     GraphFixture fixture;
     fixture.Set(8, {1.0f, 4.0f, 0.0f, 40.0f, 1.0f});
@@ -91,8 +91,8 @@ void UpdateAfterSection(benchmark::State& state) {
 }
 BENCHMARK(UpdateAfterSection);
 
-/// One pass over the graph and its handles at the layers' size, finished by GL. Back and main pass
-/// run when something has changed, the front pass in each frame.
+/// Draws one pass of the graph and its handles at the layers' size. Back and main pass are drawn
+/// when something has changed, the front pass in each frame.
 template <void (GLView::*kPass)()>
 void Pass(benchmark::State& state) {
     GLContext gl(2000, 1200);

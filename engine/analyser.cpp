@@ -8,28 +8,28 @@
 namespace brindle {
 namespace {
 
-/// Samples from one correction of the oscillators' magnitude to the next.
+/// Samples between two corrections of the oscillators' magnitudes.
 constexpr uint32_t kTick = 128;
-constexpr int kFastRateHz = 64000;  ///< above it rows are twice as long
+constexpr int kFastRateHz = 64000;  ///< above it, rows are twice as long
 constexpr double kFirstBinHz = 20.0;
 constexpr double kBinsPerOctave = 24.0;
-/// Cutoff of a bin's low-pass, as a share of the distance to the next bin.
+/// Cutoff of a bin's low-pass as a share of the distance to the next bin.
 constexpr double kCutoffShare = 0.707;
 constexpr double kMaxCutoffShareOfRate = 0.49;
-/// The square root of two as it stands in the low-pass, in single precision.
+/// The square root of two in single precision.
 constexpr double kSqrt2 = 1.4142135381698608;
 constexpr double kNoiseScale = 4.6566e-22;
 constexpr double kPeakDb = -10.0;
 constexpr double kMaxLiftDb = 30.0;
-/// A sine of amplitude 1 leaves half of it at its bin's DC; this gives it back.
+/// Shifted to DC, a sine keeps half its amplitude; this adds the other half.
 constexpr double kSineDb = 6.02;
 
 double bin_hz(size_t bin) {
     return kFirstBinHz * std::exp2(static_cast<double>(bin) / kBinsPerOctave);
 }
 
-/// Second-order Butterworth low-pass by the bilinear transform with prewarped cutoff, which is
-/// held below half the rate, beyond which the filter would be unstable.
+/// Designs a bin's second-order Butterworth low-pass by the bilinear transform with prewarped
+/// cutoff. The cutoff stays below half the rate, beyond which the filter would be unstable.
 void design_low_pass(AnalyserBins& bins, size_t bin, double dt) {
     const double cutoff_hz =
         std::min(kCutoffShare * (bin_hz(bin + 1) - bin_hz(bin)), kMaxCutoffShareOfRate / dt);
@@ -41,8 +41,8 @@ void design_low_pass(AnalyserBins& bins, size_t bin, double dt) {
     bins.a2[bin] = -(t * t + 1.0 - kSqrt2 * t) * n;
 }
 
-/// Pulls every oscillator's magnitude towards 1; `restart_weak` starts those anew that have
-/// nearly died.
+/// Pulls every oscillator's magnitude toward 1; with `restart_weak`, restarts those below half the
+/// power.
 void renormalise(AnalyserBins& bins, bool restart_weak) noexcept {
     for (size_t bin = 0; bin < kPlotBins; ++bin) {
         const double magnitude2 = bins.re[bin] * bins.re[bin] + bins.im[bin] * bins.im[bin];
@@ -54,7 +54,7 @@ void renormalise(AnalyserBins& bins, bool restart_weak) noexcept {
     }
 }
 
-/// Turns the powers summed since the last row into the next row.
+/// Makes the next row from the powers summed since the last one.
 void finish_row(SpectrumAnalyser& analyser) noexcept {
     BinArray& power = analyser.bins.power;
     const auto samples = static_cast<double>(analyser.frame_mask + 1);
@@ -71,8 +71,7 @@ void finish_row(SpectrumAnalyser& analyser) noexcept {
     power.fill(0.0);
 }
 
-/// Writes `count` samples with their dither to `v`. The dither keeps the low-passes off denormal
-/// numbers.
+/// Writes `count` samples plus dither to `v`. The dither keeps the low-passes off denormal numbers.
 void add_dither(SpectrumAnalyser& analyser, const float* input, double* v,
                 uint32_t count) noexcept {
     auto state = static_cast<uint32_t>(analyser.noise_state);
@@ -113,7 +112,7 @@ void init_analyser(SpectrumAnalyser& analyser, double rate) {
 void analyse(SpectrumAnalyser& analyser, const float* input, uint32_t n) noexcept {
     std::array<double, kTick> v;
     while (n > 0) {
-        // The sample at which the counter is a multiple of kTick is the last one before a tick.
+        // A tick follows each sample whose counter is a multiple of kTick.
         const uint32_t until_tick = (kTick - analyser.counter % kTick) % kTick + 1;
         const uint32_t count = std::min(n, until_tick);
         add_dither(analyser, input, v.data(), count);

@@ -18,8 +18,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 using D = hn::ScalableTag<double>;
 using V = hn::Vec<D>;
 
-/// One sample through the low-passes of a vector of bins; returns their output. Products and sums
-/// round separately: a fused multiply-add would change the bits.
+/// Filters one sample in a vector of bins. Products and sums round separately: a fused multiply-add
+/// would change the bits.
 HWY_INLINE V low_pass(V x, V b0, V a1, V a2, V& s1, V& s2) {
     const V p = hn::Mul(b0, x);  // b2·x, and exactly half of b1·x
     const V y = hn::Add(s1, p);

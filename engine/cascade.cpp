@@ -26,15 +26,13 @@ void run_stage(const CascadeWeights& weights, CascadeState& state, size_t stage,
 
 template <size_t kChannels>
 void run_plain(std::span<const Stretch> stretches, CascadeState* states, const float* const* in,
-               float* const* out, size_t n, const Followers& followers) noexcept {
+               float* const* out, const Followers& followers) noexcept {
+    const size_t n = stretches.back().end;
     for (size_t channel = 0; channel < kChannels; ++channel) {
         std::copy_n(in[channel], n, out[channel]);
-        for (size_t i = 0; i < stretches.size(); ++i) {
-            const size_t begin = stretches[i].begin;
-            const size_t end = i + 1 < stretches.size() ? stretches[i + 1].begin : n;
+        for (const auto& [begin, end, weights] : stretches) {
             for (size_t stage = 0; stage < kStageCount; ++stage) {
-                run_stage(*stretches[i].weights, states[channel], stage, out[channel] + begin,
-                          end - begin);
+                run_stage(*weights, states[channel], stage, out[channel] + begin, end - begin);
             }
         }
     }

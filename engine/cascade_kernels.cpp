@@ -1,6 +1,14 @@
 // SPDX-License-Identifier: ISC
-// The cascade as a pipeline: the lanes of vectors are stages, and each works on a sample `kSkew`
-// before its neighbour's, so that none waits for another.
+// The cascade as a pipeline: each lane of a vector is a stage and works on the sample kSkew before
+// its neighbour's, so that no stage waits for another within a step. Drawn for four stages, a skew
+// of 1 and ten samples, with a control tick at sample 5, from which on the weights (') are new:
+//
+//   step      0  1  2   3  4   5  6  7   8  9  10 11 12
+//   stage 0   0  1  2   3  4   5' 6' 7'  8' 9'  .  .  .
+//   stage 1   .  0  1   2  3   4  5' 6'  7' 8'  9' .  .
+//   stage 2   .  .  0   1  2   3  4  5'  6' 7'  8' 9' .
+//   stage 3   .  .  .   0  1   2  3  4   5' 6'  7' 8' 9'
+//             fill      run    hand over run    drain
 #include <algorithm>
 
 #include "engine/cascade.h"
@@ -37,45 +45,37 @@ HWY_INLINE V round_to_float(V x) {
     return hn::PromoteTo(D(), hn::DemoteTo(F(), x));
 }
 
-/// `kVectors` vectors of stages, from the `first` on, over `kChannels` channels. At a step, stage k
-/// of them works on sample step - k·kSkew.
+/// kVectors vectors of stages, from stage `first` on, over kChannels channels. At each step, stage
+/// k of the pipeline works on sample step - k·kSkew.
 template <size_t kSkew, size_t kVectors, size_t kChannels>
 class Pipeline {
   public:
-    /// Whether samples that leave have passed the whole cascade.
+    /// Whether the pipeline holds all stages of the cascade.
     static constexpr bool kWhole = kVectors * kLanes == kStageCount;
-    /// Vectors that are filtered side by side, so that one's waits are filled with another's work.
-    /// Measured: eight narrow ones need more registers than that is worth.
+    /// Vectors that are filtered side by side: while one waits, the others work. Measured: eight
+    /// narrow vectors need too many registers for that.
     static constexpr size_t kTogether = kLanes == 2 && kChannels == 2 ? 1 : kChannels * kVectors;
-    /// Steps from a sample's entrance to its leaving.
+    /// Steps between the first and the last stage of a sample.
     static constexpr size_t kDelay = kSkew * (kVectors * kLanes - 1);
     static_assert(kDelay <= kMinStretch, "two ticks at once in the pipeline");
     static_assert(kSkew == 1 || kSkew == 2, "steps have one or two phases");
 
-    HWY_INLINE Pipeline(size_t first, const float* const* in, float* const* out, size_t n,
+    HWY_INLINE Pipeline(size_t first, size_t n, const float* const* in, float* const* out,
                         const Followers& followers)
-        : first_(first), in_(in), out_(out), n_(n), followers_(followers) {}
+        : first_(first), n_(n), in_(in), out_(out), followers_(followers) {}
 
     HWY_INLINE void run(std::span<const Stretch> stretches, CascadeState* states) {
         load(states);
         const CascadeWeights* before = stretches[0].weights;
-        for (size_t i = 0; i < stretches.size(); ++i) {
-            const auto [begin, weights] = stretches[i];
-            const size_t end = i + 1 < stretches.size() ? stretches[i + 1].begin : n_ + kDelay;
-            if (weights != before) {
-                // All stages have a sample, but at the ends of the block.
-                if (begin >= kDelay && begin + kDelay <= n_) {
-                    cross<false>(*before, *weights);
-                } else {
-                    cross<true>(*before, *weights);
-                }
-            }
-            const Weights w = weights_of(*weights);
-            const size_t whole = (step_ + kSkew - 1) / kSkew * kSkew;
-            edges<true>(std::min(end, std::max(kDelay, whole)), w);
-            steady(std::min(end, n_), w);
-            edges<true>(end, w);
-            before = weights;
+        for (const Stretch& stretch : stretches) {
+            if (stretch.weights != before) hand_over(stretch.begin, *before, *stretch.weights);
+            before = stretch.weights;
+            const auto weights = weights_of(*before);
+            const size_t full = std::max(kDelay, (step_ + kSkew - 1) / kSkew * kSkew);
+            const size_t end = stretch.end == n_ ? n_ + kDelay : stretch.end;
+            run_steps<true>(std::min(full, end), weights);  // fill
+            run_full(stretch.end, weights);
+            run_steps<true>(end, weights);  // drain
         }
         store(states);
     }
@@ -83,6 +83,19 @@ class Pipeline {
   private:
     struct Weights {
         HWY_INLINE Weights() {}  // the implicit one is compiled without the target's instructions
+
+        /// Sets the weights of vector `p`; `get` loads one quantity, given its member.
+        template <typename Get>
+        HWY_INLINE void set(size_t p, Get get) {
+            b0[p] = get(&CascadeWeights::b0);
+            b1[p] = get(&CascadeWeights::b1);
+            b2[p] = get(&CascadeWeights::b2);
+            a1[p] = get(&CascadeWeights::a1);
+            a2[p] = get(&CascadeWeights::a2);
+            wet[p] = get(&CascadeWeights::wet);
+            dry[p] = get(&CascadeWeights::dry);
+        }
+
         V b0[kVectors], b1[kVectors], b2[kVectors], a1[kVectors], a2[kVectors];
         V wet[kVectors], dry[kVectors];
     };
@@ -120,36 +133,25 @@ class Pipeline {
         Weights w;
         for (size_t p = 0; p < kVectors; ++p) {
             const size_t at = first_ + p * kLanes;
-            w.b0[p] = hn::Load(D(), &weights.b0[at]);
-            w.b1[p] = hn::Load(D(), &weights.b1[at]);
-            w.b2[p] = hn::Load(D(), &weights.b2[at]);
-            w.a1[p] = hn::Load(D(), &weights.a1[at]);
-            w.a2[p] = hn::Load(D(), &weights.a2[at]);
-            w.wet[p] = hn::Load(D(), &weights.wet[at]);
-            w.dry[p] = hn::Load(D(), &weights.dry[at]);
+            w.set(p, [&weights, at](StageArray CascadeWeights::*quantity)
+                         HWY_ATTR { return hn::Load(D(), &(weights.*quantity)[at]); });
         }
         return w;
     }
 
-    /// Has a stage take its next weights while those after it still work with the ones before.
-    HWY_INLINE void take_over(Weights& w, size_t stage, const CascadeWeights& from,
-                              const CascadeWeights& to) const {
+    /// Gives `stage` the weights `to`, while the stages after it keep `from`.
+    HWY_INLINE void switch_stage(Weights& w, size_t stage, const CascadeWeights& from,
+                                 const CascadeWeights& to) const {
         const size_t p = stage / kLanes;
         const size_t at = first_ + p * kLanes;
         const Mask m = before(stage + 1, p);
-        const auto pick = [m, at](const StageArray& next, const StageArray& now) HWY_ATTR {
-            return hn::IfThenElse(m, hn::Load(D(), &next[at]), hn::Load(D(), &now[at]));
-        };
-        w.b0[p] = pick(to.b0, from.b0);
-        w.b1[p] = pick(to.b1, from.b1);
-        w.b2[p] = pick(to.b2, from.b2);
-        w.a1[p] = pick(to.a1, from.a1);
-        w.a2[p] = pick(to.a2, from.a2);
-        w.wet[p] = pick(to.wet, from.wet);
-        w.dry[p] = pick(to.dry, from.dry);
+        w.set(p, [&, m, at](StageArray CascadeWeights::*quantity) HWY_ATTR {
+            return hn::IfThenElse(m, hn::Load(D(), &(to.*quantity)[at]),
+                                  hn::Load(D(), &(from.*quantity)[at]));
+        });
     }
 
-    /// What enters the stages of vector `p`: what left the stage before each, or `input`.
+    /// The inputs of vector `p`: the outputs of the stages before, `input` for the first stage.
     static HWY_INLINE V entering(const VF* left, size_t p, VF input) {
         const VF before = p == 0 ? input : left[p - 1];
         if constexpr (kLanes == 2) {
@@ -166,11 +168,11 @@ class Pipeline {
         }
     }
 
-    /// One step of all stages, the step's number being kPhase modulo kSkew. `keep(p, now, next)`
-    /// decides on the states of vector p.
+    /// Steps all stages once; kPhase is the step modulo kSkew. `keep(p, now, next)` returns the new
+    /// states of vector p.
     template <size_t kPhase, typename Keep>
     HWY_INLINE void advance(const Weights& w, const VF* input, Keep keep) {
-        // From the last vector to the first: each needs what the one before it left earlier.
+        // From the last vector to the first: each reads what the one before left at earlier steps.
 #pragma GCC unroll 8
         for (size_t last = kChannels * kVectors; last > 0; last -= kTogether) {
             V x[kTogether], y[kTogether];
@@ -202,31 +204,40 @@ class Pipeline {
         if constexpr (kWhole) followers_.step(sample, out[0], out[kChannels - 1]);
     }
 
-    /// The steps at which the first sample after a control tick passes from stage to stage, and the
-    /// tick's weights with it.
-    template <bool kMasked>
-    HWY_INLINE void cross(const CascadeWeights& from, const CascadeWeights& to) {
-        Weights w = weights_of(from);
-        for (size_t stage = 0; stage + 1 < kVectors * kLanes; ++stage) {
-            take_over(w, stage, from, to);
-            edges<kMasked>(step_ + kSkew, w);
+    /// The first sample after the control tick at `begin` passes from stage to stage, and the new
+    /// weights with it.
+    HWY_INLINE void hand_over(size_t begin, const CascadeWeights& from, const CascadeWeights& to) {
+        // Near the block's ends some stages have no sample.
+        if (begin >= kDelay && begin + kDelay <= n_) {
+            hand_over<false>(from, to);
+        } else {
+            hand_over<true>(from, to);
         }
     }
 
-    /// Steps up to `until`, at some of which not all stages have a sample if kMasked.
     template <bool kMasked>
-    HWY_INLINE void edges(size_t until, const Weights& w) {
+    HWY_INLINE void hand_over(const CascadeWeights& from, const CascadeWeights& to) {
+        Weights w = weights_of(from);
+        for (size_t stage = 0; stage + 1 < kVectors * kLanes; ++stage) {
+            switch_stage(w, stage, from, to);
+            run_steps<kMasked>(step_ + kSkew, w);
+        }
+    }
+
+    /// Runs the steps before `until`; some stages have no sample if kMasked.
+    template <bool kMasked>
+    HWY_INLINE void run_steps(size_t until, const Weights& w) {
         for (; step_ < until; ++step_) {
             if (step_ % kSkew == 0) {
-                edge<0, kMasked>(w);
+                run_step<0, kMasked>(w);
             } else {
-                edge<1 % kSkew, kMasked>(w);
+                run_step<1 % kSkew, kMasked>(w);
             }
         }
     }
 
     template <size_t kPhase, bool kMasked>
-    HWY_INLINE void edge(const Weights& w) {
+    HWY_INLINE void run_step(const Weights& w) {
         const size_t step = step_;
         VF input[kChannels];
         for (size_t c = 0; c < kChannels; ++c) {
@@ -245,51 +256,51 @@ class Pipeline {
         if (step >= kDelay) put_out<kPhase>(step - kDelay);
     }
 
-    /// Steps up to `until`, or a few less, at which nothing changes.
-    HWY_INLINE void steady(size_t until, const Weights& w) {
+    /// Runs the steps before `until` in groups of kSkew, while all stages have a sample.
+    HWY_INLINE void run_full(size_t until, const Weights& w) {
         if (step_ % kSkew != 0) return;
         size_t step = step_;
         for (; step + kSkew <= until; step += kSkew) {
-            steady_step<0>(step, w);
-            if constexpr (kSkew == 2) steady_step<1>(step + 1, w);
+            run_full_step<0>(step, w);
+            if constexpr (kSkew == 2) run_full_step<1>(step + 1, w);
         }
         step_ = step;
     }
 
     template <size_t kPhase>
-    HWY_INLINE void steady_step(size_t step, const Weights& w) {
+    HWY_INLINE void run_full_step(size_t step, const Weights& w) {
         VF input[kChannels];
         for (size_t c = 0; c < kChannels; ++c) input[c] = hn::Set(F(), in_[c][step]);
         advance<kPhase>(w, input, [](size_t, V, V next) HWY_ATTR { return next; });
         put_out<kPhase>(step - kDelay);
     }
 
-    size_t first_;
+    size_t first_, n_;
     const float* const* in_;
     float* const* out_;
-    size_t n_;
     Followers followers_;
     V s1_[kChannels][kVectors], s2_[kChannels][kVectors];
-    VF left_[kSkew][kChannels][kVectors];  // what left the stages at the last steps, by their phase
+    VF left_[kSkew][kChannels][kVectors];  // the stages' outputs at the last kSkew steps
     size_t step_ = 0;
 };
 
 template <size_t kSkew, size_t kVectors, size_t kChannels>
 HWY_NOINLINE void run_cascade(std::span<const Stretch> stretches, CascadeState* states,
-                              const float* const* in, float* const* out, size_t n,
+                              const float* const* in, float* const* out,
                               const Followers& followers) noexcept {
     using Part = Pipeline<kSkew, kVectors, kChannels>;
+    const size_t n = stretches.back().end;
     for (size_t first = 0; first < kStageCount; first += kVectors * kLanes) {
-        Part(first, first == 0 ? in : out, out, n, followers).run(stretches, states);
+        Part(first, n, first == 0 ? in : out, out, followers).run(stretches, states);
     }
     if constexpr (!Part::kWhole) follow(followers, out[0], out[kChannels - 1], n);
 }
 
-// More vectors than four a channel do not fit into the registers.
+// The registers hold four vectors a channel.
 constexpr size_t kVectors = std::min<size_t>(4, kStageCount / kLanes);
 
-/// Measured: a skew of 2 hides most of a stage's latency. Eight vectors of four lanes hide it
-/// themselves, and the pipeline fills sooner with a skew of 1.
+/// Measured: a skew of 2 hides most of a stage's latency. Eight vectors of four lanes hide it by
+/// themselves; with a skew of 1 their pipeline fills sooner.
 template <size_t kChannels>
 constexpr size_t kSkewOf = kChannels == 2 && kLanes == 4 ? 1 : 2;
 

@@ -13,13 +13,13 @@ namespace brindle {
 namespace {
 
 struct Limits {
-    float start;  // before any value was read
+    float start;  // before a value is read
     float low, high;
 };
 
-// 16 stages of 40 dB (rounding makes it 44 at worst) and a trim of 40 dB stay within the range of a
-// float. Q is held where poles stay inside the unit circle and the designs' exponentials in range.
-// Frequencies are held by the stages, in shares of the sample rate.
+// 16 stages of 40 dB (44 dB at worst, by rounding) and a trim of 40 dB stay within a float's range.
+// The limits of Q keep poles inside the unit circle and the designs' exponentials in range. The
+// stages limit frequencies, as shares of the sample rate.
 constexpr Limits kGainLimits = {0.0f, -40.0f, 40.0f};
 constexpr std::array<Limits, kControlCount> kLimits = {{
     {0.0f, -1e6f, 1e6f},       // enable
@@ -29,17 +29,16 @@ constexpr std::array<Limits, kControlCount> kLimits = {{
     {1.0f, 0.025f, 1e3f},      // Q
 }};
 
-// Bands and sections have their controls in the same order, one after the other.
+// Bands and sections follow each other, with their controls in the same order.
 const Limits& limits_of(uint32_t port) {
     return port == kTrimPort ? kGainLimits : kLimits[(port - band_port(0)) % kControlCount];
 }
 
-// Switches travel as floats.
 bool is_on(float value) {
     return static_cast<int32_t>(value + 0.1) != 0;
 }
 
-// Whether a port holds other bits than when it was last read.
+// Reads the bits of all control ports; true when any differ from those of the last call.
 bool ports_changed(EqInstance& eq) {
     uint32_t difference = 0;
     for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
@@ -52,7 +51,8 @@ bool ports_changed(EqInstance& eq) {
     return difference != 0;
 }
 
-void take_ports(EqInstance& eq) {
+// Keeps each port's last finite value, within its limits.
+void clamp_controls(EqInstance& eq) {
     for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
         const auto value = std::bit_cast<float>(eq.port_bits[port]);
         if (!std::isfinite(value)) continue;
@@ -61,12 +61,12 @@ void take_ports(EqInstance& eq) {
     }
 }
 
-// Glides of the control ticks. The tiny addend keeps what falls toward zero off denormals.
+// The tiny addend keeps a value that falls toward zero off the denormal numbers.
 void glide(double& value, double target) {
     value = 0.98 * value + 0.02 * target + 1e-20;
 }
 
-// Glides of one stage, then its design, for which `alike` may serve; true when any value is new.
+// Glides one stage, then designs it, perhaps from the stage `alike`; true when any value is new.
 bool tick_stage(FilterStage& stage, bool on, const FilterStage* alike) {
     const FilterStage before = stage;
     glide(stage.gain, stage.gain_target);
@@ -93,7 +93,7 @@ void set_default_controls(EqInstance& eq) noexcept {
 
 void read_controls(EqInstance& eq) noexcept {
     if (!ports_changed(eq)) return;
-    take_ports(eq);
+    clamp_controls(eq);
     eq.turned = true;
     eq.trim_target = exp10(static_cast<double>(eq.controls[kTrimPort]) * 0.05);
     for (int s = 0; s < kSectionCount; ++s) {
@@ -121,11 +121,12 @@ void update_weights(EqInstance& eq) noexcept {
     CascadeWeights& weights = eq.weights[eq.newest_weights];
     size_t i = 0;
     const auto gather = [&weights, &i](const FilterStage& stage) {
-        weights.b0[i] = stage.b0;
-        weights.b1[i] = stage.b1;
-        weights.b2[i] = stage.b2;
-        weights.a1[i] = stage.a1;
-        weights.a2[i] = stage.a2;
+        const auto& [b0, b1, b2, a1, a2] = stage.coefficients;
+        weights.b0[i] = b0;
+        weights.b1[i] = b1;
+        weights.b2[i] = b2;
+        weights.a1[i] = a1;
+        weights.a2[i] = a2;
         weights.wet[i] = stage.wet;
         weights.dry[i] = stage.dry;
         ++i;
@@ -144,7 +145,7 @@ void control_tick(EqInstance& eq) noexcept {
             apply_section(eq.sections[i], eq.section_type[i], eq.section_gain[i],
                           eq.section_freq[i], eq.section_q[i]);
         }
-        const FilterStage* last = nullptr;  // the stages of a steep pass are all alike
+        const FilterStage* last = nullptr;  // all stages of a steep pass are alike
         for (FilterStage& stage : eq.sections[i]) {
             changed |= tick_stage(stage, eq.section_on[i], last);
             last = &stage;

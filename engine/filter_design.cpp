@@ -14,7 +14,7 @@ double square(double x) {
     return x * x;
 }
 
-// Rounding can take a radicand that is zero in exact arithmetic just below it.
+// Rounding can make a radicand negative that is zero in exact arithmetic.
 double root(double x) {
     return std::sqrt(std::max(0.0, x));
 }
@@ -24,7 +24,7 @@ double tangent(double freq, double dt) {
     return std::tan(kPi * freq * dt);
 }
 
-// Poles of the matched designs with the terms that their numerators are built from.
+// Poles of the matched designs, and the terms of their numerators.
 struct MatchedPoles {
     double w;     // rad/sample
     double G, Q;  // root of the gain at the centre, quality
@@ -53,7 +53,7 @@ MatchedPoles matched_poles(const Prototype& p, double G, double Q) {
     return m;
 }
 
-// Below 2e-5 of the sample rate (20 Hz at 1 MHz) a Bell's numerator is lost in rounding.
+// Below 2e-5 of the sample rate (20 Hz at 1 MHz), rounding destroys a Bell's numerator.
 Prototype above_rounding(Prototype p) {
     p.freq = std::max(p.freq, 2e-5 / p.dt);
     return p;
@@ -72,7 +72,7 @@ Coefficients shelf(double tp, double tz, double k) {
             -(square(tp) + 1.0 - k * tp) * den};
 }
 
-// The same, scaled so that the gain stands at Nyquist and unity at DC.
+// A shelf scaled to unity at DC, so that the gain is at Nyquist.
 Coefficients high_shelf(double tp, double tz, double k) {
     Coefficients c = shelf(tp, tz, k);
     const double scale = square(tp) / square(tz);
@@ -82,7 +82,7 @@ Coefficients high_shelf(double tp, double tz, double k) {
     return c;
 }
 
-// Keeps a shelf's tangents between the corner frequencies 0.0003 and 0.375 of the sample rate.
+// Keeps a shelf's corner frequencies between 0.0003 and 0.375 of the sample rate.
 double clamp_tangent(double t) {
     return std::max(std::min(t, 2.414), 0.000981748019);
 }

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: ISC
 /// Coefficients of second-order sections from analogue prototypes, one function for each type.
 ///
-/// The recursion is y = b0·x + s1; s1 ← s2 + b1·x + a1·y; s2 ← b2·x + a2·y, so that a1 and a2 carry
-/// the sign with which they are added. All functions are real-time safe and yield finite, stable
+/// The recursion is y = b0·x + s1; s1 ← s2 + b1·x + a1·y; s2 ← b2·x + a2·y, so a1 and a2 have the
+/// sign with which they are added. All functions are real-time safe and return finite, stable
 /// coefficients over the whole range of Prototype.
 #pragma once
 
 namespace brindle {
 
-/// What a stage shall do.
+/// The analogue filter that a stage imitates, and the time step.
 struct Prototype {
     double gain;     ///< dB, -40 to 40
     double freq;     ///< Hz, above zero and below half the sample rate
@@ -17,7 +17,6 @@ struct Prototype {
     double dt;       ///< 1 / sample rate, seconds
 };
 
-/// Weights of the recursion.
 struct Coefficients {
     double b0, b1, b2, a1, a2;
 };

@@ -80,14 +80,7 @@ bool design(FilterStage& stage, const FilterStage* alike) noexcept {
     if (origin == stage.origin) return false;
     stage.origin = origin;
     const bool same = (alike != nullptr) && alike->origin == origin;
-    const Coefficients c = same
-                               ? Coefficients{alike->b0, alike->b1, alike->b2, alike->a1, alike->a2}
-                               : designed(stage);
-    stage.b0 = c.b0;
-    stage.b1 = c.b1;
-    stage.b2 = c.b2;
-    stage.a1 = c.a1;
-    stage.a2 = c.a2;
+    stage.coefficients = same ? alike->coefficients : designed(stage);
     return true;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// What a host calls: each function converts its arguments and calls the engine.
+// The functions that a host calls. Each converts its arguments and calls the engine.
 #include <lv2/core/lv2.h>
 #include <lv2/urid/urid.h>
 
@@ -8,7 +8,7 @@
 #include <cstring>
 
 #include "contract/brindle.h"
-#include "engine/eq_instance.h"
+#include "engine/lifecycle.h"
 #include "engine/run.h"
 
 namespace brindle {

@@ -8,9 +8,9 @@
 namespace brindle {
 namespace {
 
-/// A property: its key, its context and an atom that holds an Int, padded to eight bytes.
+/// A property: key, context and an Int atom, padded to eight bytes.
 constexpr size_t kIntPropertyBytes = 2 * sizeof(uint32_t) + sizeof(LV2_Atom_Int) + 4;
-/// A property that holds a row, padded likewise.
+/// A property that holds a row, padded to eight bytes.
 constexpr size_t kRowPropertyBytes =
     2 * sizeof(uint32_t) + (sizeof(LV2_Atom_Vector) + kPlotBins * sizeof(float) + 7) / 8 * 8;
 constexpr size_t kEmptySequenceBytes = sizeof(LV2_Atom_Sequence);
@@ -19,7 +19,7 @@ constexpr size_t kRowSequenceBytes = kEmptySequenceBytes + sizeof(int64_t) +
                                      kRowPropertyBytes;
 static_assert(kRowSequenceBytes == 1080);
 
-/// Reads a structure at `bytes`, which need not be aligned for it.
+/// Reads a structure from any address.
 template <typename T>
 T read_as(const uint8_t* bytes) noexcept {
     T value;

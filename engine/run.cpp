@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <span>
 
 #include "engine/cascade.h"
 #include "engine/controls.h"
@@ -17,17 +18,16 @@ namespace {
 
 constexpr uint32_t kCounterMask = 0x3ffff;
 
-// The stretches of a chunk, each but perhaps the first beginning with a control tick.
+// The stretches of a chunk. Each begins with a control tick, but the first one may not.
 struct Stretches {
     std::array<Stretch, kMaxStretches> list;
     size_t count;
     bool first_is_tick;
 
-    bool is_tick(size_t i) const { return i > 0 || first_is_tick; }
-    size_t end(size_t i, size_t n) const { return i + 1 < count ? list[i + 1].begin : n; }
+    std::span<const Stretch> all() const { return {list.data(), count}; }
 };
 
-// Input and output port of channel 0 or 1.
+// Port numbers for channel 0 or 1.
 constexpr size_t in_port(size_t channel) {
     return kFirstAudioPort + 2 * channel;
 }
@@ -35,12 +35,12 @@ constexpr size_t out_port(size_t channel) {
     return in_port(channel) + 1;
 }
 
-// Dithers and trims the input from `begin` to `end` of the chunk that starts at `offset`.
+// Adds dither and trim to the samples from `begin` to `end` of the chunk at `offset`.
 template <size_t kChannels>
-void take_input(EqInstance& eq, size_t offset, size_t begin, size_t end) {
+void prepare_input(EqInstance& eq, size_t offset, size_t begin, size_t end) {
     Workspace& work = eq.work;
-    const auto take = kChannels == 1 ? eq.loops.take_mono : eq.loops.take_stereo;
-    take(
+    const auto trim = kChannels == 1 ? eq.loops.trim_mono : eq.loops.trim_stereo;
+    trim(
         {{eq.ports[in_port(0)] + offset + begin, eq.ports[in_port(kChannels - 1)] + offset + begin},
          &work.dither[begin],
          eq.trim_gain,
@@ -50,9 +50,9 @@ void take_input(EqInstance& eq, size_t offset, size_t begin, size_t end) {
         end - begin);
 }
 
-// Cuts n samples at the control ticks among them, with the weights of each.
+// Cuts `n` samples into stretches at the control ticks, and reads and trims them.
 template <size_t kChannels>
-Stretches take_chunk(EqInstance& eq, size_t offset, size_t n) {
+Stretches prepare_chunk(EqInstance& eq, size_t offset, size_t n) {
     Stretches stretches;
     stretches.count = 0;
     stretches.first_is_tick = (eq.sample_counter & eq.control_mask) == 0;
@@ -61,49 +61,45 @@ Stretches take_chunk(EqInstance& eq, size_t offset, size_t n) {
         const size_t since_tick = (eq.sample_counter + begin) & eq.control_mask;
         if (since_tick == 0) control_tick(eq);
         const size_t end = std::min(n, begin + eq.control_mask + 1 - since_tick);
-        stretches.list[stretches.count++] = {begin, &eq.weights[eq.newest_weights]};
-        take_input<kChannels>(eq, offset, begin, end);
+        stretches.list[stretches.count++] = {begin, end, &eq.weights[eq.newest_weights]};
+        prepare_input<kChannels>(eq, offset, begin, end);
         begin = end;
     }
     return stretches;
 }
 
-// Input that is no finite number makes every later state and output of its channel so for good.
-// Where the output before a control tick is such, the channel starts again from silence there; true
-// when it did.
-bool restart_poisoned(EqInstance& eq, const Stretches& stretches, size_t channel, size_t n,
+// Input that is not finite makes all later states and output of its channel not finite either.
+// Where the output before a control tick is not finite, the channel starts again from silence at
+// the tick. True when it did.
+bool restart_poisoned(EqInstance& eq, const Stretches& stretches, size_t channel,
                       const Followers& followers) {
-    const float* in = eq.work.in[channel].data();
-    float* out = eq.work.out[channel].data();
     bool restarted = false;
-    for (size_t i = 1; i < stretches.count; ++i) {
-        const size_t begin = stretches.list[i].begin;
-        if (!std::isfinite(out[begin - 1])) {
+    for (const auto& [begin, end, weights] : stretches.all()) {
+        const float* in = &eq.work.in[channel][begin];
+        float* out = &eq.work.out[channel][begin];
+        if (begin > 0 && !std::isfinite(out[-1])) {
             eq.states[channel] = {};
             restarted = true;
         }
         if (!restarted) continue;
-        // What this writes of the powers is no use; they are followed again.
-        const Stretch alone = {0, stretches.list[i].weights};
-        const float* from = in + begin;
-        float* to = out + begin;
-        eq.cascade.mono({&alone, 1}, &eq.states[channel], &from, &to, stretches.end(i, n) - begin,
-                        followers);
+        // The powers that this writes are wrong; follow_again writes them anew.
+        const Stretch alone = {0, end - begin, weights};
+        eq.cascade.mono({&alone, 1}, &eq.states[channel], &in, &out, followers);
     }
     return restarted;
 }
 
-// Follows the powers once more where they or a channel were poisoned: they too start again at the
-// next control tick.
+// Follows the powers again where they or a channel were poisoned. They too start again at the next
+// control tick.
 template <size_t kChannels>
-void follow_again(const EqInstance& eq, const Stretches& stretches, size_t n, Followers followers) {
-    for (size_t i = 0; i < stretches.count; ++i) {
-        if (stretches.is_tick(i)) {
+void follow_again(const EqInstance& eq, const Stretches& stretches, Followers followers) {
+    for (const Stretch& stretch : stretches.all()) {
+        if (stretch.begin > 0 || stretches.first_is_tick) {
             if (!std::isfinite(followers.in_power)) followers.in_power = 0.0f;
             if (!std::isfinite(followers.out_power)) followers.out_power = 0.0f;
         }
-        for (size_t k = stretches.list[i].begin; k < stretches.end(i, n); ++k) {
-            followers.step(k, eq.work.out[0][k], eq.work.out[kChannels - 1][k]);
+        for (size_t i = stretch.begin; i < stretch.end; ++i) {
+            followers.step(i, eq.work.out[0][i], eq.work.out[kChannels - 1][i]);
         }
     }
 }
@@ -122,14 +118,13 @@ void run_stages(EqInstance& eq, const Stretches& stretches, size_t n) {
                                  eq.in_power,           eq.out_power,  work.in_powers.data(),
                                  work.out_powers.data()};
     const RunCascade run_cascade = kChannels == 1 ? eq.cascade.mono : eq.cascade.stereo;
-    run_cascade({stretches.list.data(), stretches.count}, eq.states.data(), in.data(), out.data(),
-                n, followers);
+    run_cascade(stretches.all(), eq.states.data(), in.data(), out.data(), followers);
     bool poisoned = !std::isfinite(work.in_powers[n - 1]) || !std::isfinite(work.out_powers[n - 1]);
     for (size_t channel = 0; channel < kChannels; ++channel) {
-        poisoned |= restart_poisoned(eq, stretches, channel, n, followers);
+        poisoned |= restart_poisoned(eq, stretches, channel, followers);
         eq.last_out[channel] = out[channel][n - 1];
     }
-    if (poisoned) follow_again<kChannels>(eq, stretches, n, followers);
+    if (poisoned) follow_again<kChannels>(eq, stretches, followers);
     eq.in_power = work.in_powers[n - 1];
     eq.out_power = work.out_powers[n - 1];
 }
@@ -141,8 +136,8 @@ void put_output(EqInstance& eq, size_t offset, size_t n) {
     }
 }
 
-// A held meter falls from tick to tick and is lifted by what exceeds it. Powers that are no finite
-// number (from such input) do not reach it.
+// A held meter falls from tick to tick; a greater power lifts it. Powers that are not finite, from
+// input that is not finite, do not reach it.
 void update_meter(const EqInstance& eq, uint32_t port, float power) {
     float* meter = eq.ports[port];
     if (meter == nullptr) return;
@@ -152,12 +147,11 @@ void update_meter(const EqInstance& eq, uint32_t port, float power) {
     *meter = static_cast<float>(static_cast<double>(eq.meter_decay * held) + 1e-20);
 }
 
-// Meters over a chunk; true when a meter tick was in it. They take what the followers hold after
-// the tick's own sample.
+// Updates the meters from the powers after each meter tick's own sample; true when the chunk has a
+// meter tick.
 bool update_meters(EqInstance& eq, const Stretches& stretches) {
     bool meter_tick = false;
-    for (size_t i = 0; i < stretches.count; ++i) {
-        const size_t begin = stretches.list[i].begin;
+    for (const auto& [begin, end, weights] : stretches.all()) {
         if (((eq.sample_counter + begin) & eq.meter_mask) != 0) continue;
         update_meter(eq, kMeterInPort, eq.work.in_powers[begin]);
         update_meter(eq, kMeterOutPort, eq.work.out_powers[begin]);
@@ -166,11 +160,11 @@ bool update_meters(EqInstance& eq, const Stretches& stretches) {
     return meter_tick;
 }
 
-// At most kChunk samples from `offset` on; true when a meter tick was among them. All input is read
-// before output is written: the host may pass one buffer for both.
+// Processes `n` samples, kChunk at most, from `offset` on; true when a meter tick is among them.
+// Reads all input before it writes output: the host may pass one buffer for both.
 template <size_t kChannels>
 bool process_chunk(EqInstance& eq, size_t offset, size_t n) {
-    const Stretches stretches = take_chunk<kChannels>(eq, offset, n);
+    const Stretches stretches = prepare_chunk<kChannels>(eq, offset, n);
     run_stages<kChannels>(eq, stretches, n);
     put_output<kChannels>(eq, offset, n);
     const bool meter_tick = update_meters(eq, stretches);

@@ -8,9 +8,9 @@ namespace brindle {
 
 struct EqInstance;
 
-/// Processes `n` samples (any number) from the audio inputs to the audio outputs, which may be the
-/// same buffers in any order. Where an audio port is not connected, no audio is processed.
-/// Real-time safe.
+/// Processes `n` samples, any number, from the audio inputs to the audio outputs, which may share
+/// their buffers in any order. Processes no audio while an audio port is not connected. Real-time
+/// safe.
 void run_mono(EqInstance& eq, uint32_t n) noexcept;
 void run_stereo(EqInstance& eq, uint32_t n) noexcept;
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-// Highway has this file compiled once per instruction set; the compiler makes vectors of the loops.
+// Highway compiles this file once per instruction set; the compiler vectorises the loops.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "engine/sample_loops.cpp"
 #include <hwy/foreach_target.h>
@@ -23,8 +23,8 @@ constexpr uint32_t power(uint32_t base, size_t exponent) {
     return result;
 }
 
-/// One generator waits for its own product; kDitherRoom of them, each that many values ahead at a
-/// time, fit into vectors.
+/// A single generator would wait for its own product. kDitherRoom of them, which each advance by
+/// that many values at a time, fit into vectors.
 void dither(int32_t& state, float& noise, float* out, size_t n) noexcept {
     constexpr uint32_t kFactor = 16807;
     uint32_t states[kDitherRoom];
@@ -46,15 +46,15 @@ void dither(int32_t& state, float& noise, float* out, size_t n) noexcept {
 }
 
 template <size_t kChannels>
-void take(const SampleLoops::Input& input, size_t n) noexcept {
-    const auto [in, dither, trim, weight, out, square] = input;
+void trim(const SampleLoops::Input& input, size_t n) noexcept {
+    const auto [in, dither, gain, weight, out, square] = input;
     for (size_t i = 0; i < n; ++i) {
         const float left = in[0][i] + dither[i];
-        out[0][i] = left * trim;
+        out[0][i] = left * gain;
         float loudest = left * left;
         if constexpr (kChannels == 2) {
             const float right = in[1][i] + dither[i];
-            out[1][i] = right * trim;
+            out[1][i] = right * gain;
             loudest = std::max(loudest, right * right);
         }
         square[i] = weight * loudest;
@@ -62,7 +62,7 @@ void take(const SampleLoops::Input& input, size_t n) noexcept {
 }
 
 SampleLoops sample_loops_here() {
-    return {dither, take<1>, take<2>};
+    return {dither, trim<1>, trim<2>};
 }
 
 }  // namespace

@@ -14,8 +14,8 @@ constexpr double kNoCap = std::numeric_limits<double>::infinity();
 
 using Damping = std::array<double, kSectionStages>;
 
-// Butterworth pole pairs: 2·cos of the pole angles for 2, 4, 6 and 8 poles. Stages beyond those in
-// use are Flat and have the value of two poles.
+// Butterworth pole pairs: 2·cos of the pole angles for 2, 4, 6 and 8 poles. Unused stages are Flat
+// and have the value of two poles.
 constexpr Damping kPoles2 = {1.4142135624, 1.4142135624, 1.4142135624, 1.4142135624};
 constexpr Damping kPoles4 = {0.7653668647, 1.847759065, 1.4142135624, 1.4142135624};
 constexpr Damping kPoles6 = {0.5176380902, 1.4142135624, 1.9318516526, 1.4142135624};
@@ -23,11 +23,11 @@ constexpr Damping kPoles8 = {0.390180644, 1.111140466, 1.6629392246, 1.961570560
 
 struct SectionPlan {
     size_t count;         // stages in use
-    BandType stage;       // what they are
-    double gain_share;    // of the section's gain in dB, for each stage
+    BandType stage;       // their type
+    double gain_share;    // of the section's gain in dB, per stage
     double freq_factor;   // of the section's frequency
     double freq_cap;      // Hz
-    double damping_sign;  // the passes carry the negative value
+    double damping_sign;  // negative for the passes
     Damping damping;
 };
 
@@ -61,7 +61,7 @@ const SectionPlan& plan_of(SectionType type) {
     return kSectionPlans[type_index(type)];
 }
 
-// Spreads the four notches of a wide notch about its frequency, the wider the lower its Q.
+// Spreads the notches of a wide notch around its frequency; a lower Q spreads them wider.
 std::array<double, kSectionStages> notch_frequencies(float freq, float section_q, double dt) {
     const double q = section_q * 3.9f;
     const double r = (std::sqrt(4.0 * q * q + 1.0) + 1.0) / (2.0 * q);

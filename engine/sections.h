@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// How a section's five controls become the settings of its four cascaded stages.
+/// From a section's five controls to the settings of its four stages.
 #pragma once
 
 #include <array>
@@ -13,20 +13,18 @@ namespace brindle {
 inline constexpr size_t kSectionStages = 4;
 using SectionStages = std::array<FilterStage, kSectionStages>;
 
-/// Damping of a band's stage: types up to HighPass12 have the negative value, the others the
-/// positive one. Deliberately not the square root of two.
+/// Deliberately not the square root of two.
 inline constexpr double kBandDamping = 1.41213562;
 
-/// Damping value of a band of the given type.
+/// The damping of a band of `type`: -kBandDamping up to HighPass12, +kBandDamping above.
 double band_damping(BandType type) noexcept;
 
-/// The frequency sent to the stages of a section of `type` whose control stands at
-/// `freq_hz`: steep passes are moved so that the whole cascade's corner stands where it was asked
-/// for, low-passes at most to 20 kHz. Real-time safe.
+/// The stages' frequency in a section of `type` whose control says `freq_hz`. It moves steep passes
+/// so that the cascade's corner is at `freq_hz`, low-passes up to 20 kHz at most. Real-time safe.
 float section_frequency(SectionType type, float freq_hz) noexcept;
 
-/// Sets type, damping and targets of the four stages for a section of `type`. `gain` in dB, `freq`
-/// in Hz as section_frequency gives it. Coefficients are left to `design`. Real-time safe.
+/// Sets type, damping and targets of the four stages of a section of `type`, not the coefficients.
+/// `gain` in dB, `freq` in Hz from section_frequency. Real-time safe.
 void apply_section(SectionStages& section, SectionType type, float gain, float freq,
                    float q) noexcept;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// The product's analyser against the plain one, to the bit, on every instruction set at hand.
+// The product's analyser yields the plain analyser's bits on every available instruction set.
 #include <gtest/gtest.h>
 #include <hwy/highway.h>
 
@@ -17,7 +17,7 @@
 namespace brindle {
 namespace {
 
-/// Each test runs once for every instruction set that Highway compiled and the processor has.
+/// Each test runs on every instruction set that Highway compiled and the processor has.
 class AnalyserBits : public testing::TestWithParam<int64_t> {
   protected:
     void SetUp() override { hwy::SetSupportedTargetsForTest(GetParam()); }
@@ -56,7 +56,7 @@ class AnalyserBits : public testing::TestWithParam<int64_t> {
     return ::testing::AssertionSuccess();
 }
 
-/// Feeds `signal` to both, to the product in blocks of random lengths, some of them one sample.
+/// Feeds `signal` to both analysers, to the product in blocks of random length, often one sample.
 void feed(SpectrumAnalyser& product, reference::Analyser& plain, const std::vector<float>& signal,
           std::mt19937& random) {
     std::uniform_int_distribution<size_t> any_length(0, 700);
@@ -92,8 +92,8 @@ TEST_P(AnalyserBits, AreThoseOfThePlainAnalyser) {
     }
 }
 
-/// The counter wraps after 65536 samples; there oscillators that have lost their magnitude start
-/// anew, and the rest go on.
+/// The counter wraps after 65536 samples. There, oscillators that have lost their magnitude
+/// restart, and the others continue.
 TEST_P(AnalyserBits, StayTheSameWhereTheCounterWraps) {
     std::mt19937 random(18);
     auto product = make(48000.0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// What the analyser shows of signals whose spectrum is known.
+// The analyser's rows for signals with known spectra.
 #include "engine/analyser.h"
 
 #include <gtest/gtest.h>
@@ -46,16 +46,16 @@ auto sine(double hz, double peak) {
     return [=](double time) { return peak * std::sin(2.0 * kPi * hz * time); };
 }
 
-/// Power that a bin's low-pass lets through at a distance from its centre: a digital Butterworth
-/// of second order falls with the fourth power of the ratio of the tangents.
+/// Power response of a bin's low-pass at a distance from its centre: a digital second-order
+/// Butterworth falls with the fourth power of the ratio of the tangents.
 double low_pass_power(int bin, double distance_hz, double rate) {
     const double cutoff_hz = 0.707 * (centre_hz(bin + 1) - centre_hz(bin));
     const double ratio = std::tan(kPi * distance_hz / rate) / std::tan(kPi * cutoff_hz / rate);
     return 1.0 / (1.0 + std::pow(ratio, 4.0));
 }
 
-/// Other bins see the sine at the difference of the frequencies and, weaker, at their sum. The two
-/// beat: at low frequencies a row is too short for the beat to average out far from the centre.
+/// Other bins see the sine at the difference of the frequencies and, weaker, at their sum, and the
+/// two beat. At low frequencies, a row is too short to average out the beat far from the centre.
 TEST(Analyser, SineStandsInItsBinAndFallsOffWithTheLowPass) {
     for (double rate : {44100.0, 96000.0}) {
         for (const auto& [bin, reach] : {std::pair{30, 6}, {120, 20}, {210, 20}}) {
@@ -86,8 +86,8 @@ TEST(Analyser, TwoSinesKeepTheirDifference) {
     EXPECT_NEAR(newest(*analyser)[100], -30.0, 0.01);
 }
 
-/// Up to the limit of the lift every loudest bin reads -10 dB; a sine of amplitude A has the mean
-/// power A²/4 in its bin.
+/// Up to the limit of the lift, the loudest bin reads -10 dB. A sine of amplitude A has a mean
+/// power of A²/4 in its bin.
 TEST(Analyser, LiftsQuietMaterialByAtMost36Decibels) {
     for (const auto& [peak_db, shown_db] :
          {std::pair{-39.9, -10.0}, {-40.1, -10.1}, {-80.0, -50.0}, {-120.0, -90.0}}) {
@@ -125,7 +125,7 @@ TEST(Analyser, WhiteNoiseRisesAndPinkNoiseLiesLevel) {
     std::mt19937 random(3);
     std::normal_distribution<double> white(0.0, 0.1);
     const auto white_db = octave_levels_db([&] { return white(random); });
-    // Paul Kellet's filter: a sum of one-pole low-passes that falls by 3 dB an octave.
+    // Paul Kellet's filter, a sum of one-pole low-passes, falls by 3 dB an octave.
     std::array<double, 6> state = {};
     double last = 0.0;
     const auto pink_db = octave_levels_db([&] {
@@ -173,7 +173,7 @@ TEST(Analyser, ClosesARowWithItsFirstSampleAndThenEveryFrame) {
     }
 }
 
-/// Hosts may have odd rates; where a bin lies beyond half the rate its low-pass stays stable.
+/// At odd rates, the low-pass of a bin beyond half the rate stays stable.
 TEST(Analyser, StaysFiniteAtLowRatesAndBeginsAnewAfterTheLastRow) {
     for (double rate : {1.0, 860.0, 44100.0}) {
         SCOPED_TRACE(rate);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// Arbitrary bytes on the control port of a plugin that runs, and any capacity on the notify port.
+// Runs the plugin with arbitrary bytes on the control port and any capacity on the notify port.
 #include <lv2/atom/atom.h>
 #include <lv2/core/lv2.h>
 
@@ -23,8 +23,8 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-/// The notify port holds either what it held before or a sequence of one of the two lengths, with
-/// nothing written beyond the capacity.
+/// The notify port is unchanged or holds a sequence of one of the two lengths, and nothing was
+/// written beyond the capacity.
 void check_notify(const uint8_t* bytes, uint32_t capacity) {
     LV2_Atom head;
     std::memcpy(&head, bytes, sizeof head);
@@ -35,7 +35,7 @@ void check_notify(const uint8_t* bytes, uint32_t capacity) {
     }
 }
 
-/// A mono instance with all ports connected, silent, its controls at 0.
+/// A mono instance with all ports connected, silent input and all controls at 0.
 class Plugin {
   public:
     Plugin() {
@@ -84,9 +84,9 @@ class Plugin {
 
 }  // namespace
 
-/// Bytes 0 and 1: capacity of the notify port; byte 2: how far the sequence lies off alignment,
-/// and whether rows were asked for before; the rest is the sequence behind its head's size field,
-/// which is true: a host vouches for it.
+/// Bytes 0 and 1 are the capacity of the notify port; byte 2 is the sequence's misalignment and
+/// whether rows were requested before; the rest is the sequence after its head's size, which is
+/// correct, as a host guarantees.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 3 + sizeof(uint32_t)) return 0;
     const uint32_t capacity = (data[0] + 256u * data[1]) % (kNotifyBytes + 1);

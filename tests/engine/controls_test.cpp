@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// What the controls do to an instance where no sound can show it.
+// Effects of the controls on an instance that no sound can show.
 #include "engine/controls.h"
 
 #include <gtest/gtest.h>
@@ -7,13 +7,14 @@
 #include <memory>
 
 #include "engine/eq_instance.h"
+#include "engine/lifecycle.h"
 #include "tests/support/plugin_host.h"
 
 namespace brindle {
 namespace {
 
 // Without the addends, gains that fall to 0 dB would end in denormal numbers, which cost time. With
-// them a tick takes g to 0.95·(0.98·g + 1e-20) + 1e-24.
+// them, a tick turns g into 0.95·(0.98·g + 1e-20) + 1e-24.
 TEST(Glides, ToZeroEndWhereTheAddendsHoldThem) {
     test::UridMap map;
     const std::unique_ptr<EqInstance, void (*)(EqInstance*) noexcept> eq(

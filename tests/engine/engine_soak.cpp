@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// The loaded plugin under random hosts, controls, messages and signals (docs/testing.md says how to
-// let it run for hours).
+// Runs the loaded plugin with random hosts, controls, messages and signals. docs/testing.md says
+// how to run it for hours.
 #include <gtest/gtest.h>
 #include <lv2/atom/atom.h>
 
@@ -22,7 +22,7 @@ namespace {
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kFence = 12345.0f;  // stands behind each buffer
+constexpr float kFence = 12345.0f;  // follows each buffer
 constexpr uint32_t kMaxBlock = 4096;
 constexpr double kDitherPeak = 1e-6;  // what the plugin adds to its input
 
@@ -49,7 +49,7 @@ constexpr Signal kSignals[] = {
 // clang-format on
 constexpr size_t kHarmless = std::size(kSignals) - 1;
 
-/// One instance and its host, from birth to end.
+/// One instance and its host.
 class Life {
   public:
     Life(Random& random, int channels, double rate)
@@ -58,7 +58,7 @@ class Life {
           tick_(static_cast<uint32_t>(rate) < 60001 ? 64 : 128),
           buffers_(2 * static_cast<size_t>(channels), std::vector<float>(kMaxBlock + 1)) {}
 
-    /// Anything on any port at any time; what is asked is that finite input stays finite.
+    /// Puts anything on any port at any time: finite input must give finite output.
     void go_wild(int blocks) {
         const bool every_block = random_.one_in(2);
         for (int i = 0; i < blocks && !testing::Test::HasFailure(); ++i) {
@@ -71,9 +71,9 @@ class Life {
         }
     }
 
-    /// Controls at rest: over any stretch that begins at rest, the output has at most the energy of
-    /// the input times the largest gain (Parseval), which is the product of what the stages may
-    /// boost. What is left of the past adds as much as it has before the stretch begins.
+    /// Keeps the controls at rest. Over any stretch, the output then has at most the input's energy
+    /// times the largest gain (Parseval), the product of the stages' largest boosts, plus the
+    /// energy that the stages held before the stretch.
     void keep_within_gains() {
         const double gain = set_sane_controls();
         const double quiet_rms = 2.0 * kDitherPeak * gain;
@@ -122,7 +122,7 @@ class Life {
         }
     }
 
-    /// A value as hosts send it; fractions of types and switches included.
+    /// A value that a host may send, including fractions of types and switches.
     float likely(uint32_t port) {
         if (port == kTrimPort) return random_.real(-20.0f, 20.0f);
         switch ((port - 2) % kControlCount) {
@@ -139,7 +139,7 @@ class Life {
         }
     }
 
-    /// Sets controls within their ranges and returns the largest gain that they allow.
+    /// Sets controls within their ranges; returns the largest gain that they allow.
     double set_sane_controls() {
         for (uint32_t port = 2; port <= kTrimPort; ++port) host_.port(port) = likely(port);
         double gain_db = host_.port(kTrimPort);
@@ -157,7 +157,7 @@ class Life {
         return std::pow(10.0, gain_db / 20.0);
     }
 
-    /// Silence until the glides have ended and what rang has died away.
+    /// Runs silence until the glides have ended and the stages no longer ring.
     void come_to_rest(double quiet_rms) {
         for (uint32_t n = 0; n < 2000 * tick_; n += kMaxBlock) play(kSignals[0], kMaxBlock, false);
         const double seconds = 300.0;  // a bell at 20 Hz, Q 100, +18 dB falls 14 dB in 10 seconds
@@ -174,8 +174,8 @@ class Life {
         FAIL() << "still sounding after " << seconds << " seconds of silence";
     }
 
-    /// Requests, others' objects and events whose sizes lie, in a sequence that is as long as it
-    /// says.
+    /// Writes requests, foreign objects and events with wrong sizes into a sequence of correct
+    /// size.
     void send_messages() {
         const char* kTypes[] = {kEnableUiUri, kDisableUiUri, kEnableUiUri, "urn:x:other"};
         std::vector<uint32_t> words = {0, host_.map()(LV2_ATOM__Sequence), 0, 0};
@@ -189,7 +189,7 @@ class Life {
         std::memcpy(host_.control.data(), words.data(), 4 * words.size());
     }
 
-    /// One block, through one buffer for in and out or two, and what always holds of it.
+    /// Runs one block, in place or not, and checks what always holds.
     void play(const Signal& signal, uint32_t n, bool in_place) {
         for (size_t c = 0; c < channels(); ++c) {
             std::vector<float>& in = buffers_[2 * c];
@@ -216,7 +216,7 @@ class Life {
         for (size_t c = 0; c < channels(); ++c) {
             const float* out = buffers_[2 * c + (in_place ? 0 : 1)].data();
             EXPECT_EQ(out[n], kFence);
-            // Bursts end with the control tick after them.
+            // A burst ends at the next control tick.
             for (uint32_t i = 0; &signal != &kSignals[kHarmless] && i < n; ++i) {
                 ASSERT_TRUE(std::isfinite(out[i]) || since_bad + i < tick_) << "sample " << i;
             }
@@ -235,9 +235,9 @@ class Life {
 
     Random& random_;
     PluginHost host_;
-    uint32_t tick_;                            // samples from one control tick to the next
-    uint32_t since_bad_ = 1u << 20;            // samples since the last that was no finite number
-    std::vector<std::vector<float>> buffers_;  // in and out of each channel in turn
+    uint32_t tick_;                            // samples between control ticks
+    uint32_t since_bad_ = 1u << 20;            // samples since the last one that was not finite
+    std::vector<std::vector<float>> buffers_;  // input and output of each channel
 };
 
 TEST(Soak, KeepsFiniteInputFiniteAndWithinTheGains) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// Designs where the loaded plugin cannot be measured: at a millionth of the sample rate.
+// Designs at a millionth of the sample rate, where the loaded plugin cannot be measured.
 #include "engine/filter_design.h"
 
 #include <gtest/gtest.h>
@@ -11,14 +11,14 @@
 namespace brindle {
 namespace {
 
-/// Gain in dB at a frequency given as a share of the sample rate.
+/// Gain in dB; the frequency is a share of the sample rate.
 double gain_db(const Coefficients& c, double share) {
     const std::complex<double> z = std::polar(1.0, -2.0 * std::numbers::pi * share);
     return 20.0 *
            std::log10(std::abs((c.b0 + c.b1 * z + c.b2 * z * z) / (1.0 - c.a1 * z - c.a2 * z * z)));
 }
 
-// Differences of nearly equal numbers must not lift them: a chain of sixteen has no gain to spare.
+// Differences of nearly equal numbers must not add gain: a chain of sixteen has none to spare.
 TEST(Designs, FarBelowThePortsRangeStayWithinTheirGain) {
     for (double freq : {1e-6, 1.5e-6, 2.2e-6, 1e-5, 2.6e-5}) {
         for (double gain : {0.0, 18.0, 40.0}) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// The conversation between editor and engine as a host passes it on: requests on the control port
-// of the loaded plugin, analyser rows on its notify port.
+// Messages between editor and engine as a host forwards them: requests on the loaded plugin's
+// control port, analyser rows on its notify port.
 #include <gtest/gtest.h>
 #include <lv2/atom/util.h>
 
@@ -22,11 +22,11 @@ namespace {
 using Words = std::vector<uint32_t>;
 constexpr uint32_t kJunk = 0xdeadbeef;
 
-/// A sequence as 32-bit words, of which the events may be as wrong as they like.
+/// A sequence as 32-bit words, whose events may be wrong in any way.
 class Sequence {
   public:
-    /// Adds an event with a body of `words`; the size in its head, 4 bytes a word unless given,
-    /// need not be true.
+    /// Adds an event with a body of `words`. The size in its head, 4 bytes a word unless given, may
+    /// be wrong.
     Sequence& event(LV2_URID type, const Words& words, std::optional<uint32_t> size = {}) {
         const auto real_size = static_cast<uint32_t>(4 * words.size());
         words_.insert(words_.end(), {0, 0, size.value_or(real_size), type});
@@ -34,7 +34,7 @@ class Sequence {
         words_.resize((words_.size() + 1) / 2 * 2);
         return *this;
     }
-    /// Cuts the last `count` bytes off.
+    /// Removes the last `count` bytes.
     Sequence& cut(size_t count) {
         cut_ = count;
         return *this;
@@ -43,8 +43,8 @@ class Sequence {
         words_[2] = unit;
         return *this;
     }
-    /// The sequence `shift` bytes off alignment, with nothing behind it: the sanitizers notice who
-    /// reads on.
+    /// The sequence, `shift` bytes off alignment, at the end of its memory, so that sanitizers
+    /// detect reads beyond it.
     std::unique_ptr<uint8_t[]> bytes(LV2_URID type, size_t shift) const {
         const size_t size = 4 * words_.size() - cut_;
         const LV2_Atom head = {static_cast<uint32_t>(size - sizeof(LV2_Atom)), type};
@@ -65,7 +65,7 @@ struct RowMessage {
     std::vector<float> row;
 };
 
-/// A host with an editor, which processes noise in place and decodes what comes back.
+/// A host with an editor. It processes noise in place and decodes the plugin's messages.
 class EditorHost : public PluginHost {
   public:
     EditorHost(int channels, double rate)
@@ -76,7 +76,7 @@ class EditorHost : public PluginHost {
         return Sequence().event(urid(LV2_ATOM__Object), {1, urid(uri)});
     }
 
-    /// A block of `n` samples, different in each channel; returns the first channel's input.
+    /// Runs `n` samples, different in each channel; returns the first channel's input.
     std::vector<float> play(uint32_t n, const Sequence& requests = {}, size_t shift = 0) {
         for (size_t c = 0; c < audio_.size(); ++c) {
             audio_[c].resize(n);
@@ -95,7 +95,7 @@ class EditorHost : public PluginHost {
         connect(kControlPort, nullptr);
         return first;
     }
-    /// Whether rows come after `requests`, when they came before or not.
+    /// Whether rows come after `requests`, with rows coming before or not.
     bool rows_after(const Sequence& requests, bool before, size_t shift = 0) {
         play(1, request(before ? kEnableUiUri : kDisableUiUri));
         play(512, requests, shift);
@@ -150,7 +150,7 @@ TEST(Requests, SwitchRowsOnAndOff) {
         EXPECT_FALSE(host.rows_after(on_off, false, shift));
         const auto off_on = Sequence().event(object, disable).event(object, enable);
         EXPECT_TRUE(host.rows_after(off_on, true, shift));
-        // Foreign events of any length stand between, and properties may follow the type.
+        // Foreign events of any length lie between requests; properties may follow the type.
         const auto among_others = Sequence()
                                       .event(host.urid(LV2_ATOM__Int), {7})
                                       .event(77, {0x00643c90}, 3)
@@ -172,10 +172,10 @@ TEST(Requests, ThatAreMalformedChangeNothing) {
         {Sequence(), Sequence()},
         {Sequence().event(host.urid(LV2_ATOM__Vector), enable), Sequence().event(0, disable)},
         {Sequence().event(object, {enable[1], 0}), Sequence().event(object, {disable[1], 0})},
-        // What follows a broken event is not read: its place is unknown.
+        // Events after a broken one are not read: their place is unknown.
         {Sequence().event(77, {}, 4096).event(object, enable),
          Sequence().event(77, {}, 4096).event(object, disable)}};
-    // Too short for a type, past the end by a byte, and by all that a size can hold.
+    // Too short for a type, one byte past the end, and as far past the end as a size can say.
     for (uint32_t size : {4u, 9u, 0xfffffff9u, 0xffffffffu}) {
         cases.emplace_back(Sequence().event(object, enable, size),
                            Sequence().event(object, disable, size));
@@ -209,7 +209,7 @@ TEST(Rows, HaveTheirPlaceToTheByte) {
              Words{4, atom_int, 2, 0},                          // size, type, value, padding
              Words{host.urid(kPlotArrayUri), 0},                // key and context
              Words{972, host.urid(LV2_ATOM__Vector)},           // size and type
-             Words{4, host.urid(LV2_ATOM__Float)},              // the same of a child
+             Words{4, host.urid(LV2_ATOM__Float)},              // size and type of a child
          }) {
         expected.insert(expected.end(), part.begin(), part.end());
     }
@@ -254,7 +254,7 @@ TEST(Rows, AreThoseOfTheFirstInputAndComeInBlocksWithAMeterTick) {
             const auto left = host.play(static_cast<uint32_t>(n), host.request(kEnableUiUri));
             for (float x : left) plain.add(x);
             position += n;
-            // A tick falls on each sample whose number is a multiple of the period.
+            // A tick falls on every sample whose number is a multiple of the period.
             const int ticks_before = ticks;
             ticks = (position + period - 1) / period;
             ASSERT_EQ(host.notified(), ticks > ticks_before) << "block " << block;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
-// The loaded plugin's measured response against the analogue prototypes. Measured by an impulse
-// 200 dB above the dither, once the glides have ended, so that a tolerance of 0.01 dB is the
-// designs' own business: single-precision rounding between the stages is 140 dB down.
+// Compares the loaded plugin's measured response with the analogue prototypes. The impulse is 200
+// dB above the dither and comes after the glides; single-precision rounding between the stages is
+// 140 dB down. So a tolerance of 0.01 dB tests the designs alone.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -55,8 +55,8 @@ double analogue_bell_db(double gain, double centre_hz, double q, double hz) {
     return 20.0 * std::log10(std::abs((s * s + s * A / q + 1.0) / (s * s + s / (A * q) + 1.0)));
 }
 
-// The same by the bilinear transform, prewarped to keep the centre: frequencies are bent toward
-// Nyquist by the tangent.
+// The bell by the bilinear transform, prewarped to keep the centre: the tangent bends frequencies
+// toward Nyquist.
 double bilinear_bell_db(double gain, double centre_hz, double q, double hz, double rate) {
     return analogue_bell_db(gain, std::tan(pi * centre_hz / rate), q, std::tan(pi * hz / rate));
 }
@@ -79,20 +79,20 @@ TEST(Physics, PassBandsHaveTheirCornersAndSlopes) {
                  {BandType::HighPass12, 12}};
     for (const auto& row : kRows) {
         SCOPED_TRACE(kBandTypes[type_index(row.type)].name);
-        const double corner = 640.0;  // far below Nyquist: the prototype itself
+        const double corner = 640.0;  // far below Nyquist, as the prototype
         const Measured gain = measure_band(row.type, 0.0, corner, 1.0);
         EXPECT_NEAR(gain(corner), -3.01, 0.02);
         const double direction = row.db_per_octave < 0 ? 1.0 : -1.0;
         const double octave =
             gain(corner * std::exp2(direction * 4)) - gain(corner * std::exp2(direction * 3));
-        // Three octaves out the prototypes have 0.1 dB to go to their asymptote; a low-pass has
-        // as much again for ending at Nyquist.
+        // Three octaves out, the prototypes are 0.1 dB from their asymptote, and a low-pass another
+        // 0.1 dB because it ends at Nyquist.
         EXPECT_NEAR(octave, -std::abs(row.db_per_octave) * 6.0206 / 6.0, 0.5);
         EXPECT_NEAR(gain(corner * std::exp2(-direction * 5)), 0.0, 0.01);
     }
 }
 
-// n equal stages, their frequency moved so that the cascade's corner stands between 3.0 and 4.1 dB.
+// n equal stages; their frequency is moved so that the cascade's corner is between 3.0 and 4.1 dB.
 TEST(Physics, SteepSectionsHaveTheirCornersAndSlopes) {
     for (int stages = 1; stages <= 4; ++stages) {
         for (bool high_pass : {true, false}) {
@@ -106,8 +106,8 @@ TEST(Physics, SteepSectionsHaveTheirCornersAndSlopes) {
             const double direction = high_pass ? -1.0 : 1.0;
             const double octave = gain(corner * std::exp2(direction * 2.5)) -
                                   gain(corner * std::exp2(direction * 1.5));
-            // There each stage, its own corner up to 0.6 octaves nearer, has 0.35 dB to go to its
-            // asymptote; further out eight poles reach the rounding between the stages.
+            // Here each stage, whose own corner is up to 0.6 octaves nearer, is 0.35 dB from its
+            // asymptote. Further out, eight poles reach the rounding between the stages.
             EXPECT_NEAR(octave, -12.04 * stages, 0.4 * stages);
             EXPECT_NEAR(gain(corner * std::exp2(-direction * 4)), 0.0, 0.01);
         }
@@ -120,7 +120,7 @@ TEST(Physics, BellsReachTheirGainAndHaveTheWidthOfTheirQ) {
             SCOPED_TRACE(testing::Message() << gain << " dB, Q " << q);
             const Measured measured = measure_band(BandType::Bell, gain, 1000.0, q);
             EXPECT_NEAR(measured(1000.0), gain, 0.01);
-            // An octave from 1 kHz is far from Nyquist still: the prototype within 0.1 dB.
+            // An octave from 1 kHz is still far from Nyquist: within 0.1 dB of the prototype.
             for (double hz : {250.0, 700.0, 950.0, 1100.0, 2000.0}) {
                 EXPECT_NEAR(measured(hz), analogue_bell_db(gain, 1000.0, q, hz), 0.1) << hz;
             }
@@ -128,7 +128,7 @@ TEST(Physics, BellsReachTheirGainAndHaveTheWidthOfTheirQ) {
     }
 }
 
-// What matching is for: at the top the bell keeps its shape where the bilinear one cramps.
+// The purpose of matching: near Nyquist the bell keeps its shape, while the bilinear one cramps.
 TEST(Physics, BellsNearNyquistKeepTheirShape) {
     constexpr double kCdRate = 44100.0, kCentre = 15000.0;
     for (double gain : {-12.0, 12.0}) {
@@ -207,7 +207,7 @@ TEST(Physics, NotchesAreDeepAndAsWideAsTheirQ) {
     }
 }
 
-// Q 1 at 1 kHz spreads the notches over 681, 880, 1136 and 1468 Hz.
+// At 1 kHz with Q 1, the notches are at 681, 880, 1136 and 1468 Hz.
 TEST(Physics, WideNotchSpreadsItsFourNotches) {
     const Measured measured = measure_section(0, SectionType::WideNotch, 0.0, 1000.0, 1.0);
     for (double hz : {681.4, 880.0, 1136.4, 1467.6}) EXPECT_LT(measured(hz), -50.0) << hz;

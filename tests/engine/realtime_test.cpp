@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// What run does on the audio thread beside computing: nothing. A guard counts calls of allocation
-// and locking functions; a child process whose system calls are forbidden shows that none is made.
+// run only computes. A guard counts calls of allocation and locking functions; a child process
+// whose system calls are forbidden shows that run makes none.
 #include <gtest/gtest.h>
 #include <linux/audit.h>
 #include <linux/filter.h>
@@ -30,7 +30,7 @@ namespace {
 
 enum Verdict { kQuiet = 0, kCalledForbidden = 1, kCouldNotGuard = 2, kMadeSystemCall = 3 };
 
-// From here on any system call but the one that ends the process kills it.
+// From now on, any system call but the one that ends the process kills it.
 bool forbid_system_calls() {
     sock_filter program[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
@@ -43,7 +43,7 @@ bool forbid_system_calls() {
            prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
 }
 
-// Runs `work` in a child under guard and tells what it did.
+// Runs `work` under guard in a child and reports what it did.
 int verdict_on(const std::function<void()>& work) {
     const pid_t child = fork();
     if (child == 0) {
@@ -72,7 +72,7 @@ TEST(Guard, NoticesWhatItForbids) {
     EXPECT_EQ(verdict_on([] { std::fputs("x\n", stderr); }), kMadeSystemCall);
 }
 
-// Puts a request of the editor on the control port.
+// Puts a request from the editor on the control port.
 void request(PluginHost& host, const char* type) {
     struct {
         LV2_Atom_Sequence head;
@@ -87,7 +87,7 @@ void request(PluginHost& host, const char* type) {
 
 class RealTime : public testing::TestWithParam<int> {};
 
-// Both with the analyser at work; all buffers are the host's, and so are the random numbers.
+// The analyser is at work. The host owns all buffers and random numbers.
 TEST_P(RealTime, RunAllocatesLocksAndCallsNothing) {
     constexpr uint32_t kBlock = 700;
     PluginHost host(GetParam(), 48000.0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The spectrum analyser, one sample and one bin at a time, as it is defined. The product's
+/// The definition of the spectrum analyser, one sample and one bin at a time. The product's
 /// analyser yields the same bits. Shares no code with the product.
 #pragma once
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
-/// The equaliser sample by sample, as it is defined: one plain loop, every rounding written out.
-/// The product's run loop yields the same bits. Shares no code with the product, and holds no
-/// control or sample to what is usable: feed it finite values within the ports' ranges.
+/// The definition of the equaliser: one plain loop over samples, with every rounding written out.
+/// The product's run loop yields the same bits. Shares no code with the product and limits no
+/// value: feed it finite values within the ports' ranges.
 #pragma once
 
 #include <array>
@@ -10,7 +10,7 @@
 
 namespace brindle::reference {
 
-/// Its channels' states are two pairs (s1, s2).
+/// One second-order section with the states of two channels.
 struct Stage {
     int type = 0;
     double gain = 0.0, freq = 1000.0, q = 1.0;
@@ -29,10 +29,10 @@ class Engine {
   public:
     Engine(int channels, double rate);
 
-    /// Value of each control port by its number; the meters (53, 54) are written.
+    /// Value of each control port by its number; `run` writes the meters (53, 54).
     std::array<float, 55> port{};
 
-    /// One block: `in` and `out` hold a vector of `n` samples for each channel.
+    /// Processes a block; `in` and `out` hold `n` samples for each channel.
     void run(const std::vector<std::vector<float>>& in, std::vector<std::vector<float>>& out,
              int n);
 

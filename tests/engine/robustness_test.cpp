@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// Hosts that misbehave: what the loaded plugin does with values and calls that it never should get.
+// The loaded plugin in hosts that misbehave, with values and calls that it should never get.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -128,7 +128,7 @@ TEST(Controls, ThatAreNoNumberLeaveTheLastValueInForce) {
     }
 }
 
-// Bursts that end in mid-block between ticks; the other channel must not notice.
+// Bursts that end inside a block, between ticks. The other channel must not change.
 TEST(Bursts, EndWithinOneControlTickAndLeaveTheOtherChannelAlone) {
     constexpr size_t kTick = 64, kStart = 2000, kEnd = 2500;
     for (float bad : {kNan, kInf, -kInf}) {
@@ -140,7 +140,7 @@ TEST(Bursts, EndWithinOneControlTickAndLeaveTheOtherChannelAlone) {
             host.settle();
             undisturbed.settle();
             Audio in = noise(2, 24000, 17);
-            // Silence before the tick that ends the burst: there the other has nothing to clear.
+            // Silence before the tick that ends the burst, where the other channel clears nothing.
             std::fill_n(in[channel].begin(), kEnd + kTick, 0.0f);
             const Audio expected = undisturbed.process(in, 480);
             for (size_t i = kStart; i < kEnd; i += 3) in[channel][i] = bad;
@@ -158,8 +158,8 @@ TEST(Bursts, EndWithinOneControlTickAndLeaveTheOtherChannelAlone) {
     }
 }
 
-// Nor must squares beyond the range of a float, before or after the cascade, or what a host left in
-// the ports.
+// Nor may squares beyond a float's range, before or after the cascade, or values that a host left
+// in the ports.
 TEST(Bursts, DoNotHoldTheMeters) {
     const std::pair<float, float> bursts[] = {
         {kNan, 0.0f}, {kInf, 0.0f}, {1e30f, 0.0f}, {1e20f, -40.0f}, {1e18f, 40.0f}};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// The loaded plugin against the plain engine, to the bit, over seeded random sessions, on every
-// instruction set at hand.
+// The loaded plugin yields the plain engine's bits over seeded random sessions, on every available
+// instruction set.
 #include <gtest/gtest.h>
 #include <hwy/highway.h>
 
@@ -20,7 +20,7 @@
 namespace brindle::test {
 namespace {
 
-/// A host session: both engines get the same controls and the same audio.
+/// A host session that gives both engines the same controls and audio.
 class Session {
   public:
     Session(int channels, double rate, uint32_t seed)
@@ -28,7 +28,7 @@ class Session {
         for (uint32_t number = 2; number <= kTrimPort; ++number) set(number, any_value(number));
     }
 
-    /// Turns some of the controls, often none.
+    /// Turns some controls, often none.
     void turn_controls() {
         const uint32_t count = below(2) == 0 ? 0 : below(12);
         for (uint32_t i = 0; i < count; ++i) {
@@ -37,12 +37,12 @@ class Session {
         }
     }
 
-    /// A strip's five controls, from its first port on.
+    /// Sets a strip's five controls, from its first port on.
     void set_strip(uint32_t number, const std::array<float, kControlCount>& values) {
         for (float value : values) set(number++, value);
     }
 
-    /// One block of `n` samples of noise or silence; false where the outputs or meters differ.
+    /// Runs `n` samples of noise or silence; false where the outputs or meters differ.
     ::testing::AssertionResult run(uint32_t n) {
         const float peak = below(8) == 0 ? 0.0f : 1.0f;
         std::uniform_real_distribution<float> level(-peak, peak);
@@ -53,7 +53,7 @@ class Session {
         return run(in);
     }
 
-    /// The same of a block of given audio.
+    /// Runs a block of given audio; false where the outputs or meters differ.
     ::testing::AssertionResult run(const Audio& in) {
         const auto n = static_cast<uint32_t>(in[0].size());
         Audio expected(in.size(), std::vector<float>(n));
@@ -72,7 +72,7 @@ class Session {
         plain_.port[number] = value;
     }
 
-    // Within the port's range, as hosts send it: ends of the range and fractions included, and
+    // A value that a host may send: within the port's range, including its ends, fractions and
     // types that do not exist.
     float any_value(uint32_t number) {
         constexpr float kFractions[] = {0.0f, 0.0f, 0.0f, 0.85f, 0.9f, 0.95f};  // 0.9f is below 0.9
@@ -94,13 +94,13 @@ class Session {
         }
     }
 
-    // Of the port's range what stays below Nyquist, a section's steep low-pass included.
+    // The highest frequency of the port whose filter, a steep low-pass too, stays below Nyquist.
     float top_frequency(bool section) const {
         const auto rate = static_cast<float>(product_.rate());
         return section ? std::min(15000.0f, 0.3f * rate) : std::min(20000.0f, 0.47f * rate);
     }
 
-    // Buffers as hosts lay them: of their own, in place, or in place and crossed.
+    // Gives the product buffers as hosts do: separate, in place, or in place and crossed.
     void run_product(const Audio& in, uint32_t n) {
         const size_t channels = in.size();
         buffers_ = in;
@@ -148,7 +148,7 @@ class Session {
     std::vector<float*> outputs_;
 };
 
-/// Each test runs once for every instruction set that Highway compiled and the processor has.
+/// Each test runs on every instruction set that Highway compiled and the processor has.
 class RunBits : public testing::TestWithParam<int64_t> {
   protected:
     void SetUp() override { hwy::SetSupportedTargetsForTest(GetParam()); }
@@ -173,7 +173,7 @@ TEST_P(RunBits, AreThoseOfThePlainEngine) {
     }
 }
 
-// After 3000 ticks no glide moves any more, and ticks are no longer worth their time.
+// After 3000 ticks no glide moves, and the product skips its ticks.
 TEST_P(RunBits, AreThoseOfThePlainEngineBeyondTheEndOfGlides) {
     for (int channels : {1, 2}) {
         Session session(channels, 48000.0, 99);
@@ -185,8 +185,8 @@ TEST_P(RunBits, AreThoseOfThePlainEngineBeyondTheEndOfGlides) {
     }
 }
 
-// Input at which the first stage or one in the middle leaves the numbers, so that some of the
-// stages start again at the next tick.
+// The input drives the first stage or one in the middle out of the finite numbers, so that stages
+// restart at the next tick.
 TEST_P(RunBits, AreThoseOfThePlainCascadeAfterBursts) {
     const auto process = [](int channels, float burst, uint32_t block) {
         PluginHost host(channels, 48000.0);
@@ -226,13 +226,13 @@ TEST_P(RunBits, AreThoseOfThePlainCascadeAfterBursts) {
     }
 }
 
-// What the tiny addends of the crossfades leave, shown by a signal that drowns the dither: a
-// high-pass holds all of it back but the share of the plain signal that `dry` has grown to; once it
-// ends, a low-pass that is long off still sounds with what `wet` has fallen to.
+// Shows the effect of the crossfades' tiny addends by a signal far above the dither. A high-pass
+// stops the signal but for the share that `dry` has grown to; once the signal ends, a low-pass that
+// is long off still sounds with the share that `wet` has fallen to.
 TEST_P(RunBits, AreThoseOfThePlainEngineWhereOnlyTheAddendsSound) {
     constexpr float kLoud = 1e15f;
     constexpr uint32_t kBlock = 8192;
-    constexpr int kFading = 2200 * 64 / kBlock;  // 0.98 a tick: 2200 ticks leave 1e-19
+    constexpr int kFading = 2200 * 64 / kBlock;  // 0.98 a tick leaves 1e-19 after 2200 ticks
     Session session(1, 48000.0, 0);
     for (uint32_t number = band_port(0); number < kTrimPort; number += kControlCount) {
         session.set_strip(number, {0.0f, 0.0f, 0.0f, 1000.0f, 1.0f});

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-#include "engine/eq_instance.h"
+#include "engine/lifecycle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,16 +7,16 @@
 #include <new>
 
 #include "engine/controls.h"
+#include "engine/eq_instance.h"
 
 namespace brindle {
 namespace {
 
-// Above this rate ticks come half as often by the sample.
-constexpr int32_t kFastRate = 60001;
+constexpr int32_t kFastRateHz = 60001;  // from here on, ticks are twice as many samples apart
 
 void set_rate(EqInstance& eq, double rate) {
     eq.sample_rate = static_cast<int32_t>(rate);
-    const bool fast = eq.sample_rate >= kFastRate;
+    const bool fast = eq.sample_rate >= kFastRateHz;
     eq.control_mask = fast ? 127 : 63;
     eq.meter_mask = fast ? 1023 : 511;
     // 10 dB per second in power.
@@ -51,7 +51,7 @@ EqInstance* create_instance(double rate, LV2_URID_Map* map) {
     eq->map = map;
     lv2_atom_forge_init(&eq->forge, map);
     eq->uris = map_urids(map, UridOrder::RequestsFirst);
-    // fmax takes the number where the other is none.
+    // fmax returns the number where the other argument is NaN.
     const double held =
         std::min(std::fmax(rate, 1.0), static_cast<double>(std::numeric_limits<int32_t>::max()));
     set_rate(*eq, held);
