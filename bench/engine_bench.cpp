@@ -279,7 +279,7 @@ void register_all() {
     const std::pair<const char*, float> levels[] = {{"silence", 0.0f}, {"denormals", 1e-39f}};
     for (const auto& [name, level] : levels) {
         add(std::string("after_") + name, {1024, 2, false},
-            [level](benchmark::State& state, Shape s) { after_silence(state, s, level); });
+            [level = level](benchmark::State& state, Shape s) { after_silence(state, s, level); });
     }
     benchmark::RegisterBenchmark("start", start);
 }

@@ -14,7 +14,6 @@ namespace brindle {
 namespace {
 
 constexpr float kPixelsPerUnit = 600.0f;
-constexpr float kPixelsPerM = 2.0f;
 
 int Brightness(Pixel p) {
     return p.red + p.green + p.blue;

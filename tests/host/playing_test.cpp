@@ -87,7 +87,7 @@ TEST(PinkNoise, HasItsLevelAndAsMuchPowerInEachOctave) {
     // Of white noise the first step would take three quarters away, and leave little to the others.
     const double whole = std::pow(10.0, all.level_db / 10.0);
     double previous = whole;
-    for (const size_t hop : {4, 16, 64, 256}) {
+    for (const size_t hop : {4U, 16U, 64U, 256U}) {
         const double power = std::pow(10.0, measure(samples, hop).level_db / 10.0);
         EXPECT_NEAR((previous - power) / whole, 2.0 / 15.0, 0.03) << hop;
         previous = power;
