@@ -12,6 +12,7 @@
 
 #include "contract/brindle.h"
 #include "editor/GLView_StripEqView.h"
+#include "editor/host_context.h"
 #include "editor/host_options.h"
 #include "editor/pugl_window.h"
 #include "gl/settings.h"
@@ -28,6 +29,7 @@ struct HostFeatures {
 
 /// Frees the tree with the GL context that its textures belong to, then that with its window.
 void FreeInstance(EditorInstance* instance) {
+    const HostContext hostContext;
     if (instance->puglView != nullptr) instance->puglView->MakeCurrent();
     delete std::exchange(instance->rootView, nullptr);
     delete instance->puglView;

@@ -6,12 +6,14 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <mutex>
 #include <thread>
 
 #include "editor/GLView_BaseView.h"
 #include "editor/contain.h"
 #include "editor/draw_mutex.h"
+#include "editor/host_context.h"
 #include "editor/x11_watch.h"
 
 namespace brindle {
@@ -20,6 +22,21 @@ namespace {
 constexpr auto kWaitStep = std::chrono::microseconds(500);
 constexpr int kWaitSteps = 2000;  // a second in all; the server answers within milliseconds
 constexpr int kButtons = 3;       // those above are wheels, or a mouse's side buttons
+
+/// Has frames shown without waiting for the screen, which would hold up the host. The context must
+/// be current, in `window`.
+void SwapAtOnce(Display* display, Window window) {
+    const char* extensions = glXQueryExtensionsString(display, DefaultScreen(display));
+    const auto function = [extensions](const char* extension, const char* name) {
+        const bool has = extensions != nullptr && std::strstr(extensions, extension) != nullptr;
+        return has ? glXGetProcAddressARB(reinterpret_cast<const GLubyte*>(name)) : nullptr;
+    };
+    if (auto* forWindow = function("GLX_EXT_swap_control", "glXSwapIntervalEXT")) {
+        reinterpret_cast<PFNGLXSWAPINTERVALEXTPROC>(forWindow)(display, window, 0);
+    } else if (auto* forContext = function("GLX_MESA_swap_control", "glXSwapIntervalMESA")) {
+        reinterpret_cast<PFNGLXSWAPINTERVALMESAPROC>(forContext)(0);
+    }
+}
 
 }  // namespace
 
@@ -51,15 +68,17 @@ struct PuglWindow::Impl {
                      (modifiers & 8u) != 0 ? " Super" : "");
     }
 
-    /// The only place where Pugl lets see its connection and context: they are current here.
+    /// The only place where Pugl lets see its connection and context: they are current here, unless
+    /// the driver has failed.
     static void OnFirstReshape(PuglView* view, int, int) {
         Impl& impl = Of(view);
-        if (impl.watch == nullptr) {
+        const auto window = static_cast<Window>(puglGetNativeWindow(view));
+        if (impl.watch == nullptr && glXGetCurrentDrawable() == window) {
             impl.display = glXGetCurrentDisplay();
             impl.context = glXGetCurrentContext();
+            SwapAtOnce(impl.display, window);
             Contain([&] {
-                impl.watch = std::make_unique<X11Watch>(
-                    impl.display, static_cast<Window>(puglGetNativeWindow(view)), impl.parent);
+                impl.watch = std::make_unique<X11Watch>(impl.display, window, impl.parent);
             });
         }
     }
@@ -121,6 +140,7 @@ PuglWindow::PuglWindow() : impl_(std::make_unique<Impl>()) {}
 
 std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* title, int width,
                                                int height) {
+    const HostContext hostContext;
     if (!CanOpenWindow(parent)) return nullptr;
     std::unique_ptr<PuglWindow> window(new PuglWindow);
     PuglView* view = puglCreate(static_cast<PuglNativeWindow>(parent), title, width, height, true);
@@ -166,6 +186,7 @@ uintptr_t PuglWindow::GetNativeWindow() const {
 }
 
 void PuglWindow::ProcessEvents() {
+    const HostContext hostContext;
     impl_->watch->ReadAhead();
     if (impl_->watch->IsGone()) return;
     impl_->watch->FollowParent();

@@ -12,15 +12,16 @@ class GLView_BaseView;
 /// packaged version lacks for a plugin editor: the time of an event, the position of a scroll,
 /// following a parent's size, and surviving a display that is missing or a parent that goes first.
 ///
-/// All members are for the UI thread. Several windows in a process are independent.
+/// All members are for the UI thread and leave the host's GL context current, `MakeCurrent` and the
+/// destructor aside. Several windows in a process are independent.
 class PuglWindow {
   public:
     /// Makes and maps a window of the given size in `parent`, or a top-level window where that is
     /// 0, and returns when the X server has it, so that a host can use its id at once. Null where
-    /// there is no display with OpenGL, or no such parent. Draws nothing yet.
+    /// there is no display with direct OpenGL, or no such parent. Draws nothing yet.
     static std::unique_ptr<PuglWindow> Create(uintptr_t parent, const char* title, int width,
                                               int height);
-    /// Leaves no GL context current that was this window's. The parent may be gone already.
+    /// Leaves no GL context current. The parent may be gone already. Keep a `HostContext` around it.
     ~PuglWindow();
     PuglWindow(const PuglWindow&) = delete;
     PuglWindow& operator=(const PuglWindow&) = delete;
@@ -36,8 +37,8 @@ class PuglWindow {
     /// Asks for a frame at the end of the next `ProcessEvents`.
     void PostRedisplay();
 
-    /// Makes the window's GL context current, for work outside of `display`. False where the window
-    /// has gone; no context is current then.
+    /// Makes the window's GL context current, for work outside of a frame. False where the window
+    /// has gone; no context is current then. Keep a `HostContext` around that work.
     bool MakeCurrent();
 
   private:

@@ -22,6 +22,8 @@ constexpr std::array kEvents = {KeyPress,      KeyRelease,    ButtonPress,
 constexpr std::array kLostDrawableErrors = {2 /* drawable */, 5 /* current window */,
                                             11 /* current drawable */, 12 /* window */};
 
+constexpr int kLastError = 255;
+
 /// Marks the connection's private data as a watch's; the watch itself belongs to someone else.
 int KeepWatch(XExtData*) {
     return 0;
@@ -171,12 +173,15 @@ void X11Watch::FollowParent() {
 }
 
 bool CanOpenWindow(Window parent) {
-    const std::unique_ptr<Display, CloseDisplay> display(XOpenDisplay(nullptr));
+    const std::unique_ptr<Display, CloseDisplay> owner(XOpenDisplay(nullptr));
+    Display* display = owner.get();
+    if (display == nullptr) return false;
+    for (int error = Success + 1; error <= kLastError; ++error) {
+        XESetWireToError(display, error, IgnoreError);
+    }
     int firstError = 0;
     int firstEvent = 0;
-    if (display == nullptr || glXQueryExtension(display.get(), &firstError, &firstEvent) == False) {
-        return false;
-    }
+    if (glXQueryExtension(display, &firstError, &firstEvent) == False) return false;
     // The visual that Pugl asks for, and the one that it is content with.
     std::array<int, 12> wanted = {GLX_RGBA,
                                   GLX_DOUBLEBUFFER,
@@ -192,15 +197,19 @@ bool CanOpenWindow(Window parent) {
                                   0};
     std::array<int, 12> enough = {
         GLX_RGBA, GLX_RED_SIZE, 4, GLX_GREEN_SIZE, 4, GLX_BLUE_SIZE, 4, GLX_DEPTH_SIZE, 16, 0};
-    const int screen = DefaultScreen(display.get());
-    XVisualInfo* visual = glXChooseVisual(display.get(), screen, wanted.data());
-    if (visual == nullptr) visual = glXChooseVisual(display.get(), screen, enough.data());
+    const int screen = DefaultScreen(display);
+    XVisualInfo* visual = glXChooseVisual(display, screen, wanted.data());
+    if (visual == nullptr) visual = glXChooseVisual(display, screen, enough.data());
     if (visual == nullptr) return false;
+    // Where the driver cannot be loaded, the context is one that the server draws with, and many
+    // servers refuse.
+    GLXContext context = glXCreateContext(display, visual, nullptr, True);
     XFree(visual);
-    XESetWireToError(display.get(), BadWindow, IgnoreError);
-    XESetWireToError(display.get(), BadDrawable, IgnoreError);
+    if (context == nullptr) return false;
+    const bool direct = glXIsDirect(display, context) != False;
+    glXDestroyContext(display, context);
     XWindowAttributes attributes{};
-    return parent == 0 || XGetWindowAttributes(display.get(), parent, &attributes) != 0;
+    return direct && (parent == 0 || XGetWindowAttributes(display, parent, &attributes) != 0);
 }
 
 }  // namespace brindle

@@ -60,8 +60,8 @@ class X11Watch {
     uint32_t lastTime_ms_ = 0;
 };
 
-/// Whether Pugl can make a window there: a display with OpenGL, and the parent (0: none needed)
-/// exists. Pugl itself does not survive where this is false.
+/// Whether Pugl can make a window there: a display with direct OpenGL, and the parent (0: none
+/// needed) exists. Pugl itself does not survive where this is false.
 bool CanOpenWindow(Window parent);
 
 }  // namespace brindle

@@ -6,7 +6,9 @@
 
 #include <fstream>
 #include <memory>
+#include <tuple>
 
+#include "tests/support/gl_context.h"
 #include "tests/support/ui_host.h"
 
 namespace brindle {
@@ -14,7 +16,6 @@ namespace {
 
 using test::BuiltEditor;
 using test::UiHost;
-using test::UiWrite;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -161,7 +162,7 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
     EXPECT_THAT(host.resizes, ElementsAre(Pair(1000, 600)));
 
     host.hasParent = true;
-    const std::string display = std::getenv("DISPLAY");
+    const std::string display = XDisplayName(nullptr);
     setenv("DISPLAY", ":765", 1);
     EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err, testing::StartsWith("error: "));
     setenv("DISPLAY", display.c_str(), 1);
@@ -172,6 +173,79 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
     orphan.window.Destroy();
     EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(orphan.Open()); }).err,
                 testing::StartsWith("error: "));
+}
+
+/// All that tells which GL context is current.
+auto CurrentContext() {
+    return std::tuple(glXGetCurrentDisplay(), glXGetCurrentDrawable(), glXGetCurrentReadDrawable(),
+                      glXGetCurrentContext(), eglGetCurrentContext());
+}
+
+/// A context that a host keeps current by GLX, in a window of its own.
+struct GlxContext {
+    Display* display = XOpenDisplay(nullptr);
+
+    GlxContext() {
+        int wanted[] = {GLX_RGBA, GLX_DOUBLEBUFFER, 0};
+        XVisualInfo* visual = glXChooseVisual(display, DefaultScreen(display), wanted);
+        const Window root = DefaultRootWindow(display);
+        XSetWindowAttributes attributes{};
+        attributes.colormap = XCreateColormap(display, root, visual->visual, AllocNone);
+        const Window window = XCreateWindow(display, root, 0, 0, 10, 10, 0, visual->depth,
+                                            InputOutput, visual->visual, CWColormap, &attributes);
+        GLXContext context = glXCreateContext(display, visual, nullptr, True);
+        XFree(visual);
+        glXMakeCurrent(display, window, context);
+    }
+    ~GlxContext() {
+        GLXContext context = glXGetCurrentContext();
+        glXMakeCurrent(display, None, nullptr);
+        glXDestroyContext(display, context);
+        XCloseDisplay(display);
+    }
+};
+
+TEST(Editor, LeavesTheHostsGlContextCurrent) {
+    const auto use = [](const char* kind) {
+        SCOPED_TRACE(kind);
+        const auto before = CurrentContext();
+        UiHost host(BuiltEditor());
+        host.hasParent = false;
+        EXPECT_FALSE(host.Open());
+        EXPECT_EQ(CurrentContext(), before) << "refused";
+        host.hasParent = true;
+        ASSERT_TRUE(host.Open());
+        EXPECT_EQ(CurrentContext(), before) << "opened";
+        host.Report(band_port(0) + kGain, 6.0f);
+        host.IdleTimes(2);
+        EXPECT_EQ(CurrentContext(), before) << "drawn";
+        EXPECT_NE(host.GetPixel(20, 20), 0u);
+        host.Close();
+        EXPECT_EQ(CurrentContext(), before) << "closed";
+    };
+    use("no context");
+    {
+        const GlxContext current;
+        use("GLX");
+    }
+    const GLContext current(8, 8);
+    use("EGL");
+}
+
+TEST(Editor, RefusesABrokenDriver) {
+    UiHost host(BuiltEditor());
+    for (const auto& [name, value] : {std::pair("LIBGL_ALWAYS_INDIRECT", "1"),
+                                      std::pair("LIBGL_DRIVERS_PATH", "/nonexistent")}) {
+        SCOPED_TRACE(name);
+        setenv(name, value, 1);
+        EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err,
+                    testing::EndsWith("error: No window with OpenGL can be opened.\n"));
+        unsetenv(name);
+    }
+    setenv("MESA_GL_VERSION_OVERRIDE", "1.4", 1);  // all that is asked for is there all the same
+    EXPECT_TRUE(host.Open());
+    host.IdleTimes(3);
+    unsetenv("MESA_GL_VERSION_OVERRIDE");
 }
 
 TEST(Editor, TellsKeysOnStandardError) {

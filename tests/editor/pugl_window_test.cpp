@@ -3,12 +3,61 @@
 // the tests of the root view and of the editor.
 #include "editor/pugl_window.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <new>
+#include <string>
 
 #include "editor/GLView_BaseView.h"
 #include "tests/support/host_window.h"
+
+namespace {
+
+/// A GL whose swaps wait for the screen until they are told not to, by the one extension that it
+/// offers. Null: the GL that is there.
+const char* offeredExtension = nullptr;
+int swapInterval = 1;
+int swaps = 0;
+int waits = 0;
+
+void SetIntervalOf(Display*, GLXDrawable drawable, int interval) {
+    if (drawable == glXGetCurrentDrawable()) swapInterval = interval;
+}
+
+int SetInterval(unsigned interval) {
+    swapInterval = static_cast<int>(interval);
+    return 0;
+}
+
+}  // namespace
+
+#pragma GCC visibility push(default)
+extern "C" {
+void glXSwapBuffers(Display* display, GLXDrawable drawable) {
+    static const auto real =
+        reinterpret_cast<decltype(&glXSwapBuffers)>(dlsym(RTLD_NEXT, "glXSwapBuffers"));
+    ++swaps;
+    if (swapInterval > 0) ++waits;
+    real(display, drawable);
+}
+
+const char* glXQueryExtensionsString(Display* display, int screen) {
+    static const auto real = reinterpret_cast<decltype(&glXQueryExtensionsString)>(
+        dlsym(RTLD_NEXT, "glXQueryExtensionsString"));
+    return offeredExtension != nullptr ? offeredExtension : real(display, screen);
+}
+
+__GLXextFuncPtr glXGetProcAddressARB(const GLubyte* name) {
+    static const auto real =
+        reinterpret_cast<decltype(&glXGetProcAddressARB)>(dlsym(RTLD_NEXT, "glXGetProcAddressARB"));
+    const std::string wanted = reinterpret_cast<const char*>(name);
+    if (wanted == "glXSwapIntervalEXT") return reinterpret_cast<__GLXextFuncPtr>(SetIntervalOf);
+    if (wanted == "glXSwapIntervalMESA") return reinterpret_cast<__GLXextFuncPtr>(SetInterval);
+    return real(name);
+}
+}
+#pragma GCC visibility pop
 
 namespace brindle {
 namespace {
@@ -70,6 +119,29 @@ TEST_F(Frames, LetNoExceptionThrough) {
     root.throws = true;
     EXPECT_TRUE(DrawFrame());
     EXPECT_TRUE(DrawFrame());
+}
+
+TEST(Swaps, DoNotWaitForTheScreen) {
+    for (const char* extension : {"GLX_EXT_swap_control", "GLX_MESA_swap_control"}) {
+        SCOPED_TRACE(extension);
+        offeredExtension = extension;
+        swapInterval = 1;
+        HostWindow host;
+        host.Sync();
+        const auto window = PuglWindow::Create(host.GetId(), "Swaps", 1000, 600);
+        swaps = waits = 0;
+        Root root(host);
+        window->SetRoot(root);
+        EXPECT_TRUE(WaitFor([&] { return root.count > 2; },
+                            [&] {
+                                window->PostRedisplay();
+                                window->ProcessEvents();
+                            }));
+        EXPECT_GT(swaps, 0);
+        EXPECT_EQ(waits, 0);
+        window->MakeCurrent();
+    }
+    offeredExtension = nullptr;
 }
 
 }  // namespace
