@@ -192,6 +192,7 @@ void PuglWindow::ProcessEvents() {
     impl_->watch->FollowParent();
     impl_->ReportSize();
     puglProcessEvents(impl_->view);
+    impl_->watch->PassKeysOn();
 }
 
 void PuglWindow::PostRedisplay() {

@@ -21,7 +21,8 @@ class PuglWindow {
     /// there is no display with direct OpenGL, or no such parent. Draws nothing yet.
     static std::unique_ptr<PuglWindow> Create(uintptr_t parent, const char* title, int width,
                                               int height);
-    /// Leaves no GL context current. The parent may be gone already. Keep a `HostContext` around it.
+    /// Leaves no GL context current. The parent may be gone already. Keep a `HostContext` around
+    /// it.
     ~PuglWindow();
     PuglWindow(const PuglWindow&) = delete;
     PuglWindow& operator=(const PuglWindow&) = delete;
@@ -31,8 +32,8 @@ class PuglWindow {
     void SetRoot(GLView_BaseView& root);
     /// The X window. Valid until the parent, or this, is destroyed.
     uintptr_t GetNativeWindow() const;
-    /// Dispatches all that has happened, then draws if that was asked for. Does nothing once the
-    /// window has gone with its parent.
+    /// Dispatches all that has happened, then draws if that was asked for. Keys go on to the parent
+    /// window. Does nothing once the window has gone with its parent.
     void ProcessEvents();
     /// Asks for a frame at the end of the next `ProcessEvents`.
     void PostRedisplay();

@@ -113,6 +113,7 @@ void X11Watch::Record(const XEvent& event) {
         case KeyPress:
         case KeyRelease:
             inputs_.push_back({event.type, static_cast<uint32_t>(event.xkey.time)});
+            if (parent_ != 0 && event.xkey.send_event == False) keys_.push_back(event.xkey);
             break;
         case ButtonPress:
         case ButtonRelease:
@@ -161,6 +162,19 @@ uint32_t X11Watch::PopTime(int type) {
         if (input.type == type) break;
     }
     return lastTime_ms_;
+}
+
+void X11Watch::PassKeysOn() {
+    for (const XKeyEvent& key : keys_) {
+        XEvent event{};
+        event.xkey = key;
+        event.xkey.window = parent_;
+        event.xkey.subwindow = window_;
+        // Without a mask it goes to the program that made the parent, whatever that listens to.
+        XSendEvent(display_, parent_, False, NoEventMask, &event);
+    }
+    if (!keys_.empty()) XFlush(display_);
+    keys_.clear();
 }
 
 void X11Watch::FollowParent() {

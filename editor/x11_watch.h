@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <vector>
 
 namespace brindle {
 
@@ -31,6 +32,9 @@ class X11Watch {
     /// KeyRelease), in ms of the X server's clock, forgetting those before it. Where there is none:
     /// the last one's time again.
     uint32_t PopTime(int type);
+    /// Sends the keys that the window got on to its parent, as a window does that does not use
+    /// them. Those that were sent themselves stay here, so that none goes round in circles.
+    void PassKeysOn();
     /// The window has been destroyed, with its parent as a rule.
     bool IsGone() const { return gone_; }
     WindowSize GetSize() const { return size_; }
@@ -57,6 +61,7 @@ class X11Watch {
     bool hostSizesWindow_ = false;
     std::deque<WindowSize> requested_;  ///< sizes asked for that have not come yet
     std::deque<InputTime> inputs_;
+    std::vector<XKeyEvent> keys_;
     uint32_t lastTime_ms_ = 0;
 };
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 // The editor of the built bundle, opened as hosts open it.
+#include <X11/XF86keysym.h>
 #include <gmock/gmock.h>
 #include <lv2/parameters/parameters.h>
 #include <malloc.h>
@@ -248,21 +249,44 @@ TEST(Editor, RefusesABrokenDriver) {
     unsetenv("MESA_GL_VERSION_OVERRIDE");
 }
 
-TEST(Editor, TellsKeysOnStandardError) {
+TEST(Editor, TellsKeysOnStandardErrorAndPassesThemOn) {
     UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     host.IdleTimes(3);
     host.window.MovePointer(20, 20);
-    const Printed printed = PrintedBy([&] {
-        host.window.Key(XK_q, true);
-        host.window.Key(XK_q, false);
-        host.window.Key(XK_Control_L, true);
-        host.window.Key(XK_F5, true);
-        host.window.Key(XK_F5, false);
-        host.window.Key(XK_Control_L, false);
+    std::vector<std::pair<KeySym, bool>> keys = {{XK_q, true},         {XK_q, false},
+                                                 {XK_Control_L, true}, {XK_F5, true},
+                                                 {XK_F5, false},       {XK_Control_L, false}};
+    std::vector<XKeyEvent> passed;
+    const auto type = [&] {
+        for (const auto& [symbol, press] : keys) host.window.Key(symbol, press);
         host.IdleTimes(3);
         std::fflush(stdout);
-    });
+        passed = host.window.TakeKeys();
+    };
+    const auto expectPassed = [&] {
+        ASSERT_EQ(passed.size(), keys.size());
+        for (size_t i = 0; i < keys.size(); ++i) {
+            const auto& [symbol, press] = keys[i];
+            SCOPED_TRACE(i);
+            EXPECT_EQ(passed[i].type, press ? KeyPress : KeyRelease);
+            EXPECT_EQ(passed[i].keycode, host.window.KeyCode(symbol));
+            EXPECT_EQ(passed[i].state, i > 2 ? unsigned{ControlMask} : 0u);
+            EXPECT_GE(passed[i].time, i == 0 ? 1 : passed[i - 1].time);
+        }
+    };
+    const Printed printed = PrintedBy(type);
+    expectPassed();
+    // The host has put the focus on the editor, and there is a key that Pugl does not know.
+    host.window.MovePointer(-10, -10);
+    host.window.Focus(host.child);
+    keys.insert(keys.end() - 1, {{XF86XK_AudioPlay, true}, {XF86XK_AudioPlay, false}});
+    type();
+    expectPassed();
+    host.window.SendKey(host.child, passed.at(0));
+    host.IdleTimes(3);
+    EXPECT_THAT(host.window.TakeKeys(), IsEmpty()) << "what was sent comes back";
+
     EXPECT_EQ(printed.err,
               "Key q down Modifiers:\n"
               "Key q up Modifiers:\n"

@@ -88,10 +88,35 @@ class HostWindow {
         Press(button);
         Release(button);
     }
+    unsigned KeyCode(KeySym symbol) { return XKeysymToKeycode(display, symbol); }
     void Key(KeySym symbol, bool press) {
-        XTestFakeKeyEvent(display, XKeysymToKeycode(display, symbol), press ? True : False,
-                          CurrentTime);
+        XTestFakeKeyEvent(display, KeyCode(symbol), press ? True : False, CurrentTime);
         Sync();
+    }
+    /// Has keys go to a window, wherever the pointer is.
+    void Focus(uintptr_t window) {
+        XSetInputFocus(display, window, RevertToPointerRoot, CurrentTime);
+        Sync();
+    }
+    /// Sends a window a key event of its own making, which says so.
+    void SendKey(uintptr_t window, XKeyEvent key) {
+        XEvent event{};
+        event.xkey = key;
+        event.xkey.window = window;
+        XSendEvent(display, window, False, KeyPressMask, &event);
+        Sync();
+    }
+    /// The keys that the host's window has got since the last call.
+    std::vector<XKeyEvent> TakeKeys() {
+        Sync();
+        std::vector<XKeyEvent> keys;
+        while (XPending(display) > 0) {
+            XEvent event{};
+            XNextEvent(display, &event);
+            const bool isKey = event.type == KeyPress || event.type == KeyRelease;
+            if (isKey && event.xkey.window == id) keys.push_back(event.xkey);
+        }
+        return keys;
     }
     /// A press of button 1 that carries the given time, in ms, sent straight to a window.
     void SendPress(uintptr_t window, int x, int y, uint32_t time) {
