@@ -17,6 +17,8 @@ brindle_pack(CHANGELOG.md changelog.gz)
 brindle_pack(packaging/brindle.1 brindle.1.gz)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/copyright ${PROJECT_BINARY_DIR}/changelog.gz
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/brindle.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME brindle)
 install(FILES ${PROJECT_BINARY_DIR}/brindle.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 set(CPACK_GENERATOR DEB)

@@ -21,28 +21,34 @@ using SndfilePtr = std::unique_ptr<SNDFILE, SndfileClose>;
 /// Reads a sound file in any format that libsndfile knows.
 class AudioReader {
   public:
-    /// Throws UserError if the file cannot be read.
-    explicit AudioReader(std::string path);
+    /// "-" is standard input. Throws UserError if the file cannot be read.
+    explicit AudioReader(const std::string& path);
 
     /// Channels, rate, frames and format.
     [[nodiscard]] const SF_INFO& info() const { return info_; }
     /// Reads up to `frames` interleaved frames and returns their number, 0 at the end. Full scale
     /// is 1. Throws UserError if the file is damaged.
     size_t read(float* samples, size_t frames);
+    /// A WAV file whose data end before its header says.
+    [[nodiscard]] bool is_cut_short() const;
 
   private:
     friend class AudioWriter;
-    std::string path_;
+    std::string name_;  ///< for messages
     SF_INFO info_ = {};
     SndfilePtr file_;
 };
 
+/// The format in which `target` holds the sound of a source with its rate and channels. The ending
+/// chooses the container, a stream has the source's. A container that cannot hold the source's
+/// sample format gets the nearest better one. Throws UserError, which names the endings that work.
+SF_INFO output_format(const std::string& target, const SF_INFO& source);
+
 /// Writes a sound file in the format of another.
 class AudioWriter {
   public:
-    /// Keeps the rate, channels, sample format and tags of `source`. The target's extension (.wav,
-    /// .flac, .ogg) chooses the container; one that cannot hold the sample format stores its best.
-    /// Throws UserError if nothing can be written.
+    /// Writes output_format() and keeps the tags of `source`. Throws UserError if nothing can be
+    /// written.
     AudioWriter(OutputFile& output, const AudioReader& source);
 
     /// Appends interleaved frames. Integer samples are rounded to the nearest and clipped at full
@@ -51,7 +57,7 @@ class AudioWriter {
     /// Completes the file. Throws UserError on failure.
     void close();
 
-    /// Samples beyond full scale so far, in a format that cannot hold them.
+    /// Samples beyond full scale so far, by more than dither, in a format that cannot hold them.
     [[nodiscard]] int64_t clipped() const { return clipped_; }
     /// Largest absolute sample so far.
     [[nodiscard]] float peak() const { return peak_; }

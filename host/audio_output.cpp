@@ -22,7 +22,9 @@ class Device : public AudioOutput {
     /// Throws RtAudioError if there is no device or it refuses.
     Device(RtAudio::Api api, LivePlugin& plugin, double rate_hz) : audio_(api) {
         audio_.showWarnings(false);
-        if (audio_.getDeviceCount() == 0) throw RtAudioError("none found");
+        if (audio_.getDeviceCount() == 0) {
+            throw RtAudioError("none found", RtAudioError::NO_DEVICES_FOUND);
+        }
         RtAudio::StreamParameters output;
         output.deviceId = audio_.getDefaultOutputDevice();
         output.nChannels = LivePlugin::kOutputs;
@@ -74,15 +76,16 @@ class SilentClock : public AudioOutput {
     std::jthread thread_;
 };
 
-/// Tries each sound system in turn: one may refuse a rate that another accepts.
-std::unique_ptr<AudioOutput> start_device(LivePlugin& plugin, double rate_hz) {
+/// Tries each sound system in turn: one may refuse a rate that another accepts. Null if none plays;
+/// then `found` tells whether there is a device.
+std::unique_ptr<AudioOutput> start_device(LivePlugin& plugin, double rate_hz, bool& found) {
     std::vector<RtAudio::Api> apis;
     RtAudio::getCompiledApi(apis);
     for (const RtAudio::Api api : apis) {
         try {
             return std::make_unique<Device>(api, plugin, rate_hz);
-        } catch (const RtAudioError&) {
-            continue;
+        } catch (const RtAudioError& error) {
+            found = found || error.getType() != RtAudioError::NO_DEVICES_FOUND;
         }
     }
     return nullptr;
@@ -92,10 +95,13 @@ std::unique_ptr<AudioOutput> start_device(LivePlugin& plugin, double rate_hz) {
 
 std::unique_ptr<AudioOutput> start_audio(LivePlugin& plugin, double rate_hz, bool silent) {
     if (silent) return std::make_unique<SilentClock>(plugin, rate_hz, "without a sound device");
-    if (auto device = start_device(plugin, rate_hz)) return device;
+    bool found = false;
+    if (auto device = start_device(plugin, rate_hz, found)) return device;
     const auto rate = std::to_string(std::lround(rate_hz));
-    return std::make_unique<SilentClock>(plugin, rate_hz,
-                                         "in silence, as no sound device takes " + rate + " Hz");
+    return std::make_unique<SilentClock>(
+        plugin, rate_hz,
+        "in silence, as " +
+            (found ? "no sound device takes " + rate + " Hz" : "there is no sound device"));
 }
 
 }  // namespace brindle

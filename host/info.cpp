@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: ISC
-#include "host/info.h"
-
-#include <cstdio>
 #include <map>
 #include <string>
 
 #include "contract/brindle.h"
+#include "host/bundle.h"
+#include "host/command.h"
+#include "host/console.h"
 #include "host/settings.h"
 
 namespace brindle {
@@ -20,30 +20,35 @@ std::string list(const std::vector<ControlInfo::Choice>& choices) {
     return text;
 }
 
-}  // namespace
-
 void print_info(const Bundle& bundle) {
-    std::printf("%s  %s\n", kMonoUri, bundle.plugin_name(1).c_str());
-    std::printf("%s  %s\n", kStereoUri, bundle.plugin_name(2).c_str());
-    std::printf("in %s\n\nControls:\n", bundle.path().c_str());
-    std::printf("  port  %-12s  %7s  %7s  %7s  %-4s  %s\n", "symbol", "from", "to", "default",
-                "unit", "name");
+    say("%s  %s\n", kMonoUri, bundle.plugin_name(1).c_str());
+    say("%s  %s\n", kStereoUri, bundle.plugin_name(2).c_str());
+    say("in %s\n\nControls:\n", bundle.path().c_str());
+    say("  port  %-12s  %7s  %7s  %7s  %-4s  %s\n", "symbol", "from", "to", "default", "unit",
+        "name");
     std::map<std::string, std::string> symbols_by_choices;
     for (const ControlInfo& control : bundle.controls()) {
-        std::printf("  %4u  %-12s  %7s  %7s  %7s  %-4s  %s\n", control.index,
-                    control.symbol.c_str(), short_number(control.minimum).c_str(),
-                    short_number(control.maximum).c_str(), short_number(control.normal).c_str(),
-                    control.unit.c_str(), control.name.c_str());
+        say("  %4u  %-12s  %7s  %7s  %7s  %-4s  %s\n", control.index, control.symbol.c_str(),
+            short_number(control.minimum).c_str(), short_number(control.maximum).c_str(),
+            short_number(control.normal).c_str(), control.unit.c_str(), control.name.c_str());
         if (control.choices.empty()) continue;
         std::string& symbols = symbols_by_choices[list(control.choices)];
         symbols += (symbols.empty() ? "" : ", ") + control.symbol;
     }
-    std::printf("\nValues by name:\n");
+    say("\nValues by name:\n");
     for (const auto& [choices, symbols] : symbols_by_choices) {
-        std::printf("  %s:\n      %s\n", symbols.c_str(), choices.c_str());
+        say("  %s:\n      %s\n", symbols.c_str(), choices.c_str());
     }
-    std::printf("\nPresets:\n");
-    for (const std::string& name : bundle.preset_names()) std::printf("  %s\n", name.c_str());
+    say("\nPresets:\n");
+    for (const std::string& name : bundle.preset_names()) say("  %s\n", name.c_str());
+}
+
+}  // namespace
+
+void add_info(CLI::App& program, const ProgramOptions& options) {
+    program.add_subcommand("info", "List controls and presets")->callback([&options] {
+        print_info(Bundle(options.bundle));
+    });
 }
 
 }  // namespace brindle

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "host/console.h"
+
 namespace brindle {
 namespace {
 
@@ -15,12 +17,12 @@ constexpr int64_t kBarWidth = 40;
 }  // namespace
 
 Progress::Progress(std::string label, int64_t total)
-    : label_(std::move(label)), total_(total), shown_(total > 0 && isatty(STDERR_FILENO) == 1) {
+    : label_(std::move(label)), total_(total), shown_(total > 0 && isatty(standard_error()) == 1) {
     advance_to(0);
 }
 
 Progress::~Progress() {
-    if (shown_) std::fputs("\r\033[K", stderr);
+    if (shown_) dprintf(standard_error(), "\r\033[K");
 }
 
 void Progress::advance_to(int64_t done) {
@@ -29,9 +31,8 @@ void Progress::advance_to(int64_t done) {
     if (percent == std::exchange(percent_, percent)) return;
     std::string bar(static_cast<size_t>(kBarWidth * percent / 100), '#');
     bar.resize(kBarWidth, '.');
-    std::fprintf(stderr, "\r%s [%s] %3d %%", label_.c_str(), bar.c_str(),
-                 static_cast<int>(percent));
-    std::fflush(stderr);
+    dprintf(standard_error(), "\r%s [%s] %3d %%", label_.c_str(), bar.c_str(),
+            static_cast<int>(percent));
 }
 
 }  // namespace brindle

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: ISC
-#include "host/response.h"
-
 #include <strings.h>
 
 #include <array>
@@ -8,11 +6,15 @@
 #include <cstdio>
 #include <filesystem>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "contract/brindle.h"
+#include "host/bundle.h"
+#include "host/command.h"
+#include "host/console.h"
 #include "host/drawn_curve.h"
 #include "host/measurement.h"
 #include "host/output_file.h"
@@ -21,6 +23,14 @@
 
 namespace brindle {
 namespace {
+
+struct ResponseRequest {
+    std::string output;
+    Settings settings;
+    int rate_hz = 48000;
+    bool phase = false;  ///< a plot gets a panel with phase and group delay
+    bool drawn = false;  ///< table and plot get the curve that the editor draws
+};
 
 /// What a writer may tell.
 struct Result {
@@ -112,6 +122,7 @@ void write_svg(OutputFile& output, const Result& result) {
 using Writer = void (*)(OutputFile&, const Result&);
 
 Writer writer_for(const std::string& path) {
+    if (OutputFile::is_stream(path)) return write_table;
     constexpr std::pair<const char*, Writer> kWriters[] = {
         {".csv", write_table}, {".txt", write_plain}, {".png", write_png}, {".svg", write_svg}};
     const std::string extension = std::filesystem::path(path).extension();
@@ -150,12 +161,11 @@ std::string largest_difference(const Result& result, double trim_db) {
     return formatted("drawn less measured: at most %+.2f dB, at %.0f Hz", largest_db, at_hz);
 }
 
-}  // namespace
-
-void response(Bundle& bundle, const ResponseRequest& request) {
+void response(const ProgramOptions& options, const ResponseRequest& request) {
+    Bundle bundle(options.bundle);
     const ControlValues values = request.settings.resolve(bundle);
     const Writer write = writer_for(request.output);
-    OutputFile output(request.output);
+    OutputFile output(request.output, options.existing());
     Plugin plugin(bundle, 1, request.rate_hz, 1024);
     plugin.set(values);
     Result result = {measure_response(plugin),
@@ -172,7 +182,27 @@ void response(Bundle& bundle, const ResponseRequest& request) {
     }
     write(output, result);
     output.commit();
-    std::printf("Wrote %s%s.\n", request.output.c_str(), summary.c_str());
+    if (request.output == OutputFile::kStream) return;
+    say("Wrote %s%s.\n", request.output.c_str(), summary.c_str());
+}
+
+}  // namespace
+
+void add_response(CLI::App& program, const ProgramOptions& options) {
+    CLI::App* command =
+        program.add_subcommand("response", "Measure the response, as table or plot");
+    const auto request = std::make_shared<ResponseRequest>();
+    command
+        ->add_option("OUT", request->output,
+                     "File to write: .csv, .txt, .png or .svg, or - for a table on standard output")
+        ->required();
+    add_settings(*command, request->settings);
+    command->add_flag("--phase", request->phase, "Plot phase and group delay too");
+    command->add_flag("--drawn", request->drawn, "Add the curve that the editor draws");
+    command->add_option("--rate", request->rate_hz, "Sample rate [Hz]")
+        ->check(CLI::Range(8000, 768000))
+        ->capture_default_str();
+    command->callback([request, &options] { response(options, *request); });
 }
 
 }  // namespace brindle

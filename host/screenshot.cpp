@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: ISC
-#include "host/screenshot.h"
-
 #include <strings.h>
 
 #include <charconv>
-#include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <vector>
 
+#include "host/bundle.h"
 #include "host/cairo_output.h"
+#include "host/command.h"
 #include "host/editor.h"
 #include "host/interrupt.h"
 #include "host/live_plugin.h"
@@ -22,6 +22,12 @@
 
 namespace brindle {
 namespace {
+
+struct ScreenshotRequest {
+    std::string output;
+    Settings settings;
+    std::string size = "1000x600";  ///< WIDTHxHEIGHT, pixels
+};
 
 constexpr PixelSize kSmallest = {500, 300};
 constexpr PixelSize kLargest = {7680, 4320};
@@ -82,22 +88,35 @@ void write_png(OutputFile& output, std::vector<uint32_t>& pixels, PixelSize size
     cairo_surface_write_to_png_stream(surface.get(), write_to_output, &output);
 }
 
-}  // namespace
-
-void screenshot(Bundle& bundle, const ScreenshotRequest& request) {
+void screenshot(const ProgramOptions& options, const ScreenshotRequest& request) {
+    Bundle bundle(options.bundle);
     const std::string extension = std::filesystem::path(request.output).extension();
-    if (strcasecmp(extension.c_str(), ".png") != 0) {
+    if (!OutputFile::is_stream(request.output) && strcasecmp(extension.c_str(), ".png") != 0) {
         throw UserError("cannot write " + request.output + ": its name has to end in .png.");
     }
     const PixelSize size = size_in(request.size);
     const ControlValues values = request.settings.resolve(bundle);
-    OutputFile output(request.output);
+    OutputFile output(request.output, options.existing());
     std::optional<VirtualDisplay> display;
     if (!TopWindow::has_room(size)) display.emplace(size.width, size.height);
     std::vector<uint32_t> pixels = picture_of_editor(bundle, values, size);
     write_png(output, pixels, size);
     output.commit();
-    std::printf("Wrote %s.\n", request.output.c_str());
+    say_written(request.output);
+}
+
+}  // namespace
+
+void add_screenshot(CLI::App& program, const ProgramOptions& options) {
+    CLI::App* command = program.add_subcommand("screenshot", "Take a picture of the editor");
+    const auto request = std::make_shared<ScreenshotRequest>();
+    command->add_option("OUT", request->output, "File to write: .png, or - for standard output")
+        ->required();
+    add_settings(*command, request->settings);
+    command->add_option("--size", request->size, "Size of the editor in pixels")
+        ->type_name("WIDTHxHEIGHT")
+        ->capture_default_str();
+    command->callback([request, &options] { screenshot(options, *request); });
 }
 
 }  // namespace brindle

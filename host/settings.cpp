@@ -9,19 +9,27 @@
 #include <cmath>
 #include <optional>
 
+#include "host/command.h"
 #include "host/state_file.h"
 #include "host/user_error.h"
 
 namespace brindle {
 namespace {
 
-std::optional<float> number_in(const std::string& text) {
+/// A number as people and the editor write it: "1000", "+2.5 dB", "1k", "1.2 kHz".
+std::optional<float> number_in(const std::string& text, const std::string& unit) {
     float value = 0.0f;
-    const char* end = text.data() + text.size();
     const char* start = text.data() + (text.starts_with('+') ? 1 : 0);
-    const auto result = std::from_chars(start, end, value);
-    if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
-    return value;
+    const auto result = std::from_chars(start, text.data() + text.size(), value);
+    if (result.ec != std::errc()) return std::nullopt;
+    std::string rest = result.ptr;
+    rest.erase(0, rest.find_first_not_of(' '));
+    if (rest.starts_with('k') || rest.starts_with('K')) {
+        value *= 1000.0f;
+        rest.erase(0, 1);
+    }
+    const bool is_unit = strcasecmp(rest.c_str(), unit.c_str()) == 0;
+    return rest.empty() || is_unit ? std::optional(value) : std::nullopt;
 }
 
 std::optional<float> choice_in(const ControlInfo& control, const std::string& text) {
@@ -29,8 +37,8 @@ std::optional<float> choice_in(const ControlInfo& control, const std::string& te
         if (strcasecmp(choice.label.c_str(), text.c_str()) == 0) return choice.value;
     }
     const bool is_switch = control.whole && control.maximum == 1.0f;
-    if (is_switch && text == "on") return 1.0f;
-    if (is_switch && text == "off") return 0.0f;
+    if (is_switch && strcasecmp(text.c_str(), "on") == 0) return 1.0f;
+    if (is_switch && strcasecmp(text.c_str(), "off") == 0) return 0.0f;
     return std::nullopt;
 }
 
@@ -47,7 +55,7 @@ std::string accepted(const ControlInfo& control) {
 
 float value_in(const ControlInfo& control, const std::string& text) {
     std::optional<float> value = choice_in(control, text);
-    if (!value) value = number_in(text);
+    if (!value) value = number_in(text, control.unit);
     // This form refuses NaN too.
     if (!value || !(*value >= control.minimum && *value <= control.maximum) ||
         (control.whole && *value != std::floor(*value))) {
@@ -85,6 +93,23 @@ ControlValues Settings::resolve(Bundle& bundle) const {
         values.emplace_back(control->index, value_in(*control, assignment.substr(equals + 1)));
     }
     return values;
+}
+
+void add_settings(CLI::App& command, Settings& settings) {
+    const CLI::Validator named(
+        [](const std::string& text) { return text.empty() ? "the name is empty" : ""; }, "");
+    CLI::Option* preset =
+        command.add_option("--preset", settings.preset, "Preset to start from (see brindle info)")
+            ->check(named);
+    command.add_option("--load", settings.state, "LV2 state to start from, a file or folder")
+        ->check(named)
+        ->excludes(preset);
+    command
+        .add_option("--set", settings.assignments,
+                    "Value of a control by its symbol, over the preset's; may be repeated")
+        ->type_name("SYMBOL=VALUE")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 }  // namespace brindle

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstdio>
 #include <numbers>
 
 #include "host/audio_file.h"
+#include "host/console.h"
 #include "host/interrupt.h"
 #include "host/user_error.h"
 
@@ -38,8 +38,8 @@ FileLoop::FileLoop(const std::string& path) {
         samples_.insert(samples_.end(), part.begin(),
                         part.begin() + static_cast<ptrdiff_t>(std::min(room, count * width)));
         if (room >= count * width) continue;
-        std::fprintf(stderr, "brindle: only the first %.0f minutes of %s are played.\n",
-                     static_cast<double>(kLongest) / (60.0 * rate_ * channels_), path.c_str());
+        warn("only the first %.0f minutes of %s are played.",
+             static_cast<double>(kLongest) / (60.0 * rate_ * channels_), path.c_str());
         break;
     }
     if (samples_.empty()) throw UserError("cannot play " + path + ": it is empty.");

@@ -6,7 +6,10 @@
 #include <X11/Xutil.h>
 
 #include <cstddef>
+#include <cstdlib>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include "host/user_error.h"
 
@@ -50,7 +53,23 @@ void describe(Display* display, Window window, const std::string& title) {
     XSetClassHint(display, window, &hint);
 }
 
+/// Xlib's handler gets no data of ours, so it has to find this by name.
+std::function<void()>& when_server_is_lost() {
+    static std::function<void()> save;
+    return save;
+}
+
 }  // namespace
+
+void TopWindow::on_server_lost(std::function<void()> save) {
+    when_server_is_lost() = std::move(save);
+    XSetIOErrorHandler([](Display*) {
+        const auto use = std::exchange(when_server_is_lost(), nullptr);
+        if (use) use();
+        std::_Exit(1);
+        return 0;
+    });
+}
 
 TopWindow::TopWindow(const std::string& title, PixelSize size, Kind kind)
     : display_(XOpenDisplay(nullptr)) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 // Xlib defines macros with ordinary names; keep its header out of here.
@@ -39,6 +40,9 @@ class TopWindow {
     [[nodiscard]] bool is_closed() const { return closed_; }
     /// There is a display whose screen has room for a window of this size.
     [[nodiscard]] static bool has_room(PixelSize size);
+
+    /// Calls `save` if the X server is lost, before Xlib ends the program. Once.
+    static void on_server_lost(std::function<void()> save);
 
     /// Reads the visible window: 0x00RRGGBB, row by row from the top left. The window must lie
     /// inside the screen. Throws UserError if the display has no such colours.

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <regex>
+#include <set>
 #include <string>
 
 #include "tests/host/program.h"
@@ -33,22 +35,31 @@ TEST_F(Program, InfoListsControlsAndPresets) {
 TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
     save("in.wav", noise(0.5, 1000, 48000, 1, kShortWav));
     save("six.wav", noise(0.5, 1000, 48000, 6, kShortWav));
+    save("odd.wav", noise(0.5, 1000, 47999, 1, kShortWav));
+    save("empty.wav", noise(0.5, 0, 48000, 2, kShortWav));
     std::ofstream(path("text.wav")) << "no sound at all\n";
     std::ofstream(path("there.wav")) << "precious\n";
+    std::ofstream(path("there.ttl")) << "<> a <urn:nothing> .\n";
     std::filesystem::create_directory(path("folder"));
     struct Case {
         const char* arguments;
         const char* reason;
+        int status = 1;
     };
     const Case cases[] = {
         {"render none.wav out.wav", "cannot read none.wav: No such file or directory."},
         {"render text.wav out.wav", "cannot read text.wav: it is no sound file"},
+        {"render - out.wav <text.wav", "cannot read standard input: it is no sound file"},
         {"render folder out.wav", "cannot read folder: "},
         {"render six.wav out.wav", "it has 6 channels, the plugin takes one or two."},
-        {"render in.wav there.wav", "cannot write there.wav: it exists already."},
-        {"render in.wav in.wav", "cannot write in.wav: it exists already."},
-        {"render in.wav folder", "cannot write folder: it exists already."},
-        {"render in.wav /dev/full", "cannot write /dev/full: it exists already."},
+        {"render in.wav there.wav", "cannot write there.wav: it exists already; --force"},
+        {"render in.wav in.wav", "cannot write in.wav: it exists already; --force"},
+        {"render in.wav folder/", "cannot write folder/: its name has to end in one of .wav, "},
+        {"render in.wav out", "cannot write out: its name has to end in one of .wav, .flac, "},
+        {"render odd.wav out.opus",
+         ".opus does not hold this sound (1 channels at 47999 Hz); it "
+         "fits .wav, .flac, .ogg, .oga, .aiff, "},
+        {"render in.wav /dev/full", "cannot write /dev/full: No space left on device."},
         {"render in.wav none/out.wav", "cannot write none/out.wav: No such file or directory."},
         {"render in.wav /proc/out.wav", "cannot write /proc/out.wav: "},
         {"render in.wav out.wav --preset Nothing", "no preset \"Nothing\", only 60Hz Buzz Kill,"},
@@ -58,8 +69,10 @@ TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
         {"render in.wav out.wav --set trim=loud", "\"loud\" is no value for trim"},
         {"render in.wav out.wav --set trim=", "\"\" is no value for trim"},
         {"render in.wav out.wav --set trim=20.1", "from -20 to 20 dB."},
+        {"render in.wav out.wav --set 'trim=3 Hz'", "\"3 Hz\" is no value for trim"},
         {"render in.wav out.wav --set b1_q=nan", "from 0.1 to 100."},
         {"render in.wav out.wav --set b1_freq=inf", "from 20 to 20000 Hz."},
+        {"render in.wav out.wav --set b1_freq=21k", "from 20 to 20000 Hz."},
         {"render in.wav out.wav --set b1_type=2.5", "a whole number from 0 to 12 or one of Flat,"},
         {"render in.wav out.wav --set b1_type=Bel", "\"Bel\" is no value for b1_type"},
         {"response out.pdf", "has to end in .csv, .txt, .png or .svg."},
@@ -67,30 +80,123 @@ TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
         {"response out.csv --preset ''x", "no preset \"x\""},
         {"--bundle none info", "there is no LV2 bundle at none."},
         {"--bundle folder render in.wav out.wav", "there is no LV2 bundle at folder."},
+        {"info >/dev/full", "cannot write standard output: No space left on device."},
+        {"response - >/dev/full", "cannot write standard output: No space left on device."},
+        {"open none.wav", "cannot read none.wav: No such file or directory."},
+        {"open six.wav", "it has 6 channels, the plugin takes one or two."},
+        {"open empty.wav", "cannot play empty.wav: it is empty."},
+        {"open --save there.ttl", "cannot write there.ttl: it exists already; --force"},
+        {"open --save none/s.ttl", "cannot write none/s.ttl: No such file or directory."},
+        {"open --load none.ttl", "cannot read none.ttl: No such file or directory."},
+        {"open --load .", "cannot read ./state.ttl: No such file or directory."},
+        {"open --load there.ttl", "cannot read there.ttl: it holds no state of this plugin."},
+        {"open --silent --save s.ttl", "there is no display to open a window on"},
+        {"screenshot out.jpg", "cannot write out.jpg: its name has to end in .png."},
+        {"screenshot none/out.png", "cannot write none/out.png: No such file or directory."},
+        {"screenshot out.png --size 1000", "\"1000\" is no size from 500x300 to 7680x4320"},
+        {"screenshot out.png --size 1000x600x2", "is no size"},
+        {"screenshot out.png --size 499x600", "is no size"},
+        {"screenshot out.png --size 99999999999x600", "is no size"},
+        {"--verbose", "a command is missing; \"brindle --help\" lists them.", 2},
+        {"rendr in.wav", "there is no command \"rendr\"; the nearest is \"render\".", 2},
+        {"--loud", "there is no option \"--loud\"", 2},
+        {"render in.wav", "OUT is required; \"brindle render --help\" tells more.", 2},
+        {"render a b c", "not expected: c;", 2},
+        {"render a b --block 0", "Value 0 not in range 1 to 65536;", 2},
+        {"render a b --block many", "--block: ", 2},
+        {"render a b --loud", "--loud;", 2},
+        {"render a b --preset ''", "--preset: the name is empty;", 2},
+        {"response a.csv --rate 7999", "Value 7999 not in range", 2},
+        {"open in.wav --signal sweep", "FILE excludes --signal;", 2},
     };
     const auto before = files();
     for (const Case& each : cases) {
         SCOPED_TRACE(each.arguments);
-        const Outcome outcome = brindle(each.arguments);
-        EXPECT_EQ(outcome.status, 1);
+        const Outcome outcome = brindle(each.arguments, "unset DISPLAY");
+        EXPECT_EQ(outcome.status, each.status);
         EXPECT_EQ(outcome.out, "");
         EXPECT_THAT(outcome.err, AllOf(StartsWith("brindle: "), HasSubstr(each.reason)));
         EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
         EXPECT_EQ(files(), before);
     }
     EXPECT_EQ(text_of("there.wav"), "precious\n");
+    const Outcome without_xvfb = brindle("screenshot out.png", "unset DISPLAY; PATH=/none");
+    EXPECT_EQ(without_xvfb.status, 1);
+    EXPECT_EQ(without_xvfb.err,
+              "brindle: there is no display, and Xvfb, which would stand in, cannot be started.\n");
+    EXPECT_EQ(files(), before);
 }
 
-TEST_F(Program, WrongUsageIsRefused) {
-    for (const char* arguments :
-         {"", "polish in.wav", "render in.wav", "render a b c", "render a b --block 0",
-          "render a b --block many", "response a.csv --rate 7999", "render a b --loud"}) {
-        SCOPED_TRACE(arguments);
-        const Outcome outcome = brindle(arguments);
-        EXPECT_NE(outcome.status, 0);
-        EXPECT_NE(outcome.err, "");
-        EXPECT_TRUE(files().empty());
+TEST_F(Program, WithoutArgumentsItHelpsAndFails) {
+    const Outcome outcome = brindle("");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, brindle("--help").out);
+    EXPECT_THAT(brindle("--version").out, testing::MatchesRegex("brindle [0-9.]+\n"));
+}
+
+// The plugin announces the host's rate on standard output when its editor opens.
+TEST_F(Program, StandardOutputCarriesWhatWasAskedForAndNothingElse) {
+    EXPECT_THAT(brindle("response - --set trim=2").out, StartsWith("frequency_hz,gain_db,"));
+    EXPECT_THAT(brindle("response - --set trim=2").err, "");
+    const Outcome quiet = brindle("screenshot -", "unset DISPLAY");
+    EXPECT_THAT(quiet.out, StartsWith("\x89PNG"));
+    EXPECT_EQ(quiet.err, "");
+    const Outcome verbose = brindle("screenshot - --verbose", "unset DISPLAY");
+    EXPECT_THAT(verbose.out, StartsWith("\x89PNG"));
+    EXPECT_THAT(verbose.err, HasSubstr("HOST SAMPLE RATE"));
+    EXPECT_THAT(shell(BRINDLE_PROGRAM " info 2>&1 >&1 | head -n 1; sleep 0.2").err, "");
+}
+
+/// What stands in a text, by a pattern's first group.
+std::set<std::string> all_of(const std::string& text, const std::string& pattern) {
+    const std::regex expression(pattern);
+    std::set<std::string> found;
+    for (std::sregex_iterator i(text.begin(), text.end(), expression); i != std::sregex_iterator();
+         ++i) {
+        found.insert((*i)[1]);
     }
+    return found;
+}
+
+TEST_F(Program, TheManualPageAndTheCompletionKnowWhatHelpTells) {
+    const std::string help = brindle("--help").out;
+    std::set<std::string> options = all_of(help, "\n  [-h,]*--([a-z-]+)");
+    const auto commands = all_of(help.substr(help.find("\nSubcommands:")), "\n  ([a-z]+) ");
+    EXPECT_GE(commands.size(), 5u);
+    for (const std::string& command : commands) {
+        options.merge(all_of(brindle(command + " --help").out, "\n  [-h,]*--([a-z-]+)"));
+    }
+    std::string manual = text_of(BRINDLE_PACKAGING "/brindle.1");
+    manual = std::regex_replace(manual, std::regex("\\\\-"), "-");
+    EXPECT_EQ(all_of(manual, "\n\\.BI? --([a-z-]+)"), options);
+    EXPECT_EQ(all_of(manual, "\n\\.B brindle ([a-z]+)"), commands);
+    EXPECT_EQ(all_of(manual.substr(0, manual.find(".SH SETTINGS")), "\n\\.TP\n\\.B ([a-z]+)"),
+              commands);
+
+    const Outcome completed = shell("PATH=$(dirname " BRINDLE_PROGRAM
+                                    "):$PATH; cat >try <<'END'\n"
+                                    ". " BRINDLE_PACKAGING
+                                    "/brindle.bash\n"
+                                    "try() { COMP_WORDS=(\"$@\") COMP_CWORD=$(($#-1)); _brindle "
+                                    "brindle; echo \"${COMPREPLY[*]}\"; }\n"
+                                    "try brindle re; try brindle render --no; try brindle info "
+                                    "--preset H; try brindle open --set b8_\n"
+                                    "END\nbash try");
+    EXPECT_EQ(completed.out,
+              "render response\n--no-settle\nHot\\ Pocket\n"
+              "b8_enable= b8_type= b8_gain= b8_freq= b8_q=\n");
+}
+
+TEST_F(Program, ValuesMayBeWrittenAsTheEditorShowsThem) {
+    brindle(
+        "response asked.csv --set b1_type=6 --set b1_freq=1200 --set b1_gain=2.5 --set "
+        "b2_enable=0");
+    brindle(
+        "response shown.csv --set b1_type='Hi Shelf' --set 'b1_freq=1.2 kHz' --set b1_gain=+2.5dB "
+        "--set b2_enable=Off");
+    EXPECT_EQ(text_of("shown.csv"), text_of("asked.csv"));
+    EXPECT_NE(text_of("asked.csv"), "");
 }
 
 TEST_F(Program, AFullDiskLeavesNoTableOrPlotBehind) {

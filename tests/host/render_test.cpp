@@ -99,13 +99,58 @@ TEST_F(RenderCommand, KeepsRateChannelsLengthAndFormat) {
     }
 }
 
-TEST_F(RenderCommand, AnExtensionOfAnotherContainerConverts) {
-    save("in.wav", tone(1000.0, 0.5, 1.2, 48000, 1, kShortWav));
-    ASSERT_EQ(brindle("render in.wav out.flac").status, 0);
-    ASSERT_EQ(brindle("render in.wav out.ogg").status, 0);
-    EXPECT_EQ(load("out.flac").info.format, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
-    EXPECT_EQ(load("out.flac").samples, load("in.wav").samples);
-    EXPECT_EQ(load("out.ogg").info.format, SF_FORMAT_OGG | SF_FORMAT_VORBIS);
+TEST_F(RenderCommand, TheEndingTellsTheContainer) {
+    struct Case {
+        const char *in, *out;
+        int source, target;
+    };
+    const Case cases[] = {
+        {"a.wav", "a.FLAC", kShortWav, SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
+        {"b.wav", "b.ogg", kShortWav, SF_FORMAT_OGG | SF_FORMAT_VORBIS},
+        {"c.wav", "c.opus", kShortWav, SF_FORMAT_OGG | SF_FORMAT_OPUS},
+        {"d.wav", "d.mp3", kShortWav, SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III},
+        {"e.flac", "e.wav", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, SF_FORMAT_WAV | SF_FORMAT_PCM_24},
+        {"f.mp3", "f.wav", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, kFloatWav},
+        {"g.ogg", "g.aiff", SF_FORMAT_OGG | SF_FORMAT_VORBIS, SF_FORMAT_AIFF | SF_FORMAT_FLOAT},
+        {"h.wav", "h.flac", kFloatWav, SF_FORMAT_FLAC | SF_FORMAT_PCM_24},
+        {"i.wav", "i.flac", SF_FORMAT_WAV | SF_FORMAT_ULAW, SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
+        {"j.wav", "j.flac", SF_FORMAT_WAV | SF_FORMAT_PCM_U8, SF_FORMAT_FLAC | SF_FORMAT_PCM_S8},
+        {"k.au", "k.caf", SF_FORMAT_AU | SF_FORMAT_DOUBLE, SF_FORMAT_CAF | SF_FORMAT_DOUBLE},
+        {"l.wav", "l.w64", kShortWav, SF_FORMAT_W64 | SF_FORMAT_PCM_16},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.out);
+        save(each.in, tone(1000.0, 0.5, 1.2, 48000, 1, each.source));
+        const Outcome outcome = brindle(std::string("render ") + each.in + ' ' + each.out);
+        ASSERT_EQ(outcome.status, 0) << outcome.err;
+        const Sound out = load(each.out);
+        EXPECT_EQ(out.info.format, each.target);
+        EXPECT_EQ(out.info.samplerate, 48000);
+        EXPECT_EQ(out.info.channels, 1);
+        EXPECT_NEAR(db(level_at(out, 1000.0, 0) / 0.5), 0.0, 0.1);
+    }
+}
+
+TEST_F(RenderCommand, StreamsBeginAndEndWhereOneLikes) {
+    save("in.wav", noise(0.999, 30011, 44100, 2, kShortWav));
+    const Outcome piped = shell("cat in.wav | " BRINDLE_PROGRAM " render - - >piped.wav");
+    EXPECT_EQ(piped.err, "");
+    EXPECT_EQ(load("piped.wav").samples, load("in.wav").samples);
+    EXPECT_EQ(brindle("render in.wav /dev/null").status, 0);
+    EXPECT_EQ(brindle("render in.wav piped.wav --set trim=-6").status, 1);
+    EXPECT_EQ(brindle("render in.wav piped.wav --set trim=-6 --force").status, 0);
+    EXPECT_NE(load("piped.wav").samples, load("in.wav").samples);
+    EXPECT_THAT(files(), ElementsAre("in.wav", "piped.wav"));
+}
+
+TEST_F(RenderCommand, ACutFileIsRenderedWithAWarning) {
+    save("whole.wav", noise(0.5, 1000, 48000, 1, kShortWav));
+    shell("head -c 1044 whole.wav >cut.wav");
+    const Outcome outcome = brindle("render cut.wav out.wav");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.err, HasSubstr("brindle: cut.wav ends before its header says"));
+    EXPECT_EQ(load("out.wav").info.frames, 500);
+    EXPECT_EQ(brindle("render whole.wav again.wav").err, "");
 }
 
 TEST_F(RenderCommand, TheBlockLengthDoesNotMatter) {
@@ -145,6 +190,11 @@ TEST_F(RenderCommand, SamplesBeyondFullScaleAreClippedAndReported) {
         const float wanted = std::clamp(in.samples[i] * std::pow(10.0f, 0.6f), -1.0f, 1.0f);
         ASSERT_NEAR(out.samples[i], wanted, 1e-4f) << i;
     }
+    // Dither takes a full-scale sample above full scale, which is no clipping.
+    Sound full = tone(0.0, 0.0, 1.0, 48000, 1, kFloatWav);
+    for (size_t i = 0; i < full.samples.size(); ++i) full.samples[i] = i % 2 == 0 ? 1.0f : -1.0f;
+    save("full.wav", full);
+    EXPECT_EQ(brindle("render full.wav full.flac").err, "");
     save("float.wav", tone(1000.0, 0.5, 1.0, 48000, 1, kFloatWav));
     EXPECT_THAT(brindle("render float.wav loud.wav --set trim=12").err, Not(HasSubstr("clipped")));
     EXPECT_NEAR(db(level_at(load("loud.wav"), 1000.0, 0) / 0.5), 12.0, 0.01);

@@ -123,35 +123,5 @@ TEST_F(ScreenshotTest, OtherSizesAndPresets) {
     EXPECT_NE(start.at(1490, 890), 0u);  // drawn to the last corner
 }
 
-TEST_F(ScreenshotTest, WhatCannotBeDoneIsSaidAndLeavesNothingBehind) {
-    struct Case {
-        const char* arguments;
-        const char* reason;
-    };
-    const Case cases[] = {
-        {"out.jpg", "cannot write out.jpg: its name has to end in .png."},
-        {"none/out.png", "cannot write none/out.png: No such file or directory."},
-        {"out.png --size 1000", "\"1000\" is no size from 500x300 to 7680x4320 pixels."},
-        {"out.png --size 1000x600x2", "is no size"},
-        {"out.png --size 499x600", "is no size"},
-        {"out.png --size 99999999999x600", "is no size"},
-        {"out.png --preset Nothing", "there is no preset \"Nothing\""},
-    };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.arguments);
-        const Outcome outcome =
-            brindle(std::string("screenshot ") + each.arguments, "unset DISPLAY");
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_THAT(outcome.err, HasSubstr(each.reason));
-        EXPECT_TRUE(files().empty());
-    }
-    const Outcome without = brindle("screenshot out.png", "unset DISPLAY; PATH=/none");
-    EXPECT_EQ(without.status, 1);
-    EXPECT_EQ(without.err,
-              "brindle: there is no display, and Xvfb, which would stand in, cannot be "
-              "started.\n");
-    EXPECT_TRUE(files().empty());
-}
-
 }  // namespace
 }  // namespace brindle::test
