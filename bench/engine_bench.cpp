@@ -110,15 +110,20 @@ void plain(benchmark::State& state, Shape shape) {
 /// A plugin that filters noise with all stages.
 class BusyHost {
   public:
-    BusyHost(Shape shape, int64_t target) : shape_(shape), host_(make(shape, target)) {
-        set_busy_controls([this](uint32_t number, float value) { host_->port(number) = value; });
+    /// Instances of different numbers have different frequencies.
+    BusyHost(Shape shape, int64_t target, size_t number = 0)
+        : shape_(shape), host_(make(shape, target)) {
+        set_busy_controls([this](uint32_t port, float value) { host_->port(port) = value; });
+        for (int band = 0; band < kBandCount; ++band) {
+            host_->port(band_port(band) + kFrequency) *= 1.0f + 0.002f * static_cast<float>(number);
+        }
         host_->settle();
         if (shape.analysing) ask_for_rows();
         in_ = out_ = noise(static_cast<size_t>(shape.channels), static_cast<size_t>(shape.block));
         for (size_t c = 0; c < in_.size(); ++c) {
-            const auto number = kFirstAudioPort + 2 * static_cast<uint32_t>(c);
-            host_->connect(number, in_[c].data());
-            host_->connect(number + 1, out_[c].data());
+            const auto port = kFirstAudioPort + 2 * static_cast<uint32_t>(c);
+            host_->connect(port, in_[c].data());
+            host_->connect(port + 1, out_[c].data());
         }
     }
 
@@ -241,6 +246,26 @@ void after_silence(benchmark::State& state, Shape shape, float level) {
     state.counters["of_noise"] = quiet_ns / noisy_ns;
 }
 
+/// Stereo plugins with different settings, `watched` of them by editors, which run a block each in
+/// turn, as in a host. Reports the time for an instance's sample, and for loading the library (once
+/// a process) and making an instance.
+void session(benchmark::State& state, Shape shape, size_t count, size_t watched) {
+    const auto begin = std::chrono::steady_clock::now();
+    std::vector<std::unique_ptr<test::PluginHost>> idle(count);
+    for (auto& host : idle) host = std::make_unique<test::PluginHost>(2, kRate);
+    const std::chrono::duration<double, std::micro> made = std::chrono::steady_clock::now() - begin;
+    state.counters["make_us"] = made.count() / static_cast<double>(count);
+    idle.clear();
+
+    std::vector<std::unique_ptr<BusyHost>> hosts(count);
+    for (size_t i = 0; i < count; ++i) {
+        hosts[i] = std::make_unique<BusyHost>(Shape{shape.block, 2, i < watched}, 0, i);
+    }
+    measure(state, shape.block * static_cast<int64_t>(count), [&hosts] {
+        for (auto& host : hosts) host->run();
+    });
+}
+
 void start(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
         test::PluginHost host(2, kRate);
@@ -280,6 +305,15 @@ void register_all() {
     for (const auto& [name, level] : levels) {
         add(std::string("after_") + name, {1024, 2, false},
             [level = level](benchmark::State& state, Shape s) { after_silence(state, s, level); });
+    }
+    for (int64_t block : {64, 256}) {
+        for (const auto& [count, watched] :
+             {std::pair{1, 0}, {10, 0}, {100, 0}, {1, 1}, {100, 10}}) {
+            add("session/" + std::to_string(count) + "/watched/" + std::to_string(watched),
+                {block, 2, false}, [count = count, watched = watched](auto& state, Shape s) {
+                    session(state, s, static_cast<size_t>(count), static_cast<size_t>(watched));
+                });
+        }
     }
     benchmark::RegisterBenchmark("start", start);
 }

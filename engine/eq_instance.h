@@ -26,15 +26,25 @@ inline constexpr size_t kChunk = 1024;
 /// Most stretches in a chunk: one before the first control tick, one after each tick.
 inline constexpr size_t kMaxStretches = kChunk / kMinStretch + 1;
 
-/// One value for each sample of a chunk.
-struct alignas(64) Samples : std::array<float, kChunk> {};
-
-/// The buffers of run between reading a chunk of input and writing its output.
+/// The buffers of run between reading a chunk of input and writing its output. They follow each
+/// other without gaps, so that short blocks use little memory.
 struct Workspace {
-    alignas(64) std::array<float, kChunk + kDitherRoom> dither;
-    std::array<Samples, 2> in, out;  ///< of each channel, before and after the cascade
-    Samples in_square;               ///< of the louder channel, weighted for its follower
-    Samples in_powers, out_powers;   ///< the followers' values after each sample
+    std::array<float*, 2> in, out;  ///< of each channel, before and after the cascade
+    float* in_square;               ///< of the louder channel, weighted for its follower
+    float *in_powers, *out_powers;  ///< the followers' values after each sample
+    float* dither;
+    alignas(64) std::array<float, 8 * kChunk + kDitherRoom> room;
+
+    /// Makes each buffer hold `n` samples, kChunk at most, and `dither` kDitherRoom more. Real-time
+    /// safe.
+    void hold(size_t n) noexcept {
+        float* next = room.data();
+        for (float** buffer :
+             {&in[0], &in[1], &out[0], &out[1], &in_square, &in_powers, &out_powers, &dither}) {
+            *buffer = next;
+            next += (n + 15) / 16 * 16;  // whole cache lines
+        }
+    }
 };
 
 /// One instance, allocated zero-filled in one piece. It borrows port buffers and the host's
@@ -66,20 +76,21 @@ struct EqInstance {
     std::array<bool, kBandCount> band_on;
     std::array<FilterStage, kBandCount> bands;
     SpectrumAnalyser analyser;
+    // The fields below are used in each block; the analyser above only while an editor is open.
+    alignas(64) std::array<uint32_t, kMeterInPort> port_bits;  ///< last read from each control port
+    std::array<float, kMeterInPort> controls;  ///< last valid values of the control ports
+    double trim_target;                        ///< linear
+    std::array<float, 2> last_out;             ///< last output sample of each channel
+    bool turned;   ///< controls have changed since the last control tick
+    bool at_rest;  ///< the last control tick changed nothing, and neither will another
+    CascadeKernels cascade;
+    SampleLoops loops;
+    size_t newest_weights;
+    std::array<CascadeState, 2> states;  ///< of each channel
     /// A ring of the stages' weights after the last control ticks; the newest are at
     /// newest_weights.
     std::array<CascadeWeights, kMaxStretches> weights;
-    std::array<CascadeState, 2> states;  ///< of each channel
     Workspace work;
-    size_t newest_weights;
-    CascadeKernels cascade;
-    SampleLoops loops;
-    double trim_target;                            ///< linear
-    std::array<float, 2> last_out;                 ///< last output sample of each channel
-    std::array<uint32_t, kMeterInPort> port_bits;  ///< bits last read from each control port
-    std::array<float, kMeterInPort> controls;      ///< last valid values of the control ports
-    bool turned;   ///< controls have changed since the last control tick
-    bool at_rest;  ///< the last control tick changed nothing, and neither will another
 };
 
 }  // namespace brindle

@@ -56,7 +56,7 @@ Stretches prepare_chunk(EqInstance& eq, size_t offset, size_t n) {
     Stretches stretches;
     stretches.count = 0;
     stretches.first_is_tick = (eq.sample_counter & eq.control_mask) == 0;
-    eq.loops.dither(eq.noise_state, eq.noise, eq.work.dither.data(), n);
+    eq.loops.dither(eq.noise_state, eq.noise, eq.work.dither, n);
     for (size_t begin = 0; begin < n;) {
         const size_t since_tick = (eq.sample_counter + begin) & eq.control_mask;
         if (since_tick == 0) control_tick(eq);
@@ -112,11 +112,10 @@ void run_stages(EqInstance& eq, const Stretches& stretches, size_t n) {
         }
     }
     Workspace& work = eq.work;
-    const std::array<const float*, 2> in = {work.in[0].data(), work.in[1].data()};
-    const std::array<float*, 2> out = {work.out[0].data(), work.out[1].data()};
-    const Followers followers = {eq.power_take,         eq.power_keep, work.in_square.data(),
-                                 eq.in_power,           eq.out_power,  work.in_powers.data(),
-                                 work.out_powers.data()};
+    const std::array<const float*, 2> in = {work.in[0], work.in[1]};
+    const std::array<float*, 2>& out = work.out;
+    const Followers followers = {eq.power_take, eq.power_keep,  work.in_square, eq.in_power,
+                                 eq.out_power,  work.in_powers, work.out_powers};
     const RunCascade run_cascade = kChannels == 1 ? eq.cascade.mono : eq.cascade.stereo;
     run_cascade(stretches.all(), eq.states.data(), in.data(), out.data(), followers);
     bool poisoned = !std::isfinite(work.in_powers[n - 1]) || !std::isfinite(work.out_powers[n - 1]);
@@ -132,7 +131,7 @@ void run_stages(EqInstance& eq, const Stretches& stretches, size_t n) {
 template <size_t kChannels>
 void put_output(EqInstance& eq, size_t offset, size_t n) {
     for (size_t channel = 0; channel < kChannels; ++channel) {
-        std::copy_n(eq.work.out[channel].data(), n, eq.ports[out_port(channel)] + offset);
+        std::copy_n(eq.work.out[channel], n, eq.ports[out_port(channel)] + offset);
     }
 }
 
@@ -164,6 +163,7 @@ bool update_meters(EqInstance& eq, const Stretches& stretches) {
 // Reads all input before it writes output: the host may pass one buffer for both.
 template <size_t kChannels>
 bool process_chunk(EqInstance& eq, size_t offset, size_t n) {
+    eq.work.hold(n);
     const Stretches stretches = prepare_chunk<kChannels>(eq, offset, n);
     run_stages<kChannels>(eq, stretches, n);
     put_output<kChannels>(eq, offset, n);
