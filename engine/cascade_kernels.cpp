@@ -52,9 +52,9 @@ class Pipeline {
   public:
     /// Whether the pipeline holds all stages of the cascade.
     static constexpr bool kWhole = kVectors * kLanes == kStageCount;
-    /// Vectors that are filtered side by side: while one waits, the others work. Measured: eight
-    /// narrow vectors need too many registers for that.
-    static constexpr size_t kTogether = kLanes == 2 && kChannels == 2 ? 1 : kChannels * kVectors;
+    /// Whether all vectors are filtered side by side: while one waits, the others work. Measured:
+    /// eight narrow vectors need too many registers for that.
+    static constexpr bool kTogether = kLanes > 2 || kChannels == 1;
     /// Steps between the first and the last stage of a sample.
     static constexpr size_t kDelay = kSkew * (kVectors * kLanes - 1);
     static_assert(kDelay <= kMinStretch, "two ticks at once in the pipeline");
@@ -168,21 +168,23 @@ class Pipeline {
         }
     }
 
-    /// Steps all stages once; kPhase is the step modulo kSkew. `keep(p, now, next)` returns the new
-    /// states of vector p.
-    template <size_t kPhase, typename Keep>
+    /// Steps the stages of the vectors from kFrom up to kTo once; kPhase is the step modulo kSkew.
+    /// `keep(p, now, next)` returns the new states of vector p.
+    template <size_t kPhase, size_t kFrom, size_t kTo, typename Keep>
     HWY_INLINE void advance(const Weights& w, const VF* input, Keep keep) {
+        constexpr size_t kCount = kTo - kFrom;
+        constexpr size_t kBeside = kTogether ? kChannels * kCount : 1;
         // From the last vector to the first: each reads what the one before left at earlier steps.
 #pragma GCC unroll 8
-        for (size_t last = kChannels * kVectors; last > 0; last -= kTogether) {
-            V x[kTogether], y[kTogether];
-            for (size_t i = 0; i < kTogether; ++i) {
-                const size_t c = (last - 1 - i) / kVectors, p = (last - 1 - i) % kVectors;
+        for (size_t last = kChannels * kCount; last > 0; last -= kBeside) {
+            V x[kBeside], y[kBeside];
+            for (size_t i = 0; i < kBeside; ++i) {
+                const size_t c = (last - 1 - i) / kCount, p = kFrom + (last - 1 - i) % kCount;
                 x[i] = entering(left_[kPhase][c], p, input[c]);
                 y[i] = round_to_float(hn::Add(s1_[c][p], hn::Mul(w.b0[p], x[i])));
             }
-            for (size_t i = 0; i < kTogether; ++i) {
-                const size_t c = (last - 1 - i) / kVectors, p = (last - 1 - i) % kVectors;
+            for (size_t i = 0; i < kBeside; ++i) {
+                const size_t c = (last - 1 - i) / kCount, p = kFrom + (last - 1 - i) % kCount;
                 const V s1 =
                     hn::Add(hn::Add(s2_[c][p], hn::Mul(w.b1[p], x[i])), hn::Mul(w.a1[p], y[i]));
                 const V s2 = hn::Add(hn::Mul(w.b2[p], x[i]), hn::Mul(w.a2[p], y[i]));
@@ -238,22 +240,35 @@ class Pipeline {
 
     template <size_t kPhase, bool kMasked>
     HWY_INLINE void run_step(const Weights& w) {
-        const size_t step = step_;
+        constexpr size_t kHalf = kVectors / 2;
+        const size_t begun = step_ / kSkew + 1;  // stages that have had a sample
+        const size_t ended = step_ < n_ ? 0 : (step_ - n_) / kSkew + 1;
+        if (!kMasked) {
+            run_vectors<kPhase, false, 0, kVectors>(w, begun, ended);
+        } else if (begun <= kHalf * kLanes) {
+            run_vectors<kPhase, true, 0, kHalf>(w, begun, ended);
+        } else if (ended >= kHalf * kLanes) {
+            run_vectors<kPhase, true, kHalf, kVectors>(w, begun, ended);
+        } else {
+            run_vectors<kPhase, true, 0, kVectors>(w, begun, ended);
+        }
+        if (step_ >= kDelay) put_out<kPhase>(step_ - kDelay);
+    }
+
+    /// Steps the vectors from kFrom up to kTo; if kMasked, only the stages that have a sample.
+    template <size_t kPhase, bool kMasked, size_t kFrom, size_t kTo>
+    HWY_INLINE void run_vectors(const Weights& w, size_t begun, size_t ended) {
         VF input[kChannels];
         for (size_t c = 0; c < kChannels; ++c) {
-            const float x = !kMasked || step < n_ ? in_[c][step] : 0.0f;
-            input[c] = hn::Set(F(), x);
+            input[c] = hn::Set(F(), !kMasked || step_ < n_ ? in_[c][step_] : 0.0f);
         }
-        const size_t begun = kMasked ? step / kSkew + 1 : kStageCount;
-        const size_t ended = !kMasked || step < n_ ? 0 : (step - n_) / kSkew + 1;
         Mask active[kVectors];
-        for (size_t p = 0; p < kVectors; ++p) {
+        for (size_t p = kFrom; p < kTo; ++p) {
             active[p] = hn::AndNot(before(ended, p), before(begun, p));
         }
-        advance<kPhase>(w, input, [&active](size_t p, V now, V next) HWY_ATTR {
+        advance<kPhase, kFrom, kTo>(w, input, [&active](size_t p, V now, V next) HWY_ATTR {
             return kMasked ? hn::IfThenElse(active[p], next, now) : next;
         });
-        if (step >= kDelay) put_out<kPhase>(step - kDelay);
     }
 
     /// Runs the steps before `until` in groups of kSkew, while all stages have a sample.
@@ -271,7 +286,7 @@ class Pipeline {
     HWY_INLINE void run_full_step(size_t step, const Weights& w) {
         VF input[kChannels];
         for (size_t c = 0; c < kChannels; ++c) input[c] = hn::Set(F(), in_[c][step]);
-        advance<kPhase>(w, input, [](size_t, V, V next) HWY_ATTR { return next; });
+        advance<kPhase, 0, kVectors>(w, input, [](size_t, V, V next) HWY_ATTR { return next; });
         put_out<kPhase>(step - kDelay);
     }
 
