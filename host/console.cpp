@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "host/user_error.h"
@@ -41,6 +42,17 @@ int standard_output() {
 
 int standard_error() {
     return claimed_or(kError, STDERR_FILENO);
+}
+
+std::string formatted(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    char* text = nullptr;
+    const int count = vasprintf(&text, format, arguments);
+    va_end(arguments);
+    std::string result = count < 0 ? "" : text;
+    if (count >= 0) std::free(text);
+    return result;
 }
 
 void say(const char* format, ...) {

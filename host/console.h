@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include <string>
+
 namespace brindle {
 
 /// Reserves standard output and error for say() and warn(). Lines that the plugin and the libraries
@@ -12,6 +14,8 @@ void claim_standard_streams(bool verbose);
 [[nodiscard]] int standard_output();
 [[nodiscard]] int standard_error();
 
+/// As std::printf() into a string.
+[[nodiscard, gnu::format(printf, 1, 2)]] std::string formatted(const char* format, ...);
 /// Prints to standard output what was asked for. Throws UserError if it cannot be written.
 [[gnu::format(printf, 1, 2)]] void say(const char* format, ...);
 /// Prints "brindle: " and a line to standard error.

@@ -123,7 +123,7 @@ std::vector<ResponsePoint> measure_response(Plugin& plugin) {
     for (size_t i = 0; i < points.size(); i += kLanes) {
         throw_if_interrupted();
         evaluate(samples, plugin.rate(), &points[i], std::min(kLanes, points.size() - i));
-        progress.advance_to(static_cast<int64_t>(i));
+        progress.advance(kLanes);
     }
     return points;
 }

@@ -41,13 +41,6 @@ struct Result {
     std::string note;
 };
 
-template <typename... Values>
-std::string formatted(const char* format, Values... values) {
-    std::array<char, 128> text{};
-    std::snprintf(text.data(), text.size(), format, values...);
-    return text.data();
-}
-
 void write_text(OutputFile& output, const std::string& text) {
     output.write(text.data(), text.size());
 }

@@ -108,7 +108,7 @@ void add_settings(CLI::App& command, Settings& settings) {
         .add_option("--set", settings.assignments,
                     "Value of a control by its symbol, over the preset's; may be repeated")
         ->type_name("SYMBOL=VALUE")
-        ->expected(1)
+        ->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 

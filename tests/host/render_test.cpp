@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "tests/host/program.h"
 
@@ -213,7 +215,7 @@ TEST_F(RenderCommand, OnlyATerminalSeesProgress) {
     EXPECT_EQ(piped.err, "");
     const Outcome terminal =
         shell(std::string("script -qec '") + BRINDLE_PROGRAM + " render in.wav out.wav' /dev/null");
-    EXPECT_THAT(terminal.out, AllOf(HasSubstr("Rendering ["), HasSubstr("100 %")));
+    EXPECT_THAT(terminal.out, AllOf(HasSubstr("Rendering ["), HasSubstr("100 %, 0 s left")));
 }
 
 TEST_F(RenderCommand, AFullDiskLeavesNothingBehind) {
@@ -229,17 +231,78 @@ TEST_F(RenderCommand, AFullDiskLeavesNothingBehind) {
     }
 }
 
+TEST_F(RenderCommand, ManyFilesAreRenderedSideBySideAndBadOnesSpoilNothing) {
+    shell("mkdir in; echo text >in/text.wav; touch in/nothing.flac");
+    save("in/six.wav", noise(0.5, 1000, 48000, 6, kShortWav));
+    std::string inputs = "in/none.wav in/text.wav in/nothing.flac in/six.wav";
+    const std::vector<std::string> names = {"a.wav", "b.flac", "c.ogg", "d.aiff", "e.w64", "f.mp3"};
+    const std::vector<int> formats = {
+        kShortWav,
+        SF_FORMAT_FLAC | SF_FORMAT_PCM_24,
+        SF_FORMAT_OGG | SF_FORMAT_VORBIS,
+        SF_FORMAT_AIFF | SF_FORMAT_PCM_16,
+        SF_FORMAT_W64 | SF_FORMAT_FLOAT,
+        SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III,
+    };
+    for (size_t i = 0; i < names.size(); ++i) {
+        const int rate_hz = i % 2 == 0 ? 44100 : 48000;
+        save("in/" + names[i], noise(0.2, 20000 + 100 * i, rate_hz, 1 + i % 2, formats[i]));
+        inputs += " in/" + names[i];
+    }
+    const Outcome outcome = brindle("render --into out --preset Kick " + inputs);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "Wrote 6 of 10 files into out.\n");
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("brindle: cannot read in/none.wav: No such"),
+                                   HasSubstr("brindle: cannot read in/text.wav: it is no sound"),
+                                   HasSubstr("brindle: cannot read in/nothing.flac: it is no"),
+                                   HasSubstr("brindle: cannot process in/six.wav: it has 6"),
+                                   HasSubstr("brindle: 4 of 10 files could not be rendered.\n")));
+    for (const std::string& name : names) {
+        SCOPED_TRACE(name);
+        brindle("render --preset Kick in/" + name + ' ' + name);
+        EXPECT_EQ(load("out/" + name).info.format, load("in/" + name).info.format);
+        EXPECT_EQ(load("out/" + name).info.samplerate, load("in/" + name).info.samplerate);
+        EXPECT_EQ(load("out/" + name).samples, load(name).samples);
+    }
+    EXPECT_EQ(shell("ls -A out").out, "a.wav\nb.flac\nc.ogg\nd.aiff\ne.w64\nf.mp3\n");
+}
+
+TEST_F(RenderCommand, KeepsTags) {
+    SF_INFO info = {0, 48000, 1, kShortWav, 0, 0};
+    SF_BROADCAST_INFO broadcast = {};
+    std::strcpy(broadcast.originator, "stage box");
+    broadcast.time_reference_low = 4711;
+    SNDFILE* file = sf_open(path("in.wav").c_str(), SFM_WRITE, &info);
+    sf_set_string(file, SF_STR_TITLE, "A song");
+    sf_set_string(file, SF_STR_ARTIST, "A band");
+    sf_command(file, SFC_SET_BROADCAST_INFO, &broadcast, sizeof broadcast);
+    sf_close(file);
+    ASSERT_EQ(brindle("render in.wav out.wav").status, 0);
+    broadcast = {};
+    file = sf_open(path("out.wav").c_str(), SFM_READ, &info);
+    EXPECT_STREQ(sf_get_string(file, SF_STR_TITLE), "A song");
+    EXPECT_STREQ(sf_get_string(file, SF_STR_ARTIST), "A band");
+    EXPECT_EQ(sf_command(file, SFC_GET_BROADCAST_INFO, &broadcast, sizeof broadcast), SF_TRUE);
+    EXPECT_STREQ(broadcast.originator, "stage box");
+    EXPECT_EQ(broadcast.time_reference_low, 4711u);
+    sf_close(file);
+}
+
 // A request to stop that is pending across exec comes before the first block for certain.
 TEST_F(RenderCommand, AnInterruptionLeavesNothingBehind) {
     save("in.wav", noise(0.5, 200000, 48000, 2, kShortWav));
-    const std::string script =
-        "import os, signal; signal.pthread_sigmask(signal.SIG_BLOCK, [signal.SIGTERM]); "
-        "os.kill(os.getpid(), signal.SIGTERM); "
-        "os.execv(\"" BRINDLE_PROGRAM "\", [\"brindle\", \"render\", \"in.wav\", \"out.wav\"])";
-    const Outcome outcome = shell("python3 -c '" + script + "'");
-    EXPECT_EQ(outcome.status, 128 + SIGTERM);
-    EXPECT_EQ(outcome.err, "brindle: interrupted.\n");
-    EXPECT_THAT(files(), ElementsAre("in.wav"));
+    for (const std::string arguments :
+         {"\"in.wav\", \"out.wav\"", "\"in.wav\", \"--into\", \"out\""}) {
+        const std::string script =
+            "import os, signal; signal.pthread_sigmask(signal.SIG_BLOCK, [signal.SIGTERM]); "
+            "os.kill(os.getpid(), signal.SIGTERM); "
+            "os.execv(\"" BRINDLE_PROGRAM "\", [\"brindle\", \"render\", " +
+            arguments + "])";
+        const Outcome outcome = shell("python3 -c '" + script + "'");
+        EXPECT_EQ(outcome.status, 128 + SIGTERM);
+        EXPECT_EQ(outcome.err, "brindle: interrupted.\n");
+        EXPECT_THAT(files(), ElementsAre("in.wav"));
+    }
 }
 
 }  // namespace
