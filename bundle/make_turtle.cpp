@@ -58,21 +58,25 @@ class Node {
     std::string text_;
 };
 
-Node port(const std::string& classes, uint32_t index, const std::string& symbol,
-          const std::string& name) {
+/// The head of a port; `kind` is its Turtle class.
+Node port(bool is_input, const char* kind, uint32_t index, const std::string& symbol,
+          const std::string& name, const std::string& short_name, const char* comment) {
     Node node;
-    node.add("a " + classes);
+    node.add(std::string(is_input ? "a lv2:InputPort , " : "a lv2:OutputPort , ") + kind);
     node.add("lv2:index " + std::to_string(index));
     node.add("lv2:symbol " + quoted(symbol));
     node.add("lv2:name " + quoted(name));
+    node.add("lv2:shortName " + quoted(short_name));
+    node.add("rdfs:comment " + quoted(comment));
     return node;
 }
 
-Node message_port(const std::string& direction, uint32_t index, const std::string& symbol,
-                  const std::string& name) {
-    return port(direction + " , atom:AtomPort", index, symbol, name)
+std::string message_port(const MessagePortRow& row) {
+    return port(row.is_input, "atom:AtomPort", row.index, row.symbol, row.name, row.name,
+                row.comment)
         .add("atom:bufferType atom:Sequence")
-        .add("lv2:designation lv2:control");
+        .add(row.properties)
+        .str();
 }
 
 std::string scale_points(std::span<const TypeRow> types) {
@@ -91,12 +95,15 @@ std::string strip_ports(int index) {
     std::string ports;
     for (uint32_t i = 0; i < kControlCount; ++i) {
         const ControlRow& control = strip_controls(index)[i];
-        Node node = port("lv2:InputPort , lv2:ControlPort", strip_port(index) + i,
+        Node node = port(true, "lv2:ControlPort", strip_port(index) + i,
                          std::string(strip.symbol) + '_' + control.symbol,
-                         std::string(strip.name) + ' ' + control.name);
-        node.add("lv2:default " + number(strip.defaults[i]));
-        node.add("lv2:minimum " + number(control.minimum));
-        node.add("lv2:maximum " + number(control.maximum));
+                         std::string(strip.name) + ' ' + control.name,
+                         std::string(strip.short_name) + ' ' + control.short_name, control.comment);
+        const bool whole = i == kEnable || i == kType;
+        const auto text = whole ? number : decimal;
+        node.add("lv2:default " + text(strip.defaults[i]));
+        node.add("lv2:minimum " + text(control.minimum));
+        node.add("lv2:maximum " + text(control.maximum));
         node.add(control.properties);
         if (i == kType) node.add(scale_points(strip_types(index)));
         node.add("pg:group " + uri(std::string("#") + strip.group));
@@ -107,18 +114,16 @@ std::string strip_ports(int index) {
 
 /// Every port that both variants have, separated by commas.
 std::string common_ports() {
-    std::string ports = message_port("lv2:InputPort", kControlPort, "control", "Control").str();
-    ports += " , " + message_port("lv2:OutputPort", kNotifyPort, "notify", "Notify")
-                         // Hosts size the buffer and the queue to the editor by this. A row of the
-                         // analyser takes 1080 bytes; queues of less than this lose rows.
-                         .add("rsz:minimumSize 8192")
-                         .str();
+    std::string ports = message_port(kMessagePorts[0]) + " , " + message_port(kMessagePorts[1]);
     for (int strip = 0; strip < kStripCount; ++strip) ports += strip_ports(strip);
     for (const SingleControlRow& single : kSingleControls) {
-        ports += " , " + port(std::string(single.direction) + " , lv2:ControlPort", single.index,
-                              single.symbol, single.name)
-                             .add(single.range)
-                             .str();
+        Node node = port(single.is_input, "lv2:ControlPort", single.index, single.symbol,
+                         single.name, single.short_name, single.comment);
+        if (single.is_input) node.add("lv2:default " + decimal(single.normal));
+        node.add("lv2:minimum " + decimal(single.minimum));
+        node.add("lv2:maximum " + decimal(single.maximum));
+        node.add(single.properties);
+        ports += " , " + node.str();
     }
     return ports;
 }
@@ -127,9 +132,9 @@ std::string audio_ports(std::span<const AudioPortRow> rows) {
     std::string ports;
     for (size_t i = 0; i < rows.size(); ++i) {
         const AudioPortRow& row = rows[i];
-        ports += (i == 0 ? "" : " , ") + port(std::string(row.direction) + " , lv2:AudioPort",
+        ports += (i == 0 ? "" : " , ") + port(row.is_input, "lv2:AudioPort",
                                               kFirstAudioPort + static_cast<uint32_t>(i),
-                                              row.symbol, row.name)
+                                              row.symbol, row.name, row.short_name, row.comment)
                                              .add("pg:group " + uri(std::string("#") + row.group))
                                              .add(std::string("lv2:designation ") + row.designation)
                                              .str();
@@ -224,6 +229,8 @@ std::string port_notifications() {
 std::string fill(std::string_view text) {
     const std::map<std::string_view, std::function<std::string()>> fields = {
         {"base", [] { return std::string(kBaseUri); }},
+        {"name", [] { return std::string(kProductName); }},
+        {"minor_version", [] { return std::to_string(kMinorVersion); }},
         {"common_ports", common_ports},
         {"mono_ports", [] { return audio_ports(kMonoAudioPorts); }},
         {"stereo_ports", [] { return audio_ports(kStereoAudioPorts); }},

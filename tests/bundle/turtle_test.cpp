@@ -4,6 +4,7 @@
 #include <lilv/lilv.h>
 #include <lv2/atom/atom.h>
 #include <lv2/core/lv2.h>
+#include <lv2/options/options.h>
 #include <lv2/port-groups/port-groups.h>
 #include <lv2/port-props/port-props.h>
 #include <lv2/presets/presets.h>
@@ -12,11 +13,14 @@
 #include <lv2/units/units.h>
 #include <lv2/urid/urid.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <map>
 #include <memory>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -30,6 +34,14 @@ namespace {
 using testing::ElementsAre;
 
 const char* const kRdfsLabel = "http://www.w3.org/2000/01/rdf-schema#label";
+const char* const kShortName = LV2_CORE_PREFIX "shortName";
+const char* const kNotAutomatic = LV2_PORT_PROPS_PREFIX "notAutomatic";
+const char* const kRdfsComment = "http://www.w3.org/2000/01/rdf-schema#comment";
+
+/// Digests of the ports, types and presets of mono and stereo, with the version that they belong
+/// to.
+constexpr int kDigestedVersion = 4;
+constexpr std::array<uint64_t, 2> kDigests = {2278950431901842535u, 3748194582024893712u};
 
 struct Range {
     float low, normal, high;
@@ -49,6 +61,13 @@ std::vector<std::string> expected_symbols(bool stereo) {
                : std::vector<std::string>{"in", "out"};
     symbols.insert(symbols.end(), audio.begin(), audio.end());
     return symbols;
+}
+
+using Presets = std::map<std::string, std::map<std::string, float>>;
+
+void collect_value(const char* symbol, void* data, const void* value, uint32_t size, uint32_t) {
+    ASSERT_EQ(size, sizeof(float)) << symbol;
+    std::memcpy(&(*static_cast<std::map<std::string, float>*>(data))[symbol], value, size);
 }
 
 class Turtle : public testing::TestWithParam<const char*> {
@@ -128,6 +147,22 @@ class Turtle : public testing::TestWithParam<const char*> {
         return labels;
     }
 
+    Presets load_presets() {
+        test::UridMap map;
+        LilvNodes* found = lilv_plugin_get_related(plugin, node(LV2_PRESETS__Preset));
+        Presets presets;
+        LILV_FOREACH(nodes, i, found) {
+            const LilvNode* preset = lilv_nodes_get(found, i);
+            lilv_world_load_resource(world, preset);
+            LilvState* state = lilv_state_new_from_world(world, map.get(), preset);
+            lilv_state_emit_port_values(state, collect_value,
+                                        &presets[objects(preset, kRdfsLabel).at(0)]);
+            lilv_state_free(state);
+        }
+        lilv_nodes_free(found);
+        return presets;
+    }
+
     LilvWorld* world = lilv_world_new();
     const LilvPlugin* plugin = nullptr;
     std::vector<LilvNode*> owned_nodes;
@@ -140,12 +175,23 @@ TEST_P(Turtle, PortsStandInTheOrderOfTheLayoutWithoutGapsOrDoubles) {
     EXPECT_TRUE(lilv_plugin_verify(plugin));
     std::vector<std::string> symbols;
     std::set<std::string> names;
+    std::set<std::string> short_names;
     for (uint32_t i = 0; i < port_count(); ++i) {
         ASSERT_NE(port(i), nullptr) << i;
         symbols.push_back(symbol(i));
         LilvNode* name = owned_nodes.emplace_back(lilv_port_get_name(plugin, port(i)));
         names.emplace(lilv_node_as_string(name));
+        const auto short_name = texts(lilv_port_get_value(plugin, port(i), node(kShortName))).at(0);
+        EXPECT_LE(short_name.size(), 10u) << short_name;
+        short_names.insert(short_name);
+        EXPECT_EQ(texts(lilv_port_get_value(plugin, port(i), node(kRdfsComment))).size(), 1u);
+        for (const char* property :
+             {LV2_PORT_PROPS__causesArtifacts, LV2_PORT_PROPS__expensive, kNotAutomatic}) {
+            EXPECT_FALSE(has(port(i), property)) << "not automated by hosts: " << symbol(i);
+        }
     }
+    EXPECT_EQ(short_names.size(), port_count());
+    EXPECT_TRUE(short_names.contains("B3 Freq"));
     EXPECT_EQ(symbols, expected_symbols(stereo()));
     EXPECT_EQ(names.size(), port_count());
     EXPECT_EQ(symbols[kTrimPort], "trim");
@@ -159,10 +205,21 @@ TEST_P(Turtle, ControlsOfEachKindHaveTheirRangeAndUnit) {
         const bool output = name.starts_with("meter");
         EXPECT_EQ(is(port(i), LV2_CORE__OutputPort), output);
         EXPECT_NE(is(port(i), LV2_CORE__InputPort), output);
-        if (output) continue;
+        const auto group =
+            texts(lilv_port_get_value(plugin, port(i), node(LV2_PORT_GROUPS__group)));
+        EXPECT_EQ(group.size(), i == kTrimPort ? 0u : 1u);
+        if (output) {
+            EXPECT_THAT(group, ElementsAre(std::string(kBaseUri) + "#meters"));
+            continue;
+        }
 
         const bool section = name.starts_with("sec");
         const Range limits = range(i);
+        const bool whole = name.ends_with("_enable") || name.ends_with("_type");
+        for (const char* limit : {LV2_CORE__default, LV2_CORE__minimum, LV2_CORE__maximum}) {
+            const auto number = texts(lilv_port_get_value(plugin, port(i), node(limit))).at(0);
+            EXPECT_EQ(number.find('.') == std::string::npos, whole) << limit << ' ' << number;
+        }
         EXPECT_LE(limits.low, limits.normal);
         EXPECT_LE(limits.normal, limits.high);
         if (name.ends_with("_enable")) {
@@ -243,6 +300,11 @@ TEST_P(Turtle, PluginsSayWhoMadeThemAndAskForLittle) {
     EXPECT_THAT(values(LV2_CORE__optionalFeature), ElementsAre(LV2_CORE__hardRTCapable));
     EXPECT_FALSE(lilv_plugin_has_latency(plugin));
     EXPECT_EQ(values("http://usefulinc.com/ns/doap#license").size(), 1u);
+    EXPECT_EQ(values(kRdfsComment).size(), 1u);
+    LilvNode* project = owned_nodes.emplace_back(lilv_plugin_get_project(plugin));
+    ASSERT_NE(project, nullptr);
+    EXPECT_THAT(objects(project, "http://usefulinc.com/ns/doap#maintainer"),
+                ElementsAre("urn:brindle-audio:maker"));
     EXPECT_EQ(values(LV2_PORT_GROUPS__mainInput).size(), 1u);
     EXPECT_EQ(values(LV2_PORT_GROUPS__mainOutput).size(), 1u);
     LilvNode* author = owned_nodes.emplace_back(lilv_plugin_get_author_name(plugin));
@@ -265,6 +327,7 @@ TEST_P(Turtle, TheEditorIsFoundAndAsksForWhatItShows) {
     EXPECT_THAT(objects(subject, LV2_CORE__requiredFeature),
                 testing::UnorderedElementsAre(LV2_UI__idleInterface, LV2_UI__parent, LV2_UI__touch,
                                               LV2_URID__map));
+    EXPECT_THAT(objects(subject, LV2_CORE__optionalFeature), ElementsAre(LV2_OPTIONS__options));
     EXPECT_THAT(objects(subject, LV2_CORE__extensionData), ElementsAre(LV2_UI__idleInterface));
     std::map<std::string, std::string> protocols;
     LilvNodes* notifications =
@@ -283,27 +346,8 @@ TEST_P(Turtle, TheEditorIsFoundAndAsksForWhatItShows) {
     lilv_uis_free(editors);
 }
 
-void collect_value(const char* symbol, void* data, const void* value, uint32_t size, uint32_t) {
-    ASSERT_EQ(size, sizeof(float)) << symbol;
-    std::memcpy(&(*static_cast<std::map<std::string, float>*>(data))[symbol], value, size);
-}
-
 TEST_P(Turtle, EveryPresetLoadsByItsLabelWithTheValuesOfTheButtons) {
-    test::UridMap map;
-    LilvNodes* found = lilv_plugin_get_related(plugin, node(LV2_PRESETS__Preset));
-    std::map<std::string, std::map<std::string, float>> presets;
-    LILV_FOREACH(nodes, i, found) {
-        const LilvNode* preset = lilv_nodes_get(found, i);
-        LilvNode* label = lilv_world_get(world, preset, node(kRdfsLabel), nullptr);
-        ASSERT_NE(label, nullptr);
-        owned_nodes.push_back(label);
-        lilv_world_load_resource(world, preset);
-        LilvState* state = lilv_state_new_from_world(world, map.get(), preset);
-        ASSERT_NE(state, nullptr);
-        lilv_state_emit_port_values(state, collect_value, &presets[lilv_node_as_string(label)]);
-        lilv_state_free(state);
-    }
-    lilv_nodes_free(found);
+    auto presets = load_presets();
     ASSERT_EQ(presets.size(), kPresetCount);
     for (const Preset& preset : kPresets) {
         SCOPED_TRACE(preset.name);
@@ -321,6 +365,34 @@ TEST_P(Turtle, EveryPresetLoadsByItsLabelWithTheValuesOfTheButtons) {
             }
         }
     }
+}
+
+TEST_P(Turtle, PortsTypesAndPresetsChangeWithTheMinorVersionOnly) {
+    std::ostringstream text;
+    for (uint32_t i = 0; i < port_count(); ++i) {
+        const LilvPort* each = port(i);
+        text << symbol(i) << ' '
+             << texts(lilv_port_get_value(plugin, each, node(LV2_CORE__name)))[0];
+        for (const char* property : {LILV_NS_RDF "type", LV2_CORE__portProperty, LV2_UNITS__unit,
+                                     LV2_CORE__default, LV2_CORE__minimum, LV2_CORE__maximum}) {
+            auto found = texts(lilv_port_get_value(plugin, each, node(property)));
+            std::sort(found.begin(), found.end());
+            for (const std::string& value : found) text << ' ' << value;
+        }
+        if (!is(each, LV2_CORE__ControlPort)) continue;
+        for (const auto& [code, label] : scale_points(i)) text << ' ' << code << label;
+    }
+    for (const auto& [label, values] : load_presets()) {
+        text << label;
+        for (const auto& [port_symbol, value] : values) text << ' ' << port_symbol << value;
+    }
+    uint64_t digest = 0xcbf29ce484222325u;  // FNV-1a
+    for (const char c : text.str()) digest = (digest ^ static_cast<uint8_t>(c)) * 0x100000001b3u;
+    EXPECT_EQ(digest, kDigests[stereo() ? 1 : 0])
+        << "Ports, types or presets have changed. Hosts that find two bundles take the one with "
+           "the higher version: raise kMinorVersion in contract/ports.h by 2, then set "
+           "kDigestedVersion to it and kDigests to the digests that were found here.";
+    EXPECT_THAT(values(LV2_CORE__minorVersion), ElementsAre(std::to_string(kDigestedVersion)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Variants, Turtle, testing::Values(kMonoUri, kStereoUri),
