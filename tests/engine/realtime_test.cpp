@@ -71,19 +71,6 @@ TEST(Guard, NoticesWhatItForbids) {
     EXPECT_EQ(verdict_on([] { std::fputs("x\n", stderr); }), kMadeSystemCall);
 }
 
-// Puts a request from the editor on the control port.
-void request(PluginHost& host, const char* type) {
-    struct {
-        LV2_Atom_Sequence head;
-        LV2_Atom_Event event;
-        LV2_Atom_Object_Body body;
-    } message{};
-    message.head.atom = {sizeof message - sizeof(LV2_Atom), host.map()(LV2_ATOM__Sequence)};
-    message.event.body = {sizeof message.body, host.map()(LV2_ATOM__Object)};
-    message.body.otype = host.map()(type);
-    std::memcpy(host.control.data(), &message, sizeof message);
-}
-
 class RealTime : public testing::TestWithParam<int> {};
 
 // The analyser is at work. The host owns all buffers and random numbers.
@@ -97,7 +84,7 @@ TEST_P(RealTime, RunAllocatesLocksAndCallsNothing) {
         std::generate(buffer.begin(), buffer.end(), [&] { return level(random); });
     }
     for (uint32_t i = 0; i < 4; ++i) host.connect(kFirstAudioPort + i, buffers[i].data());
-    request(host, kEnableUiUri);
+    host.send_request(kEnableUiUri);
 
     for (bool turning : {false, true}) {
         SCOPED_TRACE(turning ? "controls moving" : "controls at rest");

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include "contract/brindle.h"
@@ -112,6 +113,85 @@ TEST(Entry, IgnoresPortsOutsideTheTableAndOnesWithoutABuffer) {
             host.run(512);
         }
         EXPECT_EQ(beyond, 1.0f);
+    }
+}
+
+TEST(LifeCycle, StateSurvivesDeactivateAndActivate) {
+    PluginHost host(2, 48000.0), undisturbed(2, 48000.0);
+    set_usual_controls(host);
+    set_usual_controls(undisturbed);
+    // Filters ring, controls glide and the counters stand between two ticks.
+    const Audio in = noise(2, 5000, 29);
+    host.process(in);
+    undisturbed.process(in);
+    host.restart();
+    EXPECT_EQ(host.process(in), undisturbed.process(in));
+    EXPECT_EQ(host.port(kMeterOutPort), undisturbed.port(kMeterOutPort));
+}
+
+/// A buffer of the host's between zones that are not the plugin's to write to.
+class Guarded {
+  public:
+    explicit Guarded(size_t size) : bytes_(size + 2 * kZone, kMark) {}
+    uint8_t* data() { return bytes_.data() + kZone; }
+    bool is_intact() const {
+        const auto is_mark = [](uint8_t byte) { return byte == kMark; };
+        return std::all_of(bytes_.begin(), bytes_.begin() + kZone, is_mark) &&
+               std::all_of(bytes_.end() - kZone, bytes_.end(), is_mark);
+    }
+
+  private:
+    static constexpr int kZone = 4096;
+    static constexpr uint8_t kMark = 0xa5;
+    std::vector<uint8_t> bytes_;
+};
+
+// The notify port has room for one row, or is an empty atom, as PipeWire connects it and the
+// control port.
+TEST(LifeCycle, NothingIsWrittenOutsideTheHostsBuffers) {
+    constexpr uint32_t kRowBytes = 1080 + sizeof(LV2_Atom);
+    for (const auto& [channels, block, notify_bytes] : {std::tuple{1, 1u, kRowBytes},
+                                                        {1, 8191u, kRowBytes},
+                                                        {1, 8192u, 8u},
+                                                        {2, 1u, 8u},
+                                                        {2, 8191u, kRowBytes},
+                                                        {2, 8192u, kRowBytes}}) {
+        SCOPED_TRACE(testing::Message() << channels << " channels, blocks of " << block << ", "
+                                        << notify_bytes << " bytes to notify");
+        PluginHost host(channels, 48000.0);
+        std::vector<Guarded> controls(kFirstAudioPort, Guarded(sizeof(float)));
+        set_usual_controls(host);
+        for (uint32_t number = 2; number < kFirstAudioPort; ++number) {
+            std::memcpy(controls[number].data(), &host.port(number), sizeof(float));
+            host.connect(number, controls[number].data());
+        }
+        std::vector<Guarded> audio(2 * static_cast<size_t>(channels),
+                                   Guarded(block * sizeof(float)));
+        const Audio in = noise(channels, block, 31);
+        for (size_t i = 0; i < audio.size(); ++i) {
+            std::memcpy(audio[i].data(), in[i / 2].data(), block * sizeof(float));
+            host.connect(kFirstAudioPort + static_cast<uint32_t>(i), audio[i].data());
+        }
+        Guarded notify(notify_bytes);
+        const LV2_Atom room = {notify_bytes - static_cast<uint32_t>(sizeof(LV2_Atom)), 0};
+        host.send_request(kEnableUiUri);
+        host.connect(kNotifyPort, notify.data());
+        for (uint32_t done = 0; done < 2 * 8192; done += block) {
+            std::memcpy(notify.data(), &room, sizeof room);
+            host.run(block);
+            if (notify_bytes == sizeof room) {
+                EXPECT_EQ(std::memcmp(notify.data(), &room, sizeof room), 0);
+                host.connect(kControlPort, notify.data());
+            }
+        }
+        EXPECT_TRUE(notify.is_intact());
+        for (const Guarded& buffer : controls) EXPECT_TRUE(buffer.is_intact());
+        for (size_t i = 0; i < audio.size(); ++i) {
+            EXPECT_TRUE(audio[i].is_intact());
+            const bool kept =
+                std::memcmp(audio[i].data(), in[i / 2].data(), block * sizeof(float)) == 0;
+            EXPECT_EQ(kept, i % 2 == 0) << "inputs are the host's, outputs the plugin's";
+        }
     }
 }
 

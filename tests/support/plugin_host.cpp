@@ -67,6 +67,23 @@ void PluginHost::prepare_sequences() {
     std::memcpy(notify.data(), &room, sizeof room);
 }
 
+void PluginHost::send_request(const char* type) {
+    struct {
+        LV2_Atom_Sequence head;
+        LV2_Atom_Event event;
+        LV2_Atom_Object_Body body;
+    } message{};
+    message.head.atom = {sizeof message - sizeof(LV2_Atom), map_(LV2_ATOM__Sequence)};
+    message.event.body = {sizeof message.body, map_(LV2_ATOM__Object)};
+    message.body.otype = map_(type);
+    std::memcpy(control.data(), &message, sizeof message);
+}
+
+void PluginHost::restart() {
+    descriptor_->deactivate(handle_);
+    descriptor_->activate(handle_);
+}
+
 Audio PluginHost::process(const Audio& in, uint32_t block) {
     Audio input = in;
     Audio output(in.size(), std::vector<float>(in[0].size()));

@@ -40,6 +40,11 @@ class PluginHost {
     /// Response to an impulse of `n` samples, on the first channel, after the glides have ended.
     std::vector<double> impulse_response(size_t n);
 
+    /// Puts a request of the editor on the control port.
+    void send_request(const char* type);
+    /// Deactivates the instance and activates it again.
+    void restart();
+
     /// The raw calls, for hosts that misbehave.
     void connect(uint32_t number, void* data) { descriptor_->connect_port(handle_, number, data); }
     void run(uint32_t n) { descriptor_->run(handle_, n); }
