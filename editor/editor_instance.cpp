@@ -110,7 +110,7 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
     instance->rootView =
         new GLView_StripEqView({writeFunction, controller}, instance->map, instance->touch);
     instance->rootView->SetSampleRate(options.sampleRate);
-    if (host.resize != nullptr) {
+    if (host.resize != nullptr && host.resize->ui_resize != nullptr) {
         host.resize->ui_resize(host.resize->handle, kEditorWidthPx, kEditorHeightPx);
     }
     if (host.parent == nullptr) return Fail("error: No parent window provided.\n");

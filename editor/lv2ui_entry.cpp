@@ -22,19 +22,23 @@ LV2UI_Handle Instantiate(const LV2UI_Descriptor*, const char* pluginUri, const c
     return instance;
 }
 
+// Hosts may call what follows with a null handle, where the editor has refused to open.
+
 void Cleanup(LV2UI_Handle handle) {
+    if (handle == nullptr) return;
     Contain([&] { CloseEditor(static_cast<EditorInstance*>(handle)); });
 }
 
 void PortEvent(LV2UI_Handle handle, uint32_t port, uint32_t size, uint32_t format,
                const void* buffer) {
-    // None is left where the tree, while it goes, calls a host that reports something at once.
-    if (auto* root = static_cast<EditorInstance*>(handle)->rootView) {
-        Contain([&] { root->PortEvent(port, size, format, buffer); });
-    }
+    auto* instance = static_cast<EditorInstance*>(handle);
+    // The tree has gone where it calls, while it goes, a host that reports something at once.
+    if (instance == nullptr || instance->rootView == nullptr) return;
+    Contain([&] { instance->rootView->PortEvent(port, size, format, buffer); });
 }
 
 int Idle(LV2UI_Handle handle) {
+    if (handle == nullptr) return 0;
     Contain([&] { IdleEditor(*static_cast<EditorInstance*>(handle)); });
     return 0;
 }

@@ -5,8 +5,9 @@
 #include <lv2/parameters/parameters.h>
 #include <malloc.h>
 
+#include <array>
 #include <fstream>
-#include <memory>
+#include <optional>
 #include <tuple>
 
 #include "tests/support/gl_context.h"
@@ -156,7 +157,16 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
                 "error: Required touch interface extension is not available.\n");
     EXPECT_THAT(host.resizes, IsEmpty());
 
+    // As Carla does where it prefers bridges.
     host.hasTouch = true;
+    host.hasFeatureData = false;
+    EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err,
+                "error: Required touch interface extension is not available.\n");
+    host.hasFeatureData = true;
+    host.Report(kTrimPort, 1.0f);
+    EXPECT_EQ(host.Idle(), 0);
+    BuiltEditor()->cleanup(nullptr);
+
     host.hasParent = false;
     EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err,
                 "error: No parent window provided.\n");
@@ -340,6 +350,51 @@ TEST(Editor, OpensAndClosesWithoutTrace) {
     round(true);
     other.IdleTimes(3);
     EXPECT_TRUE(other.window.IsShown(other.child));
+}
+
+TEST(Editor, ClosesWhileOthersControlsMove) {
+    std::array<std::optional<UiHost>, 3> hosts;
+    for (auto& host : hosts) {
+        ASSERT_TRUE(host.emplace(BuiltEditor()).Open());
+        host->Report(kTrimPort, 0.0f);
+        host->IdleTimes(2);
+    }
+    UiHost& top = *hosts[2];  // above the others, its trim held
+    constexpr int kTrimX = 843;
+    constexpr int kTrimY = 537;
+    top.window.MovePointer(kTrimX, kTrimY);
+    top.window.Press();
+    top.IdleTimes(1);
+    top.writes.clear();
+    for (int step = 1; step <= 10; ++step) {
+        top.window.MovePointer(kTrimX + 3 * step, kTrimY);
+        if (step == 5) hosts[1].reset();
+        for (auto& host : hosts) {
+            if (!host) continue;
+            host->Report(band_port(step % kBandCount) + kGain, static_cast<float>(step));
+            host->Idle();
+        }
+    }
+    top.window.Release();
+    top.IdleTimes(1);
+    EXPECT_THAT(top.touches, ElementsAre(Pair(kTrimPort, true), Pair(kTrimPort, false)));
+    EXPECT_EQ(top.writes.size(), 10u);
+    for (size_t i = 1; i < top.writes.size(); ++i) {
+        EXPECT_EQ(top.writes[i].port, kTrimPort);
+        EXPECT_GT(top.writes[i].AsFloat(), top.writes[i - 1].AsFloat());
+    }
+    // Neither the host's late reports nor the pointer make it write again.
+    top.Report(kTrimPort, -1.0f);
+    WaitFor([] { return false; }, [&] { top.IdleTimes(1); }, std::chrono::milliseconds(700));
+    EXPECT_EQ(top.writes.size(), 10u);
+
+    hosts[2].reset();
+    UiHost& left = *hosts[0];
+    left.IdleTimes(3);
+    const auto before = left.window.GetPixels(left.child, 1000, 600);
+    left.Report(band_port(3) + kGain, -12.0f);
+    left.IdleTimes(3);
+    EXPECT_NE(left.window.GetPixels(left.child, 1000, 600), before);
 }
 
 TEST(Editor, LetsNoExceptionThrough) {

@@ -17,10 +17,10 @@
 
 namespace brindle {
 
-/// Calls `step` every millisecond until `done` holds; false when two seconds were not enough.
+/// Calls `step` every millisecond until `done` holds; false when `limit` was not enough.
 template <typename Done, typename Step>
-bool WaitFor(Done done, Step step) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+bool WaitFor(Done done, Step step, std::chrono::milliseconds limit = std::chrono::seconds(2)) {
+    const auto end = std::chrono::steady_clock::now() + limit;
     while (!done()) {
         if (std::chrono::steady_clock::now() > end) return false;
         step();

@@ -9,6 +9,7 @@
 #include <lv2/ui/ui.h>
 
 #include <cstring>
+#include <deque>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -57,6 +58,7 @@ class UiHost {
     bool hasMap = true;
     bool hasParent = true;
     bool hasTouch = true;
+    bool hasFeatureData = true;  ///< without it, features are offered with nothing behind them
     bool hasResize = true;
     bool hasOptions = true;
     bool failsWrites = false;  ///< its write function throws
@@ -83,7 +85,7 @@ class UiHost {
         const LV2_Feature idle = {LV2_UI__idleInterface, nullptr};
         std::vector<const LV2_Feature*> features = {&idle};
         const auto offer = [&](bool has, const LV2_Feature* feature) {
-            if (has) features.push_back(feature);
+            if (has) features.push_back(hasFeatureData ? feature : WithoutData(*feature));
         };
         offer(hasOptions, &optionsFeature);
         offer(hasResize, &resizeFeature);
@@ -145,11 +147,15 @@ class UiHost {
         const auto* bytes = static_cast<const uint8_t*>(buffer);
         Of(self).writes.push_back({port, protocol, {bytes, bytes + size}});
     }
+    const LV2_Feature* WithoutData(const LV2_Feature& feature) {
+        return &empty.emplace_back(LV2_Feature{feature.URI, nullptr});
+    }
     uint8_t* AddValue() { return values.emplace_back().data(); }
 
     const LV2UI_Descriptor* descriptor;
     std::vector<LV2_Options_Option> options;
     std::vector<std::array<uint8_t, 8>> values;
+    std::deque<LV2_Feature> empty;
     LV2UI_Touch touch = {
         this, [](void* self, uint32_t port, bool on) { Of(self).touches.emplace_back(port, on); }};
     LV2UI_Resize resize = {this, [](void* self, int width, int height) {
