@@ -53,6 +53,9 @@ inline constexpr uint32_t kStereoPortCount =
 
 /// A strip is a band or a section: 0 to 7 are the bands 1 to 8, then come the sections A and B.
 inline constexpr int kStripCount = kBandCount + kSectionCount;
+constexpr bool is_band(int strip) {
+    return strip < kBandCount;
+}
 
 /// First port (enable) of a strip, which the others follow in the order of `Control`.
 constexpr uint32_t strip_port(int strip) {

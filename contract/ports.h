@@ -107,9 +107,6 @@ inline constexpr auto kStrips = std::to_array<StripRow>({
 });
 static_assert(kStrips.size() == kStripCount);
 
-constexpr bool is_band(int strip) {
-    return strip < kBandCount;
-}
 constexpr const StripRow& strip_row(int strip) {
     return kStrips[static_cast<size_t>(strip)];
 }

@@ -10,11 +10,10 @@
 #include "graph/GLView_ParametricEQSelector.h"
 #include "graph/GLView_ParametricFilterSelector.h"
 #include "graph/scales.h"
+#include "graph/strip_colors.h"
 
 namespace brindle {
 namespace {
-
-constexpr GLColor kBandLamp{0.5f, 0.9f, 0.65f};
 
 // In points, from the strip's upper and lower edge or its middle.
 constexpr float kToggleBelowTop = 16.0f;
@@ -62,38 +61,35 @@ void GLView_BandDecorator::AddWidgets(const HostWriter& writer, const LV2UI_Touc
 
 void GLView_BandDecorator::AddToggle(const HostWriter& writer, const LV2UI_Touch* touch) {
     const float s = GetInterfaceScale();
-    toggle_ = new GLView_Toggle;
+    toggle_ = &Add<GLView_Toggle>();
     toggle_->SetPort(writer, firstPort + kEnable);
     toggle_->SetTouch(touch, firstPort + kEnable);
     toggle_->SetText(strip_row(index).label);
     toggle_->SetInfoTitle(TitleOf(index, "on/off").c_str());
-    toggle_->SetColor(IsBand() ? kBandLamp : kAmber);
+    toggle_->SetColor(LampColor(index));
     toggle_->SetSize(kToggleWidth * s, kToggleHeight * s);
     toggle_->SetPosition(0.0f, hh - kToggleBelowTop * s);
-    AddChild(toggle_);
 }
 
 void GLView_BandDecorator::AddSelector() {
     const float s = GetInterfaceScale();
     GLView_TypeSelector* selector = nullptr;
     if (IsBand()) {
-        selector = new GLView_ParametricEQSelector(index);
+        selector = &Add<GLView_ParametricEQSelector>(index);
     } else {
-        selector = new GLView_ParametricFilterSelector(index - kBandCount);
+        selector = &Add<GLView_ParametricFilterSelector>(index - kBandCount);
     }
     selector->SetInfoTitle(TitleOf(index, "EQ Shape").c_str());
     selector->SetSize(kSelectorWidth * s, kSelectorHeight * s);
     selector->SetPosition(0.0f, (kSelectorAboveBottom + 0.5f * kSelectorHeight) * s - hh);
-    AddChild(selector);
     const std::span<const TypeRow> types = strip_types(index);
     const size_t menu = index == kStripCount - 1 ? 1 : 0;
     const float width = IsBand() ? kBandMenuWidth : kSectionMenuWidth;
     for (size_t place = 1; place <= types.size(); ++place) {
         for (size_t code = 0; code < types.size(); ++code) {
-            if (types[code].menu_place[menu] == place) {
-                selector->AddItem(selector->port, static_cast<float>(code), width * s,
-                                  types[code].name);
-            }
+            if (types[code].menu_place[menu] != place) continue;
+            selector->AddItem(selector->port, static_cast<float>(code), width * s,
+                              types[code].name);
         }
     }
     controls_[kType] = selector;
@@ -101,41 +97,39 @@ void GLView_BandDecorator::AddSelector() {
 
 void GLView_BandDecorator::AddKnobs(const HostWriter& writer, const LV2UI_Touch* touch) {
     const float s = GetInterfaceScale();
-    const ControlRows& ranges = strip_controls(index);
     for (const KnobPlan& plan : kKnobs) {
-        auto* knob =
-            new GLView_Knob(false, ranges[plan.control].minimum, ranges[plan.control].maximum);
+        const ControlRow& range = strip_controls(index)[plan.control];
         const uint32_t port = firstPort + plan.control;
-        knob->SetPort(writer, port);
-        knob->SetTouch(touch, port);
-        knob->SetUnit(plan.unit);
-        knob->SetSensitivity(plan.sensitivity);
-        knob->SetResetValue(strip_row(index).defaults[plan.control]);
-        knob->SetInfoTitle(TitleOf(index, plan.title).c_str());
-        knob->SetLabel(plan.label);
-        knob->SetLabelSize(kKnobLabelSize);
-        knob->SetColor(IsBand() ? kBandLamp : kAmber);
-        knob->SetSize(kKnobWidth * s, kKnobHeight * s);
-        knob->SetPosition(0.0f, plan.y * s);
+        auto& knob = Add<GLView_Knob>(false, range.minimum, range.maximum);
+        knob.SetPort(writer, port);
+        knob.SetTouch(touch, port);
+        knob.SetUnit(plan.unit);
+        knob.SetSensitivity(plan.sensitivity);
+        knob.SetResetValue(strip_row(index).defaults[plan.control]);
+        knob.SetInfoTitle(TitleOf(index, plan.title).c_str());
+        knob.SetLabel(plan.label);
+        knob.SetLabelSize(kKnobLabelSize);
+        knob.SetColor(LampColor(index));
+        knob.SetSize(kKnobWidth * s, kKnobHeight * s);
+        knob.SetPosition(0.0f, plan.y * s);
         if (plan.control == kQ) {
-            knob->SetMapping(QAt, PositionOfQ);
+            knob.SetMapping(QAt, PositionOfQ);
         } else if (plan.control == kFrequency && IsBand()) {
-            knob->SetMapping(BandHzAt, PositionOfBandHz);
+            knob.SetMapping(BandHzAt, PositionOfBandHz);
         } else if (plan.control == kFrequency) {
-            knob->SetMapping(SectionHzAt, PositionOfSectionHz);
+            knob.SetMapping(SectionHzAt, PositionOfSectionHz);
         }
-        AddChild(knob);
-        controls_[plan.control] = knob;
+        controls_[plan.control] = &knob;
     }
 }
 
 void GLView_BandDecorator::UpdateEffect() {
     const bool on = toggle_->IsOn();
     const TypeRow& type = strip_type(index, GetParameter(firstPort + kType));
-    controls_[kType]->enabled = on;
-    controls_[kGain]->enabled = on && type.heeds_gain;
-    controls_[kQ]->enabled = on && type.heeds_q;
-    controls_[kFrequency]->enabled = on;
+    controls_[kType]->SetEnabled(on);
+    controls_[kGain]->SetEnabled(on && type.heeds_gain);
+    controls_[kQ]->SetEnabled(on && type.heeds_q);
+    controls_[kFrequency]->SetEnabled(on);
 }
 
 void GLView_BandDecorator::ParameterChanged(uint32_t parameter) {
@@ -144,22 +138,15 @@ void GLView_BandDecorator::ParameterChanged(uint32_t parameter) {
 }
 
 void GLView_BandDecorator::ShowInfoAt(GLPoint point) {
-    graph_.selectedHandle = index;
+    graph_.SelectHandle(index);
     GLView_DecoratorBox::ShowInfoAt(point);
-}
-
-GLRect GLView_BandDecorator::DrawnArea() {
-    // The halo of the lamp is seen so far above the frame. The graph begins a little higher, and
-    // what touches it would be drawn anew together with it.
-    constexpr float kHalo = 0.6f;
-    return {x - hw, y - hh, x + hw, y + hh + kHalo * GetInterfaceScale()};
 }
 
 void GLView_BandDecorator::DrawFront() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     if (graph_.selectedHandle == index) {
-        (IsBand() ? kBandLamp : kAmber).ApplyFaded(toggle_->IsOn() ? 0.8f : 0.35f);
+        LampColor(index).ApplyFaded(toggle_->IsOn() ? 0.8f : 0.35f);
         DrawOutline(look, hw, hh);
     }
     DrawChildrenFront();

@@ -29,13 +29,12 @@ class GLView_BandDecorator : public GLView_DecoratorBox {
     /// Pointing at a strip selects its handle on the graph.
     void ShowInfoAt(GLPoint point) override;
     void DrawFront() override;
-    GLRect DrawnArea() override;
 
     const int index;
     const uint32_t firstPort;
 
   private:
-    bool IsBand() const { return index < kBandCount; }
+    bool IsBand() const { return is_band(index); }
     void AddToggle(const HostWriter& writer, const LV2UI_Touch* touch);
     void AddKnobs(const HostWriter& writer, const LV2UI_Touch* touch);
     void AddSelector();

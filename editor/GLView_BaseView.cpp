@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
+#include "editor/letterbox.h"
 #include "gl/drawing.h"
 #include "gl/settings.h"
 
@@ -13,26 +15,6 @@ namespace {
 
 constexpr int32_t kLayerScale = 2;        // layer pixels to a design point
 constexpr uint32_t kDoubleClickMs = 200;  // presses this far apart are two clicks again
-constexpr float kScalePoints = 800.0f;    // interface points in the height of the view
-
-/// Draws in one part of the bound layer only, and tells in which, for the lifetime of a scope.
-class AreaScope {
-  public:
-    AreaScope(std::optional<LayerArea>& drawn, const LayerArea& area) : drawn_(drawn) {
-        drawn_ = area;
-        glEnable(GL_SCISSOR_TEST);
-        glScissor(area.left, area.bottom, area.right - area.left, area.top - area.bottom);
-    }
-    ~AreaScope() {
-        glDisable(GL_SCISSOR_TEST);
-        drawn_.reset();
-    }
-    AreaScope(const AreaScope&) = delete;
-    AreaScope& operator=(const AreaScope&) = delete;
-
-  private:
-    std::optional<LayerArea>& drawn_;
-};
 
 }  // namespace
 
@@ -61,22 +43,13 @@ void GLView_BaseView::SetSampleRate(float rate) {
 }
 
 void GLView_BaseView::UpdateLetterbox() {
-    const float width = static_cast<float>(windowWidth);
-    const float height = static_cast<float>(windowHeight);
-    const float aspect = static_cast<float>(designWidth) / static_cast<float>(designHeight);
-    const bool narrow = width / height <= aspect;
-    const int32_t frameWidth = narrow ? windowWidth : static_cast<int32_t>(aspect * height);
-    const int32_t frameHeight = narrow ? static_cast<int32_t>(width / aspect) : windowHeight;
-    letterboxX = static_cast<float>(windowWidth - frameWidth) * 0.5f;
-    letterboxY = static_cast<float>(windowHeight - frameHeight) * 0.5f;
+    const GLPoint margins = LetterboxMargins(windowWidth, windowHeight, designWidth, designHeight);
+    letterboxX = margins.x;
+    letterboxY = margins.y;
 }
 
-GLPoint GLView_BaseView::PixelToTree(GLPoint framePixel) const {
-    const float frameWidth = static_cast<float>(windowWidth) - 2.0f * letterboxX;
-    const float frameHeight = static_cast<float>(windowHeight) - 2.0f * letterboxY;
-    // Upwards the view always spans two units, whatever its bounds.
-    return {viewLeft + framePixel.x / (frameWidth / (viewRight - viewLeft)),
-            viewTop + framePixel.y / (frameHeight * -0.5f)};
+GLPoint GLView_BaseView::PixelToTree(GLPoint framePixel) {
+    return FramePixelToTree(framePixel, {GetPageWidth(), GetPageHeight()}, Bounds());
 }
 
 void GLView_BaseView::ClearInfo() {
@@ -168,8 +141,16 @@ void GLView_BaseView::KeyDown(uint32_t /*character*/, uint32_t /*code*/) {
 
 void GLView_BaseView::SetParameter(uint32_t index, float value, bool markDirty) {
     redrawNeeded = redrawNeeded || markDirty;
-    if (index < parameters.size()) parameters[index] = value;
+    bool isNews = true;
+    if (index < parameters.size()) {
+        isNews = !known_[index] || parameters[index] != value;
+        known_[index] = true;
+        parameters[index] = value;
+    }
+    // Hosts report much that has not changed, some 30 times a second. The tree hears all of it.
+    const bool outerIsNews = std::exchange(parameterIsNews_, isNews);
     ParameterChanged(index);
+    parameterIsNews_ = outerIsNews;
 }
 
 float GLView_BaseView::GetParameter(uint32_t index) {
@@ -185,7 +166,7 @@ float GLView_BaseView::GetPageHeight() {
 }
 
 float GLView_BaseView::GetInterfaceScale() {
-    return (viewTop - viewBottom) / kScalePoints;
+    return (viewTop - viewBottom) / kHeightPoints;
 }
 
 float GLView_BaseView::GetPixelSize() {
@@ -230,12 +211,6 @@ void GLView_BaseView::CloseDialog(bool /*outside*/) {
     }
 }
 
-void GLView_BaseView::SetCapturedView(GLView* view) {
-    MarkViewStatic(captureView);
-    captureView = view;
-    MarkViewStatic(view);
-}
-
 LayerArea GLView_BaseView::ToLayer(const GLRect& area) const {
     constexpr float kRounding = 0.01f;  // pixels
     const auto width = static_cast<float>(kLayerScale * designWidth);
@@ -251,25 +226,13 @@ LayerArea GLView_BaseView::ToLayer(const GLRect& area) const {
             upper(area.right - viewLeft, width), upper(area.top - viewBottom, height)};
 }
 
-void GLView_BaseView::MarkFrame(const GLRect& area) {
-    AddArea(staleFrame_, ToLayer(area));
+void GLView_BaseView::RedrawArea(const GLRect& area, Layer layer) {
+    // The front pass draws every frame as a whole.
+    if (layer != Layer::Front && parameterIsNews_) layers.Mark(layer, ToLayer(area));
 }
 
-void GLView_BaseView::MarkStatic(const GLRect& area) {
-    AddArea(staleStatic_, ToLayer(area));
-}
-
-void GLView_BaseView::MarkViewStatic(GLView* view) {
-    while (view != nullptr && view->parent != this) view = view->parent;
-    if (view != nullptr) MarkStatic(view->DrawnArea());
-}
-
-bool GLView_BaseView::IsDrawn(const GLRect& area) const {
-    return !drawnArea_ || drawnArea_->Touches(ToLayer(area));
-}
-
-bool GLView_BaseView::DrawsChild(GLView& child) {
-    return IsDrawn(child.DrawnArea());
+bool GLView_BaseView::IsDrawn(const GLRect& area) {
+    return layers.IsDrawn(ToLayer(area));
 }
 
 void GLView_BaseView::SetSelected(bool /*on*/) {
@@ -295,15 +258,14 @@ void GLView_BaseView::SetProjection() const {
 }
 
 void GLView_BaseView::RenderFrame() {
-    const GLRect whole = {viewLeft, viewBottom, viewRight, viewTop};
     if (textRenderer == nullptr) {
         textRenderer = std::make_unique<GLResources>(GetInterfaceScale());
         layers.Create(kLayerScale * designWidth, kLayerScale * designHeight);
-        MarkStatic(whole);
+        redrawNeeded = true;
     }
     PreDraw();
     const Looks looks = {GetBackgroundColor(), GetContrastColor(), IsBoxy(), IsFlat()};
-    if (redrawNeeded || !(looks == drawnLooks_)) MarkStatic(whole);
+    if (redrawNeeded || !(looks == drawnLooks_)) layers.Mark(Layer::Back, ToLayer(Bounds()));
     drawnLooks_ = looks;
     // The layers have their own size: another window only takes another copy of them.
     if (layerWidth != windowWidth || layerHeight != windowHeight) {
@@ -312,44 +274,33 @@ void GLView_BaseView::RenderFrame() {
         UpdateLetterbox();
         layers.SetShownSize(static_cast<int32_t>(GetPageWidth()),
                             static_cast<int32_t>(GetPageHeight()));
-        AddArea(staleShown_, ToLayer(whole));
     }
-    DrawLayers();
-    layers.CopyShownToWindow(static_cast<int32_t>(letterboxX), static_cast<int32_t>(letterboxY),
-                             static_cast<int32_t>(GetPageWidth()),
-                             static_cast<int32_t>(GetPageHeight()));
+    UpdateLayers();
+    const auto left = static_cast<GLint>(letterboxX);
+    const auto below = static_cast<GLint>(letterboxY);
+    const auto width = static_cast<GLsizei>(GetPageWidth());
+    const auto height = static_cast<GLsizei>(GetPageHeight());
+    layers.CopyShownToWindow(left, below, width, height);
     glDisable(GL_DEPTH_TEST);
     SetProjection();
-    glViewport(static_cast<GLint>(letterboxX), static_cast<GLint>(letterboxY),
-               static_cast<GLsizei>(GetPageWidth()), static_cast<GLsizei>(GetPageHeight()));
+    glViewport(left, below, width, height);
     DrawOverlay();
 }
 
-void GLView_BaseView::DrawLayers() {
-    for (const LayerArea& area : staleStatic_) AddArea(staleFrame_, area);
-    for (const LayerArea& area : staleFrame_) AddArea(staleShown_, area);
-    if (staleShown_.empty()) return;
-    layers.BindStatic();
-    SetProjection();
-    for (const LayerArea& area : staleStatic_) {
-        const AreaScope part(drawnArea_, area);
-        DrawBackground();
-        const MatrixScope matrix;
-        DrawBack();
-    }
-    for (const LayerArea& area : staleFrame_) layers.CopyStaticToFrame(area);
-    layers.BindFrame();
-    SetProjection();
-    for (const LayerArea& area : staleFrame_) {
-        const AreaScope part(drawnArea_, area);
-        const MatrixScope matrix;
-        Draw();
-    }
-    for (const LayerArea& area : staleShown_) layers.ScaleFrameToShown(area);
+void GLView_BaseView::UpdateLayers() {
+    layers.Update(
+        [this] {
+            SetProjection();
+            DrawBackground();
+            const MatrixScope matrix;
+            DrawBack();
+        },
+        [this] {
+            SetProjection();
+            const MatrixScope matrix;
+            Draw();
+        });
     redrawNeeded = false;
-    staleStatic_.clear();
-    staleFrame_.clear();
-    staleShown_.clear();
 }
 
 void GLView_BaseView::DrawOverlay() {

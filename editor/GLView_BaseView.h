@@ -2,10 +2,9 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <vector>
 
 #include "editor/frame_layers.h"
 #include "gl/GLResources.h"
@@ -15,13 +14,14 @@ namespace brindle {
 
 /// The root of the editor's tree: brings window events to the views they are for, answers the
 /// page services, and renders frames. What moves is drawn over a picture of what stands still,
-/// which is drawn anew only where something marks it out of date, and everywhere when
-/// `redrawNeeded` is set.
+/// which is drawn anew only where views ask for it, and everywhere when `redrawNeeded` is set.
 ///
 /// Window pixels count from the window's top left corner, frame pixels from that of the letterboxed
 /// frame in it; the tree's y grows upwards. Events are ignored until the first frame. UI thread.
 class GLView_BaseView : public GLView {
   public:
+    static constexpr float kHeightPoints = 800.0f;  ///< interface points in the view's height
+
     /// A tree of the given design size in points, whose coordinates run from -1 to 1 upwards and as
     /// far to both sides as the design's proportions make it.
     GLView_BaseView(int32_t newDesignWidth, int32_t newDesignHeight);
@@ -39,7 +39,7 @@ class GLView_BaseView : public GLView {
     void RenderFrame();
     void SetSampleRate(float rate);
     /// Whether the next frame draws more than what moves.
-    bool IsStale() const { return redrawNeeded || !staleStatic_.empty() || !staleFrame_.empty(); }
+    bool IsStale() const { return redrawNeeded || layers.IsStale(); }
     /// Of the event that is passed in next.
     void SetEventTime(uint32_t time_ms) { eventTime = time_ms; }
     void SetModifiers(uint32_t newModifiers) { modifiers = newModifiers; }
@@ -81,8 +81,7 @@ class GLView_BaseView : public GLView {
     GLColor GetContrastColor() override;
     bool IsBoxy() override;
     bool IsFlat() override;
-    /// Both are kept as the root's own help texts, `infoTitle` and `infoText`, and do not mark the
-    /// static layer: who draws them there looks at them in `PreDraw`.
+    /// Both are kept as the root's own help texts, `infoTitle` and `infoText`.
     void ShowInfo(const char* title, const char* text) override;
     void OpenDialog(GLView* dialog) override;
     void CloseDialog(bool outside) override;
@@ -91,19 +90,14 @@ class GLView_BaseView : public GLView {
     GLView* GetCapturedView() override { return captureView; }
     void SetSelectedView(GLView* view) override { focusView = view; }
     void SetHoverView(GLView* view) override { hoverView = view; }
-    /// Marks the static layer where the old and the new one are.
-    void SetCapturedView(GLView* view) override;
+    void SetCapturedView(GLView* view) override { captureView = view; }
     /// Pointing at the root itself selects nothing, whatever `on` says.
     void SetSelected(bool on) override;
-    bool DrawsChild(GLView& child) override;
+    bool IsPage() const override { return true; }
+    void RedrawArea(const GLRect& area, Layer layer) override;
+    bool IsDrawn(const GLRect& area) override;
 
   protected:
-    /// What the main passes show in a part of the tree has changed, or the back passes too.
-    void MarkFrame(const GLRect& area);
-    void MarkStatic(const GLRect& area);
-    /// Whether what is being drawn is to be seen in some part of the tree.
-    bool IsDrawn(const GLRect& area) const;
-
     float sampleRate = 0.0f;                    ///< Hz
     std::unique_ptr<GLResources> textRenderer;  ///< null until the first frame
     GLView* focusView = nullptr;                ///< selected: gets the wheel. Observed
@@ -141,19 +135,18 @@ class GLView_BaseView : public GLView {
     };
 
     LayerArea ToLayer(const GLRect& area) const;
-    void MarkViewStatic(GLView* view);
-    GLPoint PixelToTree(GLPoint framePixel) const;
+    GLPoint PixelToTree(GLPoint framePixel);
     void ClearInfo();
+    GLRect Bounds() const { return {viewLeft, viewBottom, viewRight, viewTop}; }
     void UpdateLetterbox();
-    void DrawLayers();
+    void UpdateLayers();
     void SetProjection() const;
     void DrawOverlay();
 
-    std::vector<LayerArea> staleStatic_;  ///< what of each picture is out of date
-    std::vector<LayerArea> staleFrame_;
-    std::vector<LayerArea> staleShown_;
-    Looks drawnLooks_;                    ///< with which the layers were last drawn
-    std::optional<LayerArea> drawnArea_;  ///< while a part of a layer is drawn
+    Looks drawnLooks_;        ///< with which the layers were last drawn
+    std::bitset<128> known_;  ///< parameters that have been set
+    bool parameterIsNews_ =
+        true;  ///< false while the tree is told of a value that it shows already
 };
 
 }  // namespace brindle

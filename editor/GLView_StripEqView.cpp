@@ -2,32 +2,23 @@
 #include "editor/GLView_StripEqView.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <string>
+#include <utility>
 
 #include "contract/ports.h"
 #include "contract/presets.h"
 #include "editor/GLView_BandDecorator.h"
+#include "editor/GLView_HelpLine.h"
+#include "editor/GLView_MeterScale.h"
 #include "editor/panel_layout.h"
-#include "gl/GLView_Caption.h"
 #include "gl/GLView_DecoratorBox.h"
+#include "gl/GLView_TrimSlider.h"
 #include "gl/drawing.h"
-#include "gl/look.h"
 #include "graph/GLView_ParametricEQGrabber.h"
 
 namespace brindle {
 namespace {
 
 constexpr float kDragSensitivity = 0.003f;
-
-GLView_Caption* MakeCaption(const char* text, float labelSize, int alignment) {
-    auto* caption = new GLView_Caption;
-    caption->SetLabel(text);
-    caption->SetLabelSize(labelSize);
-    caption->alignment = alignment;
-    return caption;
-}
 
 }  // namespace
 
@@ -37,9 +28,7 @@ GLView_StripEqView::GLView_StripEqView(HostWriter host, LV2_URID_Map* map, const
     AddFlatAll();
     AddGraph(touch);
     AddStrips(touch);
-    AddTrim(touch);
-    inputMeter_ = AddMeter(layout::kMeterInLeft);
-    outputMeter_ = AddMeter(layout::kMeterOutLeft);
+    AddOutput(touch);
     AddPresets();
 }
 
@@ -48,152 +37,150 @@ GLView_StripEqView::~GLView_StripEqView() {
     GLView_StripEqView::DeleteChildren();
 }
 
-void GLView_StripEqView::Place(GLView* view, float left, float middle, float width, float height) {
+void GLView_StripEqView::Place(GLView& view, float left, float middle, float width, float height) {
     const float s = GetInterfaceScale();
-    view->SetSize(width * s, height * s);
-    view->SetPosition(viewLeft + (left + 0.5f * width) * s, viewBottom + middle * s);
-    AddChild(view);
+    view.SetSize(width * s, height * s);
+    view.SetPosition(viewLeft + (left + 0.5f * width) * s, viewBottom + middle * s);
+}
+
+GLView_Caption& GLView_StripEqView::AddCaption(const char* text, int alignment) {
+    auto& caption = Add<GLView_Caption>();
+    caption.SetLabel(text);
+    caption.alignment = alignment;
+    return caption;
+}
+
+GLView_PresetButton& GLView_StripEqView::AddPresetButton(const char* title, const char* text) {
+    auto& button = Add<GLView_PresetButton>();
+    button.SetWriter(connection_.GetWriter());
+    button.SetInfoTitle(title);
+    button.SetInfoText(text);
+    return button;
 }
 
 void GLView_StripEqView::AddFlatAll() {
-    constexpr std::array<uint32_t, 11> kSwitches = {42, 47, 2, 7, 12, 17, 22, 27, 32, 37, 52};
     const float s = GetInterfaceScale();
-    flatAll_ = new GLView_PresetButton;
-    flatAll_->SetWriter(connection_.GetWriter());
+    flatAll_ = &AddPresetButton("Flat", "All bands and sections off, no trim");
     flatAll_->SetLabel("flat");
-    flatAll_->SetInfoTitle("Flat");
-    flatAll_->SetInfoText("All bands and sections off, no trim");
-    for (const uint32_t port : kSwitches) flatAll_->SetPresetValue(port, 0.0f);
+    for (int strip = 0; strip < kStripCount; ++strip) {
+        flatAll_->SetPresetValue(strip_port(strip) + kEnable, 0.0f);
+    }
+    flatAll_->SetPresetValue(kTrimPort, 0.0f);
     flatAll_->SetSize(layout::kFlatAllSize * s, layout::kFlatAllSize * s);
     flatAll_->SetPosition(viewRight - layout::kFlatAllFromRight * s,
                           viewTop - layout::kHeaderBelowTop * s);
-    AddChild(flatAll_);
 }
 
 void GLView_StripEqView::AddGraph(const LV2UI_Touch* touch) {
     const float s = GetInterfaceScale();
-    graph_ = new GLView_ParametricEQ;
+    graph_ = &Add<GLView_ParametricEQ>();
     graph_->SetSize(viewRight - viewLeft - 2.0f * layout::kGraphMarginPixels * GetPixelSize(),
                     layout::kGraphHeight * s);
     graph_->SetPosition(0.0f, viewTop - (layout::kGraphTop + 0.5f * layout::kGraphHeight) * s);
-    AddChild(graph_);
-    for (int i = 0; i < kStripCount; ++i) {
-        auto* handle = new GLView_ParametricEQGrabber(*graph_, i);
-        handle->SetWriter(connection_.GetWriter());
-        handle->SetTouch(touch);
-        handle->SetUnit("dB");
-        handle->SetSensitivity(kDragSensitivity);
-        handle->SetSize(layout::kHandleSize * s, layout::kHandleSize * s);
-        graph_->AddChild(handle);
+    for (int strip = 0; strip < kStripCount; ++strip) {
+        auto& handle = graph_->Add<GLView_ParametricEQGrabber>(*graph_, strip);
+        handle.SetWriter(connection_.GetWriter());
+        handle.SetTouch(touch);
+        handle.SetUnit("dB");
+        handle.SetSensitivity(kDragSensitivity);
+        handle.SetSize(layout::kHandleSize * s, layout::kHandleSize * s);
     }
 }
 
 void GLView_StripEqView::AddStrips(const LV2UI_Touch* touch) {
     for (int i = 0; i < kStripCount; ++i) {
-        auto* strip = new GLView_BandDecorator(*graph_, i);
-        Place(strip, layout::StripLeft(i), 0.5f * (layout::kStripBottom + layout::kStripTop),
-              layout::kStripWidth, layout::kStripTop - layout::kStripBottom);
-        strip->AddWidgets(connection_.GetWriter(), touch);
-        strips_[static_cast<size_t>(i)] = strip;
+        auto& strip = Add<GLView_BandDecorator>(*graph_, i);
+        Place(strip, layout::StripLeft(i), layout::kStripMiddle, layout::kStripWidth,
+              layout::kStripHeight);
+        strip.AddWidgets(connection_.GetWriter(), touch);
     }
 }
 
-void GLView_StripEqView::AddTrim(const LV2UI_Touch* touch) {
-    Place(new GLView_DecoratorBox, layout::kOutputLeft,
-          0.5f * (layout::kStripBottom + layout::kStripTop), layout::kOutputWidth,
-          layout::kStripTop - layout::kStripBottom);
-    trim_ = new GLView_TrimSlider(true, -kTrimRangeDb, kTrimRangeDb);
-    trim_->SetPort(connection_.GetWriter(), kTrimPort);
-    trim_->SetTouch(touch, kTrimPort);
-    trim_->SetLabel("Output Trim: ");
-    trim_->SetUnit("dB");
-    trim_->SetTextSize(8.0f);
-    trim_->SetColor(kCream);
-    trim_->SetSensitivity(kDragSensitivity);
-    trim_->SetResetValue(0.0f);
-    trim_->SetInfoTitle("Output Trim");
-    Place(trim_, layout::kTrimLeft, layout::kTrimAbove, layout::kTrimWidth, layout::kTrimHeight);
-    Place(MakeCaption("Trim:", 8.0f, kAlignLeft), layout::kTrimLeft, layout::kTrimLabelAbove,
+void GLView_StripEqView::AddOutput(const LV2UI_Touch* touch) {
+    Place(Add<GLView_DecoratorBox>(), layout::kOutputLeft, layout::kStripMiddle,
+          layout::kOutputWidth, layout::kStripHeight);
+    auto& trim = Add<GLView_TrimSlider>(true, -kTrimRangeDb, kTrimRangeDb);
+    trim.SetPort(connection_.GetWriter(), kTrimPort);
+    trim.SetTouch(touch, kTrimPort);
+    trim.SetLabel("Output Trim: ");
+    trim.SetUnit("dB");
+    trim.SetTextSize(8.0f);
+    trim.SetColor(kCream);
+    trim.SetSensitivity(kDragSensitivity);
+    trim.SetResetValue(0.0f);
+    trim.SetInfoTitle("Output Trim");
+    Place(trim, layout::kTrimLeft, layout::kTrimAbove, layout::kTrimWidth, layout::kTrimHeight);
+    Place(AddCaption("Trim:", kAlignLeft), layout::kTrimLeft, layout::kTrimLabelAbove,
           layout::kTrimWidth, layout::kPresetHeight);
+    auto& product = AddCaption("Brindle", kAlignCentre);
+    product.SetLabelSize(13.0f);
+    product.color.ScaleAlpha(0.9f);
+    Place(product, layout::kOutputLeft, layout::kNameAbove, layout::kOutputWidth,
+          layout::kNameHeight);
+    auto& secondName = AddCaption("Console EQ", kAlignCentre);
+    secondName.inContrast = true;
+    Place(secondName, layout::kOutputLeft, layout::kSecondNameAbove, layout::kOutputWidth,
+          layout::kNameHeight);
+    inputMeter_ = AddMeter("In", layout::kMeterInLeft, kAlignLeft);
+    outputMeter_ = AddMeter("Out", layout::kMeterOutLeft, kAlignRight);
 }
 
-GLView_DB60Meter* GLView_StripEqView::AddMeter(float left) {
-    auto* meter = new GLView_DB60Meter;
-    Place(meter, left - 0.5f * layout::kMeterWidth,
-          0.5f * (layout::kMeterBottom + layout::kMeterTop), layout::kMeterWidth,
-          layout::kMeterTop - layout::kMeterBottom);
-    return meter;
+GLView_DB60Meter* GLView_StripEqView::AddMeter(const char* text, float left, int scaleAlignment) {
+    constexpr float kMiddle = 0.5f * (layout::kMeterBottom + layout::kMeterTop);
+    constexpr float kHeight = layout::kMeterTop - layout::kMeterBottom;
+    auto& meter = Add<GLView_DB60Meter>();
+    Place(meter, left - 0.5f * layout::kMeterWidth, kMiddle, layout::kMeterWidth, kHeight);
+    auto& plate = Add<GLView_MeterName>();
+    plate.SetLabel(text);
+    plate.SetLabelSize(layout::kMeterNameSize);
+    Place(plate, left - 0.5f * layout::kMeterNameWidth, layout::kMeterNameMiddle,
+          layout::kMeterNameWidth, layout::kMeterNameHeight);
+    auto& numbers = Add<GLView_MeterScale>(scaleAlignment);
+    numbers.SetLabelSize(6.5f);
+    const float beside = scaleAlignment == kAlignLeft
+                             ? layout::kMeterScaleGap
+                             : -layout::kMeterScaleGap - layout::kMeterScaleWidth;
+    Place(numbers, left + beside, kMiddle, layout::kMeterScaleWidth, kHeight);
+    return &meter;
 }
 
 void GLView_StripEqView::AddPresets() {
-    const float middle = 800.0f - layout::kHeaderBelowTop;
-    Place(MakeCaption("Presets:", 8.0f, kAlignLeft), layout::kPresetLabelLeft, middle,
+    constexpr float kMiddle = kHeightPoints - layout::kHeaderBelowTop;
+    Place(AddCaption("Presets:", kAlignLeft), layout::kPresetLabelLeft, kMiddle,
           layout::kFirstPresetLeft - layout::kPresetLabelLeft, layout::kPresetHeight);
     float left = layout::kFirstPresetLeft;
     for (const Preset& preset : kPresets) {
-        auto* button = new GLView_PresetButton;
-        button->SetWriter(connection_.GetWriter());
-        button->SetPresetName(preset.name);
-        button->SetLabelSize(7.0f);
-        button->SetInfoTitle("Preset");
-        button->SetInfoText(preset.name);
+        auto& button = AddPresetButton("Preset", preset.name);
+        button.SetPresetName(preset.name);
+        button.SetLabelSize(7.0f);
         for (size_t i = 0; i < preset.values.size(); ++i) {
-            button->SetPresetValue(kFirstPresetPort + static_cast<uint32_t>(i), preset.values[i]);
+            button.SetPresetValue(kFirstPresetPort + static_cast<uint32_t>(i), preset.values[i]);
         }
-        Place(button, left, middle, layout::kPresetWidth, layout::kPresetHeight);
+        Place(button, left, kMiddle, layout::kPresetWidth, layout::kPresetHeight);
         left += layout::kPresetPitch;
     }
+    auto& help = Add<GLView_HelpLine>();
+    Place(help, layout::kHelpLeft, kMiddle, layout::kHelpWidth, layout::kPresetHeight);
+    help.SetPosition(help.x, viewTop - layout::kHeaderBelowTop * GetInterfaceScale());
 }
 
 void GLView_StripEqView::PortEvent(uint32_t port, uint32_t size, uint32_t format,
                                    const void* buffer) {
     if (const auto plot = connection_.ReadPlot(format, buffer, size)) {
-        SpectrumHistory& spectrum = graph_->spectrum;
-        std::copy_n(plot->values, kPlotBins, spectrum.rows[static_cast<size_t>(plot->id)].begin());
-        spectrum.newest = plot->id;
+        graph_->AddSpectrumRow(plot->id, plot->values);
     } else if (const auto value = connection_.ReadControl(port, format, buffer, size)) {
         TakeControl(port, *value);
     }
 }
 
 void GLView_StripEqView::TakeControl(uint32_t port, float value) {
-    if (reported_.none()) {
+    if (!std::exchange(hasReportedControl_, true)) {
         graph_->MarkAllDirty(true);
         redrawNeeded = true;
     }
-    // Hosts report the meters some 30 times a second, and much that has not changed. The meters are
-    // drawn in each frame anyway.
-    const bool isMeter = port == kMeterInPort || port == kMeterOutPort;
-    const bool isNews = port >= reported_.size() || !reported_[port] || GetParameter(port) != value;
-    if (port < reported_.size()) reported_[port] = true;
     SetParameter(port, value, false);
-    if (isNews && !isMeter) MarkControl(port);
-    if (port == kMeterInPort) inputMeter_->level = value;
-    if (port == kMeterOutPort) outputMeter_->level = value;
-}
-
-void GLView_StripEqView::MarkControl(uint32_t port) {
-    if (port == kTrimPort) {
-        MarkFrame(trim_->DrawnArea());
-        return;
-    }
-    if (port < band_port(0) || port >= section_port(kSectionCount)) {
-        redrawNeeded = true;
-        return;
-    }
-    // The curve and the handles on it, which stand above the graph where the curve leaves it.
-    const float reach = (0.5f * layout::kHandleSize + 2.0f) * GetInterfaceScale();
-    MarkFrame({graph_->x - graph_->hw - reach, graph_->y - graph_->hh - reach,
-               graph_->x + graph_->hw + reach, viewTop});
-    // Which controls light up and which have an effect is seen in the static layer; their values
-    // are not.
-    const uint32_t control = (port - band_port(0)) % kControlCount;
-    const GLRect strip = strips_[(port - band_port(0)) / kControlCount]->DrawnArea();
-    if (control == kEnable || control == kType) {
-        MarkStatic(strip);
-    } else {
-        MarkFrame(strip);
-    }
+    if (port == kMeterInPort) inputMeter_->SetLevel(value);
+    if (port == kMeterOutPort) outputMeter_->SetLevel(value);
 }
 
 void GLView_StripEqView::TakeUnreportedWrites() {
@@ -241,83 +228,6 @@ void GLView_StripEqView::DrawBackground() {
     glClearColor(ground.red * kShare, ground.green * kShare, ground.blue * kShare, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);  // what the window's margins are cleared with
-}
-
-void GLView_StripEqView::DrawBack() {
-    GLView_BaseView::DrawBack();
-    DrawMeterName("In", layout::kMeterInLeft);
-    DrawMeterName("Out", layout::kMeterOutLeft);
-    color.ApplyFaded(0.6f);
-    DrawMeterScale(layout::kMeterInLeft + layout::kMeterScaleGap, kAlignLeft);
-    DrawMeterScale(layout::kMeterOutLeft - layout::kMeterScaleGap, kAlignRight);
-    DrawNameplate();
-}
-
-void GLView_StripEqView::DrawTextAt(const char* text, float left, float above, float size,
-                                    int alignment) {
-    const float s = GetInterfaceScale();
-    const GLPoint place = {viewLeft + left * s, viewBottom + above * s};
-    const float width = TextWidth(text) * size * s;
-    const float height = size * s;
-    if (!IsDrawn({place.x - width, place.y - height, place.x + width, place.y + height})) return;
-    const MatrixScope matrix;
-    glTranslatef(place.x, place.y, 0.0f);
-    glScalef(size * s, size * s, 1.0f);
-    DrawText(GetResources(), text, alignment);
-}
-
-void GLView_StripEqView::DrawMeterName(const char* text, float meterLeft) {
-    constexpr float kSize = 7.0f;
-    constexpr float kHalfCapital = 0.585f * kSize;
-    const float middle = layout::kMeterLabelTop - kHalfCapital;
-    const float s = GetInterfaceScale();
-    {
-        const MatrixScope matrix;
-        glTranslatef(viewLeft + meterLeft * s, viewBottom + middle * s, 0.0f);
-        color.ApplyDimmed(0.8f);  // a plate on which black can be read
-        DrawRoundRect(GetResources(), 15.0f * s, (kHalfCapital + 2.0f) * s,
-                      (IsBoxy() ? 1.0f : 4.0f) * s);
-    }
-    kBlack.ApplyFaded(0.8f);
-    DrawTextAt(text, meterLeft, middle, kSize, kAlignCentre);
-}
-
-void GLView_StripEqView::DrawMeterScale(float left, int alignment) {
-    // The ports tell power where the meter expects an amplitude: its marks at twice the decibels
-    // are where these levels are.
-    constexpr std::array<const char*, 6> kLevelsDb = {"0", "3", "6", "10", "20", "30"};
-    constexpr float kLowestDb = 30.0f;
-    for (const char* level : kLevelsDb) {
-        const float share = 1.0f - std::strtof(level, nullptr) / kLowestDb;
-        const float above =
-            layout::kMeterBottom + share * (layout::kMeterTop - layout::kMeterBottom);
-        DrawTextAt(level, left, above, 6.5f, alignment);
-    }
-}
-
-void GLView_StripEqView::DrawNameplate() {
-    constexpr float kMiddle = layout::kOutputLeft + 0.5f * layout::kOutputWidth;
-    color.ApplyFaded(0.9f);
-    DrawTextAt("Brindle", kMiddle, layout::kNameAbove, 13.0f, kAlignCentre);
-    GetContrastColor().Apply();
-    DrawTextAt("Console EQ", kMiddle, layout::kSecondNameAbove, 8.0f, kAlignCentre);
-}
-
-void GLView_StripEqView::DrawFront() {
-    GLView_BaseView::DrawFront();
-    DrawHelpLine();
-}
-
-void GLView_StripEqView::DrawHelpLine() {
-    const float s = GetInterfaceScale();
-    const MatrixScope matrix;
-    glTranslatef(viewLeft + layout::kHelpLeft * s, viewTop - layout::kHeaderBelowTop * s, 0.0f);
-    glScalef(8.0f * s, 8.0f * s, 1.0f);
-    color.ApplyFaded(0.9f);
-    DrawText(GetResources(), infoTitle, kAlignLeft);
-    glTranslatef(TextWidth(infoTitle) + 1.0f, 0.0f, 0.0f);
-    color.ApplyFaded(0.6f);
-    DrawText(GetResources(), infoText, kAlignLeft);
 }
 
 }  // namespace brindle

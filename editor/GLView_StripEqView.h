@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <array>
-#include <bitset>
 #include <cstdint>
 
 #include "editor/GLView_BaseView.h"
 #include "editor/host_connection.h"
+#include "gl/GLView_Caption.h"
 #include "gl/GLView_DB60Meter.h"
 #include "gl/GLView_PresetButton.h"
-#include "gl/GLView_TrimSlider.h"
 #include "graph/GLView_ParametricEQ.h"
 
 namespace brindle {
@@ -38,39 +36,30 @@ class GLView_StripEqView : public GLView_BaseView {
     /// The help line tells of the control that is held, or else of the one that is pointed at.
     void PreDraw() override;
     void DrawBackground() override;
-    void DrawBack() override;
-    void DrawFront() override;
 
   private:
     void TakeControl(uint32_t port, float value);
-    /// What shows a control's value is drawn anew.
-    void MarkControl(uint32_t port);
     // The pieces of the panel, in the order in which they are asked for the pointer.
     void AddFlatAll();
     void AddGraph(const LV2UI_Touch* touch);
     void AddStrips(const LV2UI_Touch* touch);
-    void AddTrim(const LV2UI_Touch* touch);
-    GLView_DB60Meter* AddMeter(float left);
+    void AddOutput(const LV2UI_Touch* touch);
+    GLView_DB60Meter* AddMeter(const char* text, float left, int scaleAlignment);
     void AddPresets();
-    /// Adds a view whose left edge and middle are so far from the panel's left and lower edge.
-    void Place(GLView* view, float left, float middle, float width, float height);
-    /// A text in the current colour, its place and size in interface points.
-    void DrawTextAt(const char* text, float left, float above, float size, int alignment);
-    void DrawMeterName(const char* text, float meterLeft);
-    void DrawMeterScale(float left, int alignment);
-    void DrawNameplate();
-    void DrawHelpLine();
+    GLView_PresetButton& AddPresetButton(const char* title, const char* text);
+    GLView_Caption& AddCaption(const char* text, int alignment);
+    /// Gives a view its place: its left edge and middle are so far from the panel's left and lower
+    /// edge, in points.
+    void Place(GLView& view, float left, float middle, float width, float height);
 
     HostConnection connection_;
     // Children of this view, observed.
     GLView_PresetButton* flatAll_ = nullptr;
     GLView_ParametricEQ* graph_ = nullptr;
-    std::array<GLView*, kStripCount> strips_{};
-    GLView_TrimSlider* trim_ = nullptr;
     GLView_DB60Meter* inputMeter_ = nullptr;
     GLView_DB60Meter* outputMeter_ = nullptr;
-    int32_t selectedBand_ = -1;  ///< strip whose handle is selected, -1 for none
-    std::bitset<128> reported_;  ///< ports whose value the host has told
+    int32_t selectedBand_ = -1;        ///< strip whose handle is selected, -1 for none
+    bool hasReportedControl_ = false;  ///< the host has told a value
 };
 
 }  // namespace brindle

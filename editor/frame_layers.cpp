@@ -16,12 +16,7 @@ void MakeTexture(GLuint& texture, GLint components, int32_t width, int32_t heigh
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
 }
 
-}  // namespace
-
-bool LayerArea::Touches(const LayerArea& other) const {
-    return left < other.right && other.left < right && bottom < other.top && other.bottom < top;
-}
-
+/// Adds an area to some that do not touch each other, as one with those that it touches.
 void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
     if (area.left >= area.right || area.bottom >= area.top) return;
     const auto touches = [&](const LayerArea& other) { return area.Touches(other); };
@@ -32,6 +27,12 @@ void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
         areas.erase(other);
     }
     areas.push_back(area);
+}
+
+}  // namespace
+
+bool LayerArea::Touches(const LayerArea& other) const {
+    return left < other.right && other.left < right && bottom < other.top && other.bottom < top;
 }
 
 FrameLayers::~FrameLayers() {
@@ -66,6 +67,36 @@ void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
     // As pixels lie in windows: with alpha as the fourth byte, drivers copy them as they are.
     MakeTexture(shownTexture_, GL_RGBA, shownWidth_, shownHeight_);
     Attach(shownFramebuffer_, shownTexture_);
+    Mark(Layer::Front, {0, 0, width_, height_});
+}
+
+void FrameLayers::Mark(Layer layer, const LayerArea& area) {
+    if (layer == Layer::Back) AddArea(staleStatic_, area);
+    if (layer != Layer::Front) AddArea(staleFrame_, area);
+    AddArea(staleShown_, area);
+}
+
+void FrameLayers::Update(const std::function<void()>& drawBack,
+                         const std::function<void()>& drawMain) {
+    if (staleShown_.empty()) return;
+    Bind(staticTexture);
+    DrawAreas(staleStatic_, drawBack);
+    for (const LayerArea& area : staleFrame_) CopyStaticToFrame(area);
+    Bind(frameTexture);
+    DrawAreas(staleFrame_, drawMain);
+    for (const LayerArea& area : staleShown_) ScaleFrameToShown(area);
+    for (Areas* areas : {&staleStatic_, &staleFrame_, &staleShown_}) areas->clear();
+}
+
+void FrameLayers::DrawAreas(const Areas& areas, const std::function<void()>& draw) {
+    glEnable(GL_SCISSOR_TEST);
+    for (const LayerArea& area : areas) {
+        drawn_ = area;
+        glScissor(area.left, area.bottom, area.right - area.left, area.top - area.bottom);
+        draw();
+    }
+    drawn_.reset();
+    glDisable(GL_SCISSOR_TEST);
 }
 
 void FrameLayers::Attach(GLuint target, GLuint texture) {
@@ -76,13 +107,8 @@ void FrameLayers::Attach(GLuint target, GLuint texture) {
     }
 }
 
-void FrameLayers::BindStatic() {
-    Attach(framebuffer, staticTexture);
-    glViewport(0, 0, width_, height_);
-}
-
-void FrameLayers::BindFrame() {
-    Attach(framebuffer, frameTexture);
+void FrameLayers::Bind(GLuint texture) const {
+    Attach(framebuffer, texture);
     glViewport(0, 0, width_, height_);
 }
 

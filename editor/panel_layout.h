@@ -12,6 +12,7 @@ inline constexpr float kPresetPitch = 111.0f;
 inline constexpr float kPresetWidth = 106.0f;
 inline constexpr float kPresetHeight = 16.0f;
 inline constexpr float kHelpLeft = 792.0f;
+inline constexpr float kHelpWidth = 496.0f;
 inline constexpr float kFlatAllFromRight = 23.0f;
 inline constexpr float kFlatAllSize = 26.0f;
 
@@ -28,6 +29,8 @@ inline constexpr float kStripWidth = kStripPitch - 6.0f;
 inline constexpr float kGroupGap = 15.0f;
 inline constexpr float kStripBottom = 38.0f;
 inline constexpr float kStripTop = 230.0f;
+inline constexpr float kStripMiddle = 0.5f * (kStripBottom + kStripTop);
+inline constexpr float kStripHeight = kStripTop - kStripBottom;
 
 /// Meters on both sides, their names above them and their scales beside, towards the strips.
 inline constexpr float kMeterInLeft = 80.0f;
@@ -35,14 +38,20 @@ inline constexpr float kMeterOutLeft = 1253.0f;
 inline constexpr float kMeterWidth = 22.0f;
 inline constexpr float kMeterBottom = 48.0f;
 inline constexpr float kMeterTop = 208.0f;
-inline constexpr float kMeterLabelTop = 228.0f;
 inline constexpr float kMeterScaleGap = 16.0f;  ///< from the meter's middle
+inline constexpr float kMeterScaleWidth = 13.2f;
+inline constexpr float kMeterNameSize = 7.0f;
+inline constexpr float kMeterNameWidth = 30.0f;
+inline constexpr float kHalfCapital = 0.585f * kMeterNameSize;
+inline constexpr float kMeterNameHeight = 2.0f * (kHalfCapital + 2.0f);
+inline constexpr float kMeterNameMiddle = 228.0f - kHalfCapital;
 
 /// The output section, beside the strips: nameplate and trim.
 inline constexpr float kOutputLeft = 1040.0f;
 inline constexpr float kOutputWidth = 168.0f;
 inline constexpr float kNameAbove = 194.0f;
 inline constexpr float kSecondNameAbove = 172.0f;
+inline constexpr float kNameHeight = 20.0f;
 inline constexpr float kTrimLeft = 1050.0f;
 inline constexpr float kTrimWidth = 148.0f;
 inline constexpr float kTrimHeight = 30.0f;

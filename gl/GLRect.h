@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include <algorithm>
+
 namespace brindle {
 
 /// A rectangle; which coordinates it is in, its user says.
@@ -9,6 +11,15 @@ struct GLRect {
     float bottom = 0.0f;
     float right = 0.0f;
     float top = 0.0f;
+
+    bool IsEmpty() const { return left >= right || bottom >= top; }
+    /// The smallest rectangle around both; an empty one adds nothing.
+    GLRect JoinedWith(const GLRect& other) const {
+        if (IsEmpty()) return other;
+        if (other.IsEmpty()) return *this;
+        return {std::min(left, other.left), std::min(bottom, other.bottom),
+                std::max(right, other.right), std::max(top, other.top)};
+    }
 };
 
 }  // namespace brindle

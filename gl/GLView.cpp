@@ -29,24 +29,12 @@ void ForEachChild(const GLView& view, void (GLView::*operation)(Parameters...),
 void DrawEachChild(GLView& view, void (GLView::*pass)()) {
     std::vector<GLView*> children;
     for (GLView* child = view.firstChild; child != nullptr; child = child->nextSibling) {
-        if (view.DrawsChild(*child)) children.push_back(child);
+        if (view.IsDrawn(child->DrawnArea())) children.push_back(child);
     }
     for (GLView* child : children) {
         const MatrixScope matrix;
         (child->*pass)();
     }
-}
-
-void ApplyPlace(const GLView& view) {
-    glTranslatef(view.x, view.y, 0.0f);
-    glScalef(view.scale, view.scale, 1.0f);
-}
-
-/// The first child that is hit by a point in its parent's local coordinates.
-GLView* FirstHit(const GLView& view, GLPoint point) {
-    GLView* child = view.firstChild;
-    while (child != nullptr && !child->HitTest(point)) child = child->nextSibling;
-    return child;
 }
 
 /// Hands a role over: whoever else has it gives it up, then the page hears who has it now.
@@ -65,8 +53,10 @@ GLView::~GLView() {
 }
 
 void GLView::SetPosition(float newX, float newY) {
-    x = newX;
-    y = newY;
+    ChangeLook([&] {
+        x = newX;
+        y = newY;
+    });
 }
 
 void GLView::SetPosition(GLPoint position) {
@@ -74,15 +64,15 @@ void GLView::SetPosition(GLPoint position) {
 }
 
 void GLView::SetScale(float newScale) {
-    scale = newScale;
+    ChangeLook([&] { scale = newScale; });
 }
 
 void GLView::SetWidth(float width) {
-    hw = width * 0.5f;
+    ChangeLook([&] { hw = width * 0.5f; });
 }
 
 void GLView::SetHeight(float height) {
-    hh = height * 0.5f;
+    ChangeLook([&] { hh = height * 0.5f; });
 }
 
 void GLView::SetSize(float width, float height) {
@@ -151,17 +141,17 @@ void GLView::Close() {
 }
 
 void GLView::DrawBack() {
-    ApplyPlace(*this);
+    Enter();
     DrawChildrenBack();
 }
 
 void GLView::Draw() {
-    ApplyPlace(*this);
+    Enter();
     DrawChildren();
 }
 
 void GLView::DrawFront() {
-    ApplyPlace(*this);
+    Enter();
     DrawChildrenFront();
 }
 
@@ -177,15 +167,6 @@ void GLView::DrawChildrenFront() {
     DrawEachChild(*this, &GLView::DrawFront);
 }
 
-GLRect GLView::DrawnArea() {
-    const float edge = 2.0f * GetInterfaceScale();
-    return {x - hw - edge, y - hh - edge, x + hw + edge, y + hh + edge};
-}
-
-bool GLView::DrawsChild(GLView& /*child*/) {
-    return true;
-}
-
 GLPoint GLView::LocalToPage(GLPoint point) {
     LocalToParent(point);
     return parent != nullptr ? parent->LocalToPage(point) : point;
@@ -199,13 +180,13 @@ GLPoint GLView::PageToLocal(GLPoint point) {
 
 bool GLView::HitTest(GLPoint point) {
     ParentToLocal(point);
-    if (FirstHit(*this, point) != nullptr) return true;
+    if (ChildAt(point) != nullptr) return true;
     return visible && point.x * point.x < hw * hw && point.y * point.y < hh * hh;
 }
 
 void GLView::ShowInfoAt(GLPoint point) {
     ParentToLocal(point);
-    if (GLView* hit = FirstHit(*this, point)) {
+    if (GLView* hit = ChildAt(point)) {
         hit->ShowInfoAt(point);
         return;
     }
@@ -218,12 +199,12 @@ void GLView::ShowInfoAt(GLPoint point) {
 
 void GLView::MouseDown(GLPoint point, GLPoint pagePoint) {
     ParentToLocal(point);
-    if (GLView* hit = FirstHit(*this, point)) hit->MouseDown(point, pagePoint);
+    if (GLView* hit = ChildAt(point)) hit->MouseDown(point, pagePoint);
 }
 
 void GLView::MouseUp(GLPoint point) {
     ParentToLocal(point);
-    if (GLView* hit = FirstHit(*this, point)) {
+    if (GLView* hit = ChildAt(point)) {
         hit->MouseUp(point);
     } else {
         SetCaptured(false);
@@ -255,6 +236,7 @@ void GLView::SetLabel(const char* text) {
     // A view's own label may be handed in.
     std::memmove(label, text != nullptr ? text : "", length);
     label[length] = '\0';
+    Redraw(Layer::Back);
 }
 
 void GLView::ReleaseAll() {
@@ -265,32 +247,36 @@ void GLView::ReleaseAll() {
 
 void GLView::SetHover(bool on) {
     ChangeRole(this, on, &GLView::GetHoverView, &GLView::SetHover, &GLView::SetHoverView);
+    Redraw(Layer::Front);
 }
 
 void GLView::SetCaptured(bool on) {
     ChangeRole(this, on, &GLView::GetCapturedView, &GLView::SetCaptured, &GLView::SetCapturedView);
+    Redraw(Layer::Back);
 }
 
 void GLView::SetSelected(bool on) {
     ChangeRole(this, on, &GLView::GetSelectedView, &GLView::SetSelected, &GLView::SetSelectedView);
+    Redraw(Layer::Front);
 }
 
 void GLView::SetVisible(bool on) {
+    if (visible != on) Redraw(Layer::Back);
     visible = on;
     if (!on && GetSelectedView() == this) SetSelected(false);
     ForEachChild(*this, &GLView::SetVisible, on);
 }
 
 void GLView::SetTextSize(float size) {
-    textSize = size;
+    ChangeLook([&] { textSize = size; });
 }
 
 void GLView::SetLabelSize(float size) {
-    labelSize = size;
+    ChangeLook([&] { labelSize = size; });
 }
 
 void GLView::SetColor(const GLColor& newColor) {
-    color = newColor;
+    ChangeLook([&] { color = newColor; });
 }
 
 void GLView::ParentToLocal(GLPoint& point) {
@@ -301,6 +287,55 @@ void GLView::ParentToLocal(GLPoint& point) {
 void GLView::LocalToParent(GLPoint& point) {
     point.x = point.x * scale + x;
     point.y = point.y * scale + y;
+}
+
+bool GLView::IsOnPage() const {
+    const GLView* top = this;
+    while (top->parent != nullptr) top = top->parent;
+    return top->IsPage();
+}
+
+void GLView::Redraw(Layer layer) {
+    if (parent != nullptr && IsOnPage()) parent->RedrawArea(DrawnArea(), layer);
+}
+
+void GLView::RedrawArea(const GLRect& area, Layer layer) {
+    if (parent != nullptr) parent->RedrawArea(ToParent(area), layer);
+}
+
+bool GLView::IsDrawn(const GLRect& area) {
+    return parent == nullptr || parent->IsDrawn(ToParent(area));
+}
+
+GLRect GLView::DrawnArea() {
+    const float edge = 2.0f * GetInterfaceScale();
+    GLRect area = {x - hw - edge, y - hh - edge, x + hw + edge, y + hh + edge};
+    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
+        area = area.JoinedWith(ToParent(child->DrawnArea()));
+    }
+    return area;
+}
+
+GLView* GLView::ChildAt(GLPoint local) const {
+    GLView* child = firstChild;
+    while (child != nullptr && !child->HitTest(local)) child = child->nextSibling;
+    return child;
+}
+
+void GLView::Enter() const {
+    glTranslatef(x, y, 0.0f);
+    glScalef(scale, scale, 1.0f);
+}
+
+void GLView::SetEnabled(bool on) {
+    if (enabled == on) return;
+    enabled = on;
+    Redraw(Layer::Back);
+}
+
+GLRect GLView::ToParent(const GLRect& area) const {
+    return {area.left * scale + x, area.bottom * scale + y, area.right * scale + x,
+            area.top * scale + y};
 }
 
 }  // namespace brindle

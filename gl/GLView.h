@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 
 #include "gl/GLColor.h"
 #include "gl/GLPoint.h"
@@ -11,6 +12,10 @@
 namespace brindle {
 
 class GLResources;
+
+/// What a frame is made of, from below: what stands still, values on top, and what moves by itself.
+/// The back pass draws the first, the main pass the second, the front pass the last.
+enum class Layer { Back, Main, Front };
 
 /// A node of the editor's tree of views: draws itself in three passes and gets the mouse events
 /// that are routed down the tree. The root, called the page, answers the page services: operations
@@ -74,12 +79,6 @@ class GLView {
     virtual void DrawChildrenBack();
     virtual void DrawChildren();
     virtual void DrawChildrenFront();
-    /// Where the back and main passes draw, in the parent's coordinates: the rectangle, and two
-    /// design points around it for shadows and edges. A view that a page shows by itself and whose
-    /// label stands further out overrides it.
-    virtual GLRect DrawnArea();
-    /// Whether the passes draw a child: all, but on a page that draws a part of its picture anew.
-    virtual bool DrawsChild(GLView& child);
 
     // Coordinates
     virtual GLPoint LocalToPage(GLPoint point);
@@ -161,11 +160,43 @@ class GLView {
     /// Converts a point in place: p = p · scale + (x, y).
     virtual void LocalToParent(GLPoint& point);
 
+    // What redrawing needs. A view whose picture changes by itself asks for it: when the value that
+    // it shows is reported, when it is held, pointed at or enabled, or gets another look.
+    /// Asks the page to draw this view anew in a layer and those above. Nothing happens without a
+    /// page.
+    void Redraw(Layer layer);
+    /// Page service: has an area, in this view's local coordinates, drawn anew.
+    virtual void RedrawArea(const GLRect& area, Layer layer);
+    /// Page service: whether an area, in this view's local coordinates, is being drawn at present:
+    /// always, but while a page draws a part of a layer anew.
+    virtual bool IsDrawn(const GLRect& area);
+    /// All that the back and main passes draw of this view and its children, in the parent's
+    /// coordinates; what is drawn beyond stays behind when it changes. By default the rectangle
+    /// with two design points around it for shadows and edges, and the children's areas.
+    virtual GLRect DrawnArea();
+    /// Whether this is a page, which takes `RedrawArea` and answers `IsDrawn`.
+    virtual bool IsPage() const { return false; }
+    /// Whether the tree's root is a page.
+    bool IsOnPage() const;
+
+    /// Makes a child of some class, which this view owns at once.
+    template <typename View, typename... Arguments>
+    View& Add(Arguments&&... arguments) {
+        auto* child = new View(std::forward<Arguments>(arguments)...);
+        AddChild(child);
+        return *child;
+    }
+    /// The first child that a point in local coordinates hits, null for none.
+    GLView* ChildAt(GLPoint local) const;
+    /// Applies the view's place to the matrix, as every pass begins.
+    void Enter() const;
+    void SetEnabled(bool on);
+
     GLView* nextSibling = nullptr;  ///< owned by the parent
     GLView* firstChild = nullptr;   ///< owned, as are its siblings
     GLView* parent = nullptr;       ///< observed
 
-    /// Sample positions of a plotted curve in Hz; filled by who plots.
+    /// Room for the sample positions of a plotted curve, in Hz.
     std::array<float, 3072> curvePoints{};
     int32_t curvePointCount = 420;
     float curveLowHz = 20.0f;
@@ -175,7 +206,7 @@ class GLView {
     float labelSize = 8.0f;
     GLColor color = kCream;
     bool enabled = true;
-    bool redrawNeeded = false;  ///< on the page: the static layer is out of date
+    bool redrawNeeded = false;  ///< on the page: all layers are out of date
     bool visible = true;
     char* name = nullptr;  ///< owned, from malloc
     char infoTitle[256] = {};
@@ -187,6 +218,16 @@ class GLView {
     float hw = 1.0f;  ///< half width and height
     float hh = 1.0f;
     float hostRate = 32000.0f;  ///< Hz; set on the page by the editor
+
+  private:
+    /// Changes the look or the place, and has both the old and the new picture redrawn.
+    template <typename Change>
+    void ChangeLook(Change change) {
+        Redraw(Layer::Back);
+        change();
+        Redraw(Layer::Back);
+    }
+    GLRect ToParent(const GLRect& area) const;
 };
 
 }  // namespace brindle

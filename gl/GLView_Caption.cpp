@@ -11,13 +11,13 @@ bool GLView_Caption::HitTest(GLPoint /*point*/) {
 
 void GLView_Caption::Draw() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     {
         const MatrixScope matrix;
         if (alignment == kAlignLeft || alignment == kAlignRight) {
             glTranslatef(alignment == kAlignLeft ? -hw : hw, 0.0f, 0.0f);
         }
-        color.Apply();
+        (inContrast ? look.contrast : color).Apply();
         DrawFittedText(look, label, alignment, labelSize * look.s, 2.0f * hw);
     }
     DrawChildren();

@@ -12,7 +12,8 @@ class GLView_Caption : public GLView {
     bool HitTest(GLPoint point) override;
     void Draw() override;
 
-    int alignment = 1;  ///< 0 begins at the left edge, 1 is centred, 2 ends at the right edge
+    bool inContrast = false;  ///< in the page's contrast colour instead of its own
+    int alignment = 1;        ///< 0 begins at the left edge, 1 is centred, 2 ends at the right edge
 };
 
 }  // namespace brindle

@@ -9,6 +9,12 @@
 
 namespace brindle {
 
+void GLView_DB60Meter::SetLevel(float newLevel) {
+    const float before = GetFill();
+    level = newLevel;
+    if (GetFill() != before) Redraw(Layer::Front);
+}
+
 float GLView_DB60Meter::GetFill() const {
     // Neither a NaN nor a negative level is greater than 0.
     const float amplitude = level > 0.0f ? level : 0.0f;

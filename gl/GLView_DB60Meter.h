@@ -16,7 +16,10 @@ class GLView_DB60Meter : public GLView {
     /// The part of the height that is filled, 0 to 1; 0 for what is no level.
     float GetFill() const;
 
-    float level = 0.0f;  ///< linear amplitude, 1 is 0 dB
+    /// Linear amplitude, 1 is 0 dB.
+    void SetLevel(float newLevel);
+
+    float level = 0.0f;
 };
 
 }  // namespace brindle

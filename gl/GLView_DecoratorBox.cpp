@@ -19,15 +19,12 @@ GLView_DecoratorBox::GLView_DecoratorBox() {
 
 bool GLView_DecoratorBox::HitTest(GLPoint point) {
     ParentToLocal(point);
-    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
-        if (child->HitTest(point)) return true;
-    }
-    return false;
+    return ChildAt(point) != nullptr;
 }
 
 void GLView_DecoratorBox::DrawBack() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     const float corner = std::min(hh, (look.boxy ? 1.0f : 12.0f) * look.s);
     const auto layer = [&](float inset) {
         DrawFramedBox(look.resources, style, hw - inset, hh - inset, corner);

@@ -16,7 +16,7 @@ void GLView_Dialog::DrawBack() {}
 
 void GLView_Dialog::Draw() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     slide.Apply();
     DrawPopup(look, hw, hh);
     DrawChildrenBack();
@@ -24,13 +24,17 @@ void GLView_Dialog::Draw() {
 }
 
 void GLView_Dialog::DrawFront() {
-    EnterView(*this);
+    Enter();
     slide.Apply();
     DrawChildrenFront();
 }
 
 GLRect GLView_Dialog::DrawnArea() {
     return {};
+}
+
+void GLView_Dialog::RedrawArea(const GLRect& area, Layer /*layer*/) {
+    GLView::RedrawArea(area, Layer::Front);
 }
 
 }  // namespace brindle

@@ -18,8 +18,9 @@ class GLView_Dialog : public GLView {
     /// Box and children with all their passes: a page draws an open dialog last, on its own.
     void Draw() override;
     void DrawFront() override;
-    /// Nothing: the layers of a page do not show it.
+    /// Nothing: the layers of a page do not show it, and what is in it is drawn above them.
     GLRect DrawnArea() override;
+    void RedrawArea(const GLRect& area, Layer layer) override;
 
     GLAnimator_Translator slide;
 };

@@ -26,15 +26,6 @@ GLView_Knob::GLView_Knob(bool dragsAlongX, float lowValue, float highValue)
     activePort = -1;
 }
 
-void GLView_Knob::SetPort(const HostWriter& hostWriter, uint32_t index) {
-    writer = hostWriter;
-    port = index;
-}
-
-void GLView_Knob::SetTouch(const LV2UI_Touch* touch, uint32_t touchedPort) {
-    gesture.Bind(touch, touchedPort);
-}
-
 void GLView_Knob::SetMapping(float (*toValue)(float), float (*toNormalised)(float)) {
     map = toValue;
     unmap = toNormalised;
@@ -56,6 +47,7 @@ void GLView_Knob::SetUnit(const char* text) {
 
 void GLView_Knob::SetColor(const GLColor& newColor) {
     knobColor = newColor;
+    Redraw(Layer::Back);
 }
 
 void GLView_Knob::SetSensitivity(float changePerPixel) {
@@ -96,6 +88,7 @@ void GLView_Knob::ParameterChanged(uint32_t index) {
     normalised = Normalise(value);
     resetPending_ = false;
     FormatValue(infoText, sizeof infoText, value, style, unit.c_str());
+    Redraw(Layer::Main);
     if (GLView* page = Page()) {
         if (infoTitle[0] != '\0') {
             page->SetInfoTitle(infoTitle);  // whose value it is, whatever the pointer is over
@@ -112,11 +105,9 @@ void GLView_Knob::ParameterChanged(uint32_t index) {
 void GLView_Knob::MouseDown(GLPoint point, GLPoint pagePoint) {
     GLPoint local = point;
     ParentToLocal(local);
-    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
-        if (child->HitTest(local)) {
-            child->MouseDown(local, pagePoint);
-            return;
-        }
+    if (GLView* child = ChildAt(local); child != nullptr) {
+        child->MouseDown(local, pagePoint);
+        return;
     }
     dragStart = dragLast = pagePoint;
     SetCaptured(true);
@@ -177,22 +168,21 @@ ControlFace GLView_Knob::Face(const char* text) {
 
 void GLView_Knob::DrawBack() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     const bool round = IsRound();
     (round ? DrawRoundKnobBack : DrawValueDisplayBack)(look, Face(infoText));
     {
         const MatrixScope matrix;
-        const float below = round ? hw + 12.0f * look.s : hh + 7.0f * look.s;
-        glTranslatef(0.0f, -below, 0.0f);
+        glTranslatef(0.0f, -LabelBelow(), 0.0f);
         color.ApplyFaded(look.enabled ? 0.6f : 0.3f);
-        DrawFittedText(look, label, kAlignCentre, labelSize * look.s, 3.0f * hw);
+        DrawFittedText(look, label, kAlignCentre, labelSize * look.s, kLabelRoom * hw);
     }
     DrawChildrenBack();
 }
 
 void GLView_Knob::Draw() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     {
         const MatrixScope matrix;
         (IsRound() ? DrawRoundKnob : DrawValueDisplay)(look, Face(infoText));
@@ -201,14 +191,27 @@ void GLView_Knob::Draw() {
 }
 
 void GLView_Knob::DrawFront() {
-    const Look look(*this);
-    EnterView(*this);
-    if (IsRound()) {
-        DrawRoundKnobState(look, Face(infoText));
-    } else {
-        DrawStateOutline(look, hw, hh);
+    if (!IsRound()) {
+        DrawFrontOutlined();
+        return;
     }
+    Enter();
+    DrawRoundKnobState(Look(*this), Face(infoText));
     DrawChildrenFront();
+}
+
+float GLView_Knob::LabelBelow() {
+    return IsRound() ? hw + 12.0f * GetInterfaceScale() : hh + 7.0f * GetInterfaceScale();
+}
+
+GLRect GLView_Knob::DrawnAreaWithLabel(float below) {
+    const float reach = 0.5f * kLabelRoom * hw;
+    const float bottom = y - below - labelSize * GetInterfaceScale();
+    return GLView_PortControl::DrawnArea().JoinedWith({x - reach, bottom, x + reach, y});
+}
+
+GLRect GLView_Knob::DrawnArea() {
+    return DrawnAreaWithLabel(LabelBelow());
 }
 
 }  // namespace brindle

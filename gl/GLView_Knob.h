@@ -5,8 +5,7 @@
 #include <limits>
 #include <string>
 
-#include "gl/GLView.h"
-#include "gl/host_link.h"
+#include "gl/GLView_Control.h"
 #include "gl/value_text.h"
 
 namespace brindle {
@@ -24,7 +23,7 @@ inline int32_t activePort = -1;
 ///
 /// A wide knob shows as a pill, its value on a track with a mark at `zero`; one that is nearly as
 /// high as wide is round.
-class GLView_Knob : public GLView {
+class GLView_Knob : public GLView_PortControl {
   public:
     static constexpr uint32_t kNoGesturePort = 129;
     static constexpr float kNoLimit = std::numeric_limits<float>::max();
@@ -32,10 +31,6 @@ class GLView_Knob : public GLView {
     /// `dragsAlongX`: dragged sideways rather than upwards. The ends are port values.
     GLView_Knob(bool dragsAlongX, float lowValue, float highValue);
 
-    /// Which port is written, through what.
-    void SetPort(const HostWriter& hostWriter, uint32_t index);
-    /// Whom to tell of drags, null for nobody, and of which port.
-    void SetTouch(const LV2UI_Touch* touch, uint32_t touchedPort);
     /// Replaces the linear scale between low and high. Null for linear.
     void SetMapping(float (*toValue)(float), float (*toNormalised)(float));
     /// Drags stay inside these port values; the wheel does not heed them.
@@ -50,6 +45,8 @@ class GLView_Knob : public GLView {
     void DrawBack() override;
     void Draw() override;
     void DrawFront() override;
+    /// With the label below it.
+    GLRect DrawnArea() override;
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
     void MouseDragTo(GLPoint pagePoint) override;
@@ -69,12 +66,9 @@ class GLView_Knob : public GLView {
     /// Where the value's track starts, normalised: port value 0, or the nearest end.
     float NormalisedZero() const;
 
-    HostWriter writer;
-    uint32_t port = 0;
     uint32_t gesturePort = kNoGesturePort;  ///< gets 1.0 with each drag step
-    TouchGesture gesture;
-    float (*map)(float) = nullptr;    ///< normalised to port value
-    float (*unmap)(float) = nullptr;  ///< port value to normalised
+    float (*map)(float) = nullptr;          ///< normalised to port value
+    float (*unmap)(float) = nullptr;        ///< port value to normalised
     bool sendOnReset = false;
     float resetValue = 0.0f;
     GLPoint dragStart{};  ///< window pixels, as are all page points
@@ -91,6 +85,9 @@ class GLView_Knob : public GLView {
     std::string unit;
 
   protected:
+    static constexpr float kLabelRoom = 3.0f;  ///< half widths
+    /// The view and its label, whose middle stands so far below its own.
+    GLRect DrawnAreaWithLabel(float below);
     /// The control as it is drawn now, with a text.
     ControlFace Face(const char* text);
 
@@ -99,6 +96,8 @@ class GLView_Knob : public GLView {
     bool IsFine();
     void LetGo();
     bool IsRound() const;
+    /// How far below its middle the label stands.
+    float LabelBelow();
 
     /// A reset was written that the host has not reported yet: a drag has no value to go on from.
     bool resetPending_ = false;

@@ -24,11 +24,10 @@ GLView_Menu::GLView_Menu() {
 
 void GLView_Menu::AddItem(uint32_t port, float value, const char* text) {
     const float height = kItemHeight * GetInterfaceScale();
-    auto* item = new GLView_Menu_Item(port, value);
-    item->SetSize(hw * 2.0f, height);
-    item->SetLabel(text);
-    item->SetPosition(0.0f, itemOffset);
-    AddChild(item);
+    auto& item = Add<GLView_Menu_Item>(port, value);
+    item.SetSize(hw * 2.0f, height);
+    item.SetLabel(text);
+    item.SetPosition(0.0f, itemOffset);
     itemOffset += height;
 }
 
@@ -42,6 +41,14 @@ void GLView_Menu::PlaceAt(GLPoint pagePoint) {
     fade = 0.0f;
 }
 
+bool GLView_Menu::HasPort(uint32_t port) const {
+    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
+        const auto* item = dynamic_cast<const GLView_Menu_Item*>(child);
+        if (item != nullptr && item->port == port) return true;
+    }
+    return false;
+}
+
 GLView_Menu_Item* GLView_Menu::PresentItem() {
     for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
         auto* item = dynamic_cast<GLView_Menu_Item*>(child);
@@ -52,10 +59,7 @@ GLView_Menu_Item* GLView_Menu::PresentItem() {
 
 bool GLView_Menu::HitTest(GLPoint point) {
     ParentToLocal(point);
-    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
-        if (child->HitTest(point)) return true;
-    }
-    return false;
+    return ChildAt(point) != nullptr;
 }
 
 void GLView_Menu::Draw() {
@@ -73,7 +77,7 @@ void GLView_Menu::Draw() {
         kBlack.ApplyFaded(fade);
         DrawRect((right - left) * 0.5f, (top - bottom) * 0.5f);
     }
-    EnterView(*this);
+    Enter();
     {
         const MatrixScope matrix;
         const float half = 0.5f * itemOffset;
@@ -84,7 +88,7 @@ void GLView_Menu::Draw() {
 }
 
 void GLView_Menu::DrawFront() {
-    EnterView(*this);
+    Enter();
     DrawChildrenFront();
 }
 

@@ -18,6 +18,8 @@ class GLView_Menu : public GLView_Dialog {
     /// Lets the menu begin bright, as near to a point of the page as it is fully visible. Call it
     /// before the page opens it.
     void PlaceAt(GLPoint pagePoint);
+    /// Whether an entry writes this port.
+    bool HasPort(uint32_t port) const;
     /// The entry whose value the port has, null for none.
     GLView_Menu_Item* PresentItem();
 

@@ -33,6 +33,11 @@ void GLView_MenuSelector::AddItem(uint32_t port, float value, float width, const
     menu.AddItem(port, value, text);
 }
 
+void GLView_MenuSelector::ParameterChanged(uint32_t index) {
+    if (menu.HasPort(index)) Redraw(Layer::Main);
+    GLView::ParameterChanged(index);
+}
+
 void GLView_MenuSelector::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
     if (page == nullptr) return;
     SetCaptured(true);
@@ -48,24 +53,18 @@ void GLView_MenuSelector::MouseUp(GLPoint point) {
 }
 
 void GLView_MenuSelector::DrawBack() {
-    EnterView(*this);
+    Enter();
     DrawKey(Look(*this), hw, hh);
     DrawChildrenBack();
 }
 
 void GLView_MenuSelector::Draw() {
-    EnterView(*this);
+    Enter();
     if (const GLView_Menu_Item* present = menu.PresentItem()) {
         DrawEntry(present->label, labelSize * GetInterfaceScale());
     }
     DrawFrame();
     DrawChildren();
-}
-
-void GLView_MenuSelector::DrawFront() {
-    EnterView(*this);
-    DrawStateOutline(Look(*this), hw, hh);
-    DrawChildrenFront();
 }
 
 void GLView_MenuSelector::DrawEntry(const char* text, float size) {

@@ -30,7 +30,7 @@ void GLView_Menu_Item::Draw() {
     constexpr float kTextMargin = 17.0f;  // design points, room for the tick
     const Look look(*this);
     const float s = look.s;
-    EnterView(*this);
+    Enter();
     if (look.hovered) {
         look.contrast.ApplyFaded(0.85f);
         DrawRoundRect(look.resources, hw, hh - 0.5f * s, look.Corner(hh));

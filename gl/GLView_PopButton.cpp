@@ -23,23 +23,16 @@ void GLView_PopButton::MouseUp(GLPoint point) {
 
 void GLView_PopButton::DrawBack() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     DrawKey(look, hw, hh);
     DrawChildrenBack();
 }
 
 void GLView_PopButton::Draw() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     DrawKeyText(look, label, labelSize * look.s, 2.0f * (hw - 3.0f * look.s), color);
     DrawChildren();
-}
-
-void GLView_PopButton::DrawFront() {
-    const Look look(*this);
-    EnterView(*this);
-    DrawStateOutline(look, hw, hh);
-    DrawChildrenFront();
 }
 
 }  // namespace brindle

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include "gl/GLView.h"
+#include "gl/GLView_Control.h"
 
 namespace brindle {
 
 /// A button with its label on it that opens a dialog, or, where it has none, closes the dialog in
 /// which it stands. It acts when it is released over itself.
-class GLView_PopButton : public GLView {
+class GLView_PopButton : public GLView_Control {
   public:
     void DrawBack() override;
     void Draw() override;
-    void DrawFront() override;
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
 

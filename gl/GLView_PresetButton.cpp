@@ -39,18 +39,11 @@ void GLView_PresetButton::MouseUp(GLPoint /*point*/) {
 
 void GLView_PresetButton::DrawBack() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     DrawKey(look, hw, hh);
     const char* shown = label[0] != '\0' || name == nullptr ? label : name;
     DrawKeyText(look, shown, labelSize * look.s, 2.0f * (hw - 2.0f * look.s), color);
     DrawChildrenBack();
-}
-
-void GLView_PresetButton::DrawFront() {
-    const Look look(*this);
-    EnterView(*this);
-    DrawStateOutline(look, hw, hh);
-    DrawChildrenFront();
 }
 
 }  // namespace brindle

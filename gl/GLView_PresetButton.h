@@ -5,13 +5,12 @@
 #include <cstdint>
 #include <limits>
 
-#include "gl/GLView.h"
-#include "gl/host_link.h"
+#include "gl/GLView_Control.h"
 
 namespace brindle {
 
 /// A button that writes a stored set of port values.
-class GLView_PresetButton : public GLView {
+class GLView_PresetButton : public GLView_Control {
   public:
     /// One value for each port from 0 up.
     using Values = std::array<float, 128>;
@@ -24,7 +23,6 @@ class GLView_PresetButton : public GLView {
     void SetWriter(const HostWriter& hostWriter);
 
     void DrawBack() override;
-    void DrawFront() override;
     /// Writes the values in the order of their ports and clears the page's info text.
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;

@@ -24,7 +24,7 @@ bool GLView_Slider::HitTest(GLPoint point) {
 }
 
 void GLView_Slider::DrawBack() {
-    EnterView(*this);
+    Enter();
     {
         const MatrixScope matrix;
         DrawTrack();
@@ -33,7 +33,7 @@ void GLView_Slider::DrawBack() {
 }
 
 void GLView_Slider::Draw() {
-    EnterView(*this);
+    Enter();
     {
         const MatrixScope matrix;
         DrawValue();
@@ -41,10 +41,13 @@ void GLView_Slider::Draw() {
     DrawChildren();
 }
 
-void GLView_Slider::DrawFront() {
-    EnterView(*this);
-    DrawStateOutline(Look(*this), hw, hh);
-    DrawChildrenFront();
+float GLView_Slider::LabelBelow() {
+    const float s = GetInterfaceScale();
+    return (horizontal ? std::min(hh, kCapWidth * s) : hh) + 7.0f * s;
+}
+
+GLRect GLView_Slider::DrawnArea() {
+    return DrawnAreaWithLabel(LabelBelow());
 }
 
 float GLView_Slider::GetTravel() {
@@ -59,10 +62,9 @@ void GLView_Slider::DrawTrack() {
         DrawDisplay(look, GetTravel() + 3.0f * look.s, 3.0f * look.s);
         DrawGroove(look, color, GetTravel(), NormalisedZero());
     }
-    const float below = (horizontal ? std::min(hh, kCapWidth * look.s) : hh) + 7.0f * look.s;
-    glTranslatef(0.0f, -below, 0.0f);
+    glTranslatef(0.0f, -LabelBelow(), 0.0f);
     color.ApplyFaded(0.6f);
-    DrawFittedText(look, label, kAlignCentre, labelSize * look.s, 3.0f * hw);
+    DrawFittedText(look, label, kAlignCentre, labelSize * look.s, kLabelRoom * hw);
 }
 
 void GLView_Slider::DrawValue() {

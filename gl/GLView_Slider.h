@@ -14,7 +14,8 @@ class GLView_Slider : public GLView_Knob {
     bool HitTest(GLPoint point) override;
     void DrawBack() override;
     void Draw() override;
-    void DrawFront() override;
+    void DrawFront() override { DrawFrontOutlined(); }
+    GLRect DrawnArea() override;
 
     /// Draw around the view's centre what lies beneath the value (back pass), and what shows the
     /// value (main pass).
@@ -22,6 +23,10 @@ class GLView_Slider : public GLView_Knob {
     virtual void DrawValue();
     /// How far the value's mark travels to either side of the centre, in the view's units.
     virtual float GetTravel();
+
+  private:
+    /// How far below its middle the label stands.
+    float LabelBelow();
 };
 
 }  // namespace brindle

@@ -6,6 +6,11 @@
 namespace brindle {
 namespace {
 
+/// Size of the halo's picture that a lit lamp glows with, in half extents, and the share of it
+/// beyond which the picture is clear.
+constexpr GLPoint kGlow = {1.4f, 1.7f};
+constexpr float kGlowRim = 0.98f;
+
 /// Brightens towards the middle of the lamp.
 void DrawGlow(const Look& look, const GLColor& color, float hw, float hh) {
     constexpr GLPoint kDiscs[] = {{0.8f, 0.8f}, {0.7f, 0.6f}, {0.6f, 0.5f}, {0.5f, 0.4f}};
@@ -38,21 +43,23 @@ GLView_Toggle::GLView_Toggle() {
     labelSize = 10.0f;
 }
 
-void GLView_Toggle::SetPort(const HostWriter& hostWriter, uint32_t index) {
-    writer = hostWriter;
-    port = index;
-}
-
-void GLView_Toggle::SetTouch(const LV2UI_Touch* touch, uint32_t touchedPort) {
-    gesture.Bind(touch, touchedPort);
-}
-
 bool GLView_Toggle::IsOn() {
     return GetParameter(port) != 0.0f;
 }
 
 void GLView_Toggle::SetText(const char* newText) {
     text = newText != nullptr ? newText : "";
+    Redraw(Layer::Main);
+}
+
+void GLView_Toggle::ParameterChanged(uint32_t index) {
+    if (index == port) Redraw(Layer::Back);
+    GLView::ParameterChanged(index);
+}
+
+GLRect GLView_Toggle::DrawnArea() {
+    const GLPoint reach = {kGlowRim * kGlow.x * hw, kGlowRim * kGlow.y * hh};
+    return GLView::DrawnArea().JoinedWith({x - reach.x, y - reach.y, x + reach.x, y + reach.y});
 }
 
 void GLView_Toggle::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
@@ -73,11 +80,11 @@ void GLView_Toggle::SetCaptured(bool on) {
 
 void GLView_Toggle::DrawBack() {
     const Look look(*this);
-    EnterView(*this);
+    Enter();
     if (IsOn() && look.enabled && !look.flat) {
         color.ApplyFaded(0.4f);
-        DrawTexture(look.resources != nullptr ? look.resources->defaultImage : 0, 1.4f * hw,
-                    1.7f * hh);
+        DrawTexture(look.resources != nullptr ? look.resources->defaultImage : 0, kGlow.x * hw,
+                    kGlow.y * hh);
     }
     DrawKey(look, hw, hh);
     DrawChildrenBack();
@@ -86,7 +93,7 @@ void GLView_Toggle::DrawBack() {
 void GLView_Toggle::Draw() {
     const Look look(*this);
     const bool on = IsOn();
-    EnterView(*this);
+    Enter();
     {
         const MatrixScope matrix;
         if (look.captured) glScalef((hw - look.s) / hw, (hh - look.s) / hh, 1.0f);
@@ -100,13 +107,6 @@ void GLView_Toggle::Draw() {
         DrawGloss(look.resources, hw, hw);
     }
     DrawChildren();
-}
-
-void GLView_Toggle::DrawFront() {
-    const Look look(*this);
-    EnterView(*this);
-    DrawStateOutline(look, hw, hh);
-    DrawChildrenFront();
 }
 
 }  // namespace brindle

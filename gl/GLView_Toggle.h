@@ -4,24 +4,21 @@
 #include <cstdint>
 #include <string>
 
-#include "gl/GLView.h"
-#include "gl/host_link.h"
+#include "gl/GLView_Control.h"
 
 namespace brindle {
 
 /// A lamp button that switches one port between 0 and 1. It lights when the host reports the value.
-class GLView_Toggle : public GLView {
+class GLView_Toggle : public GLView_PortControl {
   public:
     GLView_Toggle();
 
-    /// Which port is switched, through what.
-    void SetPort(const HostWriter& hostWriter, uint32_t index);
-    /// Whom to tell of presses, null for nobody, and of which port.
-    void SetTouch(const LV2UI_Touch* touch, uint32_t touchedPort);
-
+    /// Its lamp is lit or not.
+    void ParameterChanged(uint32_t index) override;
     void DrawBack() override;
     void Draw() override;
-    void DrawFront() override;
+    /// With the glow around it.
+    GLRect DrawnArea() override;
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
     /// A toggle that loses the pointer ends the gesture.
@@ -32,9 +29,6 @@ class GLView_Toggle : public GLView {
     /// The lamp's text.
     virtual void SetText(const char* newText);
 
-    HostWriter writer;
-    uint32_t port = 0;
-    TouchGesture gesture;
     std::string text;
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "gl/drawing.h"
 
+#include <span>
+
 #include "gl/GLRect.h"
 #include "gl/settings.h"
 
@@ -106,20 +108,24 @@ void EmitCross(float hw, float hh, float r) {
     EmitQuad({hw - r, -hh + r, hw, hh - r});
 }
 
-/// A rounded edge, above or below, whose colour fades towards the middle of the rectangle.
-void DrawFadingEdge(GLuint texture, float hw, float hh, float r, bool upper, const GLColor& edge) {
-    const GLColor inside = Faded(edge, 0.0f);
-    const Fade fade = upper ? Fade{edge, inside} : Fade{inside, edge};
+/// The inner edges of something sunken: shade at the upper one, light at the lower one.
+struct InnerEdge {
+    GLRect corners[2];
+    GLRect middle;
+    const Corner& left;
+    const Corner& right;
+    Fade fade;
+};
+InnerEdge MakeInnerEdge(float hw, float hh, float r, bool upper, const GLColor& edge) {
     const Corner& left = upper ? kUpperLeft : kLowerLeft;
     const Corner& right = upper ? kUpperRight : kLowerRight;
-    {
-        const TexturedQuads quads(texture);
-        EmitQuad(CornerArea(left, hw, hh, r), left.texture, &fade);
-        EmitQuad(CornerArea(right, hw, hh, r), right.texture, &fade);
-    }
-    const PlainQuads quads;
+    const GLColor inside = Faded(edge, 0.0f);
     const float bottom = upper ? hh - r : -hh;
-    EmitQuad({-hw + r, bottom, hw - r, bottom + r}, kWholeTexture, &fade);
+    return {{CornerArea(left, hw, hh, r), CornerArea(right, hw, hh, r)},
+            {-hw + r, bottom, hw - r, bottom + r},
+            left,
+            right,
+            upper ? Fade{edge, inside} : Fade{inside, edge}};
 }
 
 }  // namespace
@@ -210,9 +216,20 @@ void DrawWell(const GLResources* resources, float hw, float hh, float r, const G
 void DrawShadow(const GLResources* resources, float hw, float hh, float r, bool lower) {
     if (resources == nullptr || themeFlat) return;
     const float d = 2.0f * resources->interfaceScale;
-    const GLuint texture = resources->mipTexture150;
-    DrawFadingEdge(texture, hw - d, hh - d, r, true, Faded(shadeColor, 0.4f));
-    if (lower) DrawFadingEdge(texture, hw - d, hh - d, r, false, Faded(lightColor, 0.3f));
+    const InnerEdge edges[] = {
+        MakeInnerEdge(hw - d, hh - d, r, true, Faded(shadeColor, 0.4f)),
+        MakeInnerEdge(hw - d, hh - d, r, false, Faded(lightColor, 0.3f)),
+    };
+    const std::span drawn(edges, lower ? 2 : 1);
+    {
+        const TexturedQuads quads(resources->mipTexture150);
+        for (const InnerEdge& edge : drawn) {
+            EmitQuad(edge.corners[0], edge.left.texture, &edge.fade);
+            EmitQuad(edge.corners[1], edge.right.texture, &edge.fade);
+        }
+    }
+    const PlainQuads quads;
+    for (const InnerEdge& edge : drawn) EmitQuad(edge.middle, kWholeTexture, &edge.fade);
 }
 
 void DrawGloss(const GLResources* resources, float hw, float hh) {

@@ -75,11 +75,6 @@ float Look::TextAlpha() const {
     return enabled || captured ? 0.8f : 0.45f;
 }
 
-void EnterView(const GLView& view) {
-    glTranslatef(view.x, view.y, 0.0f);
-    glScalef(view.scale, view.scale, 1.0f);
-}
-
 GLColor Lightened(const GLColor& color, float share) {
     return {color.red + (1.0f - color.red) * share, color.green + (1.0f - color.green) * share,
             color.blue + (1.0f - color.blue) * share, color.alpha};

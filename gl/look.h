@@ -37,9 +37,6 @@ struct Look {
     float TextAlpha() const;
 };
 
-/// Applies a view's place to the matrix, as every pass begins.
-void EnterView(const GLView& view);
-
 /// A colour with each component moved towards white, 0 to 1.
 GLColor Lightened(const GLColor& color, float share);
 

@@ -21,6 +21,8 @@ constexpr float kPanelBelow = 40.0f;
 constexpr float kPanelBeside = 32.0f;
 constexpr float kPanelBeyond = 72.0f;
 constexpr float kPanelCorner = 8.0f;
+/// How far handles reach beyond the middle of their discs.
+constexpr float kHandleReach = 12.0f;
 
 bool IsSectionPort(uint32_t index) {
     return index >= section_port(0) && index < section_port(kSectionCount);
@@ -39,12 +41,33 @@ void GLView_ParametricEQ::ParameterChanged(uint32_t index) {
         }
     }
     if (IsSectionPort(index)) filtersDirty = true;
+    if (index >= strip_port(0) && index < strip_port(kStripCount)) RedrawCurve();
     GLView::ParameterChanged(index);
+}
+
+void GLView_ParametricEQ::RedrawCurve() {
+    if (!IsOnPage()) return;
+    // The handles reach beyond the edges, and stand above the graph where the curve leaves it.
+    const float reach = kHandleReach * GetPixelSize();
+    RedrawArea({-hw - reach, -hh - reach, hw + reach, GetViewTop() - y}, Layer::Main);
+}
+
+void GLView_ParametricEQ::SelectHandle(int32_t handle) {
+    if (selectedHandle == handle) return;
+    selectedHandle = handle;
+    Redraw(Layer::Front);
+}
+
+void GLView_ParametricEQ::AddSpectrumRow(int32_t row, const float* levels_db) {
+    std::copy_n(levels_db, kPlotBins, spectrum.rows[static_cast<size_t>(row)].begin());
+    spectrum.newest = row;
+    Redraw(Layer::Front);
 }
 
 void GLView_ParametricEQ::MarkAllDirty(bool dirty) {
     bandDirty.fill(dirty);
     filtersDirty = dirty;
+    if (dirty) RedrawCurve();
 }
 
 void GLView_ParametricEQ::UpdateCurves() {
@@ -88,10 +111,7 @@ void GLView_ParametricEQ::SumCurves() {
 bool GLView_ParametricEQ::HitTest(GLPoint point) {
     ParentToLocal(point);
     if (std::abs(point.y) - kReachY > hh || std::abs(point.x) - kReachX > hw) return false;
-    for (GLView* handle = firstChild; handle != nullptr; handle = handle->nextSibling) {
-        if (handle->HitTest(point)) return true;
-    }
-    return false;
+    return ChildAt(point) != nullptr;
 }
 
 GraphLook GLView_ParametricEQ::Look() {

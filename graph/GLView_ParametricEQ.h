@@ -44,6 +44,11 @@ class GLView_ParametricEQ : public GLView {
     /// The panel around the graph, and all above it, where handles stand that leave the graph.
     GLRect DrawnArea() override;
 
+    /// Shows another handle as the selected one, -1 for none.
+    void SelectHandle(int32_t handle);
+    /// Shows a row of the analyser, an index of the ring and its levels, as the newest one.
+    void AddSpectrumRow(int32_t row, const float* levels_db);
+
     /// What the graph is drawn with, for those that draw upon it.
     GraphLook Look();
 
@@ -58,6 +63,7 @@ class GLView_ParametricEQ : public GLView {
 
   private:
     void UpdateCurve(int strip);
+    void RedrawCurve();
     void SumCurves();
 
     std::array<Curve, kStripCount> curves_{};

@@ -10,6 +10,7 @@
 #include "gl/GLAnimator.h"
 #include "gl/drawing.h"
 #include "graph/scales.h"
+#include "graph/strip_colors.h"
 
 namespace brindle {
 namespace {
@@ -73,10 +74,6 @@ bool GLView_ParametricEQGrabber::IsOn() {
     return GetParameter(firstPort + kEnable) != 0.0f;
 }
 
-GLColor GLView_ParametricEQGrabber::BandColor() const {
-    return IsBand() ? kSage : kAmber;
-}
-
 float GLView_ParametricEQGrabber::KnownValue(uint32_t controlPort) {
     return graph_.restored.Find(controlPort, GetEventTime()).value_or(GetParameter(controlPort));
 }
@@ -104,7 +101,7 @@ bool GLView_ParametricEQGrabber::HitTest(GLPoint point) {
                           point.y < kStripTop * m - graph_.hh &&
                           std::abs(point.x - place.x) < reach;
     if (!onHandle && !onMarker) return false;
-    graph_.selectedHandle = index;
+    graph_.SelectHandle(index);
     return true;
 }
 
@@ -221,13 +218,19 @@ void GLView_ParametricEQGrabber::Draw() {
     const GraphLook look = graph_.Look();
     const GLPoint place = Place();
     glTranslatef(place.x, place.y, 0.0f);
-    BandColor().Apply();
+    HandleColor(index).Apply();
     DrawDisc(GetResources(), hw + look.m, hw + look.m);
     look.background.Apply();
     DrawDisc(GetResources(), hw - 2.0f * look.m, hw - 2.0f * look.m);
     look.foreground.Apply();
     glScalef(8.0f * look.m, 8.0f * look.m, 1.0f);
     DrawText(GetResources(), label, kAlignCentre);
+}
+
+GLRect GLView_ParametricEQGrabber::DrawnArea() {
+    const float reach = hw + 2.0f * GetPixelSize();
+    const GLPoint place = Place();
+    return {place.x - reach, place.y - reach, place.x + reach, place.y + reach};
 }
 
 void GLView_ParametricEQGrabber::DrawFront() {
@@ -246,7 +249,7 @@ void GLView_ParametricEQGrabber::DrawMarkerAt(float placeX, const GraphLook& loo
     constexpr float kRise = kSize * (0.5773503f - 0.4330127f);
     const MatrixScope matrix;
     glTranslatef(placeX, (-44.0f + kRise) * look.m - graph_.hh, 0.0f);
-    BandColor().Apply();
+    HandleColor(index).Apply();
     DrawMarker(kSize * look.m);
     look.background.Apply();
     DrawMarker(kInnerSize * look.m);
@@ -266,7 +269,7 @@ void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint pl
         const float bottom = -graph_.hh - 36.0f * look.m;
         const MatrixScope matrix;
         glTranslatef(place.x, (top + bottom) / 2.0f, 0.0f);
-        BandColor().ApplyFaded(0.7f);
+        HandleColor(index).ApplyFaded(0.7f);
         DrawRect(look.m / 2.0f, (top - bottom) / 2.0f);
     }
     DrawReadout(look, place.x);

@@ -45,6 +45,8 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     void DrawBack() override {}
     void Draw() override;
     void DrawFront() override;
+    /// Around its disc.
+    GLRect DrawnArea() override;
 
     /// Where the handle is, in the graph's coordinates.
     GLPoint Place();
@@ -54,9 +56,8 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     const uint32_t firstPort;
 
   private:
-    bool IsBand() const { return index < kBandCount; }
+    bool IsBand() const { return is_band(index); }
     bool IsOn();
-    GLColor BandColor() const;
     /// What a control is set to, whether the host has reported it or not.
     float KnownValue(uint32_t controlPort);
     float DragSpeed();

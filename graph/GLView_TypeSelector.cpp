@@ -10,7 +10,7 @@ const char* GLView_TypeSelector::ShortLabel() {
 }
 
 void GLView_TypeSelector::Draw() {
-    EnterView(*this);
+    Enter();
     DrawEntry(ShortLabel(), labelSize * GetInterfaceScale());
     DrawFrame();
     DrawChildren();

@@ -5,6 +5,8 @@
 #include <cmath>
 
 #include "contract/presets.h"
+#include "editor/pugl_window.h"
+#include "gl/drawing.h"
 #include "gl/settings.h"
 #include "tests/editor/panel_fixture.h"
 
@@ -158,10 +160,11 @@ TEST_F(Panel, DrawsAnewForNewsOnly) {
         EXPECT_EQ(Root().GetParameter(port), port < 128 ? value : 0.0f);
         return Root().IsStale();
     };
-    EXPECT_TRUE(draws_anew(127, 0.0f));  // told for the first time
-    EXPECT_FALSE(draws_anew(127, 0.0f));
     EXPECT_TRUE(draws_anew(kTrimPort, -1.0f));
-    EXPECT_TRUE(draws_anew(200, 1.0f));
+    EXPECT_FALSE(draws_anew(kTrimPort, -1.0f));
+    EXPECT_TRUE(draws_anew(band_port(3) + kEnable, 0.0f));
+    EXPECT_FALSE(draws_anew(127, 1.0f));  // no view shows these
+    EXPECT_FALSE(draws_anew(200, 1.0f));
     EXPECT_FALSE(draws_anew(kMeterInPort, 0.5f));
     EXPECT_FALSE(draws_anew(kMeterOutPort, 0.25f));
 }
@@ -202,6 +205,8 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
         shown_in_parts();
         held->SetCaptured(false);
         shown_in_parts();
+        view->SetPosition(view->x + 0.01f, view->y);
+        before = shown_in_parts();
     }
     for (const auto& [newWidth, newHeight] : {std::pair(1333, 700), {777, 600}}) {
         host.window.ResizeWindow(host.child, width = newWidth, height = newHeight);
@@ -211,6 +216,54 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
     themeFlat = true;  // as another editor of the process may set it
     EXPECT_TRUE(shown_in_parts() != before);
     themeFlat = false;
+}
+
+// What a view draws beyond its area would stay behind when it changes.
+TEST_F(Panel, EachViewDrawsInsideItsArea) {
+    constexpr int kWidth = 1000;
+    constexpr int kHeight = 600;
+    ASSERT_TRUE(static_cast<EditorInstance*>(host.handle)->puglView->MakeCurrent());
+    glViewport(0, 0, kWidth, kHeight);
+    glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
+    std::vector<uint8_t> pixels(size_t{4} * kWidth * kHeight);
+    const auto expect_inside = [&](GLView& view) {
+        glClear(GL_COLOR_BUFFER_BIT);
+        for (void (GLView::*pass)() : {&GLView::DrawBack, &GLView::Draw}) {
+            const MatrixScope matrix;
+            if (view.parent != &Root()) view.parent->Enter();
+            (view.*pass)();
+        }
+        glReadPixels(0, 0, kWidth, kHeight, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        GLRect area = view.DrawnArea();
+        if (view.parent != &Root()) {
+            const GLPoint at = view.parent->GetPosition();
+            area = {area.left + at.x, area.bottom + at.y, area.right + at.x, area.top + at.y};
+        }
+        const uint8_t ground = pixels[0];
+        int outside = 0;
+        for (int i = 0; i < kWidth * kHeight; ++i) {
+            const float x = (static_cast<float>(i % kWidth) + 0.5f) / 300.0f - 5.0f / 3.0f;
+            const float y = (static_cast<float>(i / kWidth) + 0.5f) / 300.0f - 1.0f;
+            if (pixels[static_cast<size_t>(4 * i)] == ground) continue;
+            outside += x < area.left || x > area.right || y < area.bottom || y > area.top;
+        }
+        EXPECT_EQ(outside, 0) << typeid(view).name() << " " << view.infoTitle << view.label;
+    };
+    for (int strip = 0; strip < kStripCount; ++strip) {
+        Report(strip_port(strip) + kEnable, 1.0f);
+        Report(strip_port(strip) + kGain, strip % 2 == 0 ? 18.0f : -18.0f);
+    }
+    host.IdleTimes(2);
+    for (GLView* view = Root().firstChild; view != nullptr; view = view->nextSibling) {
+        expect_inside(*view);
+        for (GLView* child = view->firstChild; child != nullptr; child = child->nextSibling) {
+            for (const bool held : {false, true}) {
+                child->SetCaptured(held);
+                expect_inside(*child);
+            }
+            child->SetCaptured(false);
+        }
+    }
 }
 
 TEST_F(Panel, WorksInAHostThatReportsNothingBack) {
