@@ -149,7 +149,7 @@ void draw_frequency_grid(cairo_t* context, const Area& area) {
 
 std::string value_label(const PlotScale& scale, double value) {
     std::array<char, 32> digits{};
-    std::snprintf(digits.data(), digits.size(), "%g", std::abs(value));
+    std::snprintf(digits.data(), digits.size(), "%g", std::fabs(value));
     return (value < 0.0                      ? kMinus
             : value > 0.0 && scale.low < 0.0 ? "+"
                                              : "") +

@@ -10,6 +10,9 @@
 #include "gl/settings.h"
 #include "tests/editor/panel_fixture.h"
 
+// Behind all others: Xlib defines words that they use.
+#include <GL/glx.h>
+
 namespace brindle {
 namespace {
 
@@ -222,9 +225,6 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
 TEST_F(Panel, EachViewDrawsInsideItsArea) {
     constexpr int kWidth = 1000;
     constexpr int kHeight = 600;
-    ASSERT_TRUE(static_cast<EditorInstance*>(host.handle)->puglView->MakeCurrent());
-    glViewport(0, 0, kWidth, kHeight);
-    glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
     std::vector<uint8_t> pixels(size_t{4} * kWidth * kHeight);
     const auto expect_inside = [&](GLView& view) {
         glClear(GL_COLOR_BUFFER_BIT);
@@ -254,6 +254,9 @@ TEST_F(Panel, EachViewDrawsInsideItsArea) {
         Report(strip_port(strip) + kGain, strip % 2 == 0 ? 18.0f : -18.0f);
     }
     host.IdleTimes(2);
+    ASSERT_TRUE(static_cast<EditorInstance*>(host.handle)->puglView->MakeCurrent());
+    glViewport(0, 0, kWidth, kHeight);
+    glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
     for (GLView* view = Root().firstChild; view != nullptr; view = view->nextSibling) {
         expect_inside(*view);
         for (GLView* child = view->firstChild; child != nullptr; child = child->nextSibling) {
@@ -264,6 +267,7 @@ TEST_F(Panel, EachViewDrawsInsideItsArea) {
             child->SetCaptured(false);
         }
     }
+    glXMakeCurrent(glXGetCurrentDisplay(), 0, nullptr);  // as the editor found it
 }
 
 TEST_F(Panel, WorksInAHostThatReportsNothingBack) {
