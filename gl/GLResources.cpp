@@ -38,25 +38,9 @@ struct QuietScope {
     QuietScope& operator=(const QuietScope&) = delete;
 };
 
-/// A glyph's texture with smaller levels, for texts that are drawn straight into a window of the
-/// design size: a linear filter alone would skip strokes there. One level at a time keeps edges
-/// sharper than two mixed, and with the bias the full picture serves down to half its size.
-GLuint LoadGlyph(const char* path) {
-    const GLuint texture = LoadTexture(path);
-    if (texture != 0) {
-        glGenerateMipmap(GL_TEXTURE_2D);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 2);
-        glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_LOD_BIAS, -0.5f);
-    }
-    return texture;
-}
-
-}  // namespace
-
-GLuint LoadTexture(const char* path) {
+/// A texture of a picture file, with linear filters, and the picture; 0 where it cannot be read.
+GLuint LoadTexture(const char* path, Bitmap& image) {
     glGetError();
-    Bitmap image;
     if (!LoadBitmap(path, image)) return 0;
     GLuint texture = 0;
     glGenTextures(1, &texture);
@@ -65,6 +49,47 @@ GLuint LoadTexture(const char* path) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     UploadLevel(0, image, path);
     return texture;
+}
+
+/// `image` at half its size, rounded as software GL rounds; empty where a side is a single pixel.
+Bitmap Halved(const Bitmap& image) {
+    Bitmap half{image.width / 2, image.height / 2, {}};
+    const auto stride = static_cast<size_t>(image.width) * 4;
+    for (size_t y = 0; y < static_cast<size_t>(half.height); ++y) {
+        for (size_t i = 0; i < static_cast<size_t>(half.width) * 4; ++i) {
+            const uint8_t* at = &image.pixels[2 * y * stride + i / 4 * 8 + i % 4];
+            const int lower = (at[0] + at[4] + 1) / 2;
+            const int upper = (at[stride] + at[stride + 4] + 1) / 2;
+            half.pixels.push_back(static_cast<uint8_t>((lower + upper + 1) / 2));
+        }
+    }
+    return half;
+}
+
+/// A glyph's texture with smaller levels, for texts that are drawn straight into a window of the
+/// design size: a linear filter alone would skip strokes there. One level at a time keeps edges
+/// sharper than two mixed, and with the bias the full picture serves down to half its size. GL
+/// would take longer for the first of these levels than for all else here: it compiles a program
+/// for it.
+GLuint LoadGlyph(const char* path) {
+    Bitmap image;
+    const GLuint texture = LoadTexture(path, image);
+    if (texture == 0) return 0;
+    int level = 0;
+    for (Bitmap half = Halved(image); level < 2 && !half.pixels.empty(); half = Halved(half)) {
+        UploadLevel(++level, half, path);
+    }
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, level);
+    glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_LOD_BIAS, -0.5f);
+    return texture;
+}
+
+}  // namespace
+
+GLuint LoadTexture(const char* path) {
+    Bitmap image;
+    return LoadTexture(path, image);
 }
 
 GLResources::GLResources(float pageScale) : interfaceScale(pageScale) {
