@@ -169,11 +169,11 @@ void GLView_StripEqView::PortEvent(uint32_t port, uint32_t size, uint32_t format
     if (const auto plot = connection_.ReadPlot(format, buffer, size)) {
         graph_->AddSpectrumRow(plot->id, plot->values);
     } else if (const auto value = connection_.ReadControl(port, format, buffer, size)) {
-        TakeControl(port, *value);
+        ApplyReport(port, *value);
     }
 }
 
-void GLView_StripEqView::TakeControl(uint32_t port, float value) {
+void GLView_StripEqView::ApplyReport(uint32_t port, float value) {
     if (!std::exchange(hasReportedControl_, true)) {
         graph_->MarkAllDirty(true);
         redrawNeeded = true;
@@ -183,9 +183,9 @@ void GLView_StripEqView::TakeControl(uint32_t port, float value) {
     if (port == kMeterOutPort) outputMeter_->SetLevel(value);
 }
 
-void GLView_StripEqView::TakeUnreportedWrites() {
-    connection_.TakeUnreported(HostConnection::Now(),
-                               [this](uint32_t port, float value) { TakeControl(port, value); });
+void GLView_StripEqView::AssumeUnreportedWrites() {
+    connection_.ForEachOverdue(HostConnection::Now(),
+                               [this](uint32_t port, float value) { ApplyReport(port, value); });
 }
 
 void GLView_StripEqView::SendParameter(uint32_t index, float value) {

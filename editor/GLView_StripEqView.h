@@ -24,7 +24,7 @@ class GLView_StripEqView : public GLView_BaseView {
     /// meters, an analyser row the graph. All else is ignored.
     void PortEvent(uint32_t port, uint32_t size, uint32_t format, const void* buffer);
     /// Takes the writes as reported that the host has not answered in time. Call it when idle.
-    void TakeUnreportedWrites();
+    void AssumeUnreportedWrites();
 
     void SendParameter(uint32_t index, float value) override;
     /// Switch the engine's analyser on, and off.
@@ -38,7 +38,7 @@ class GLView_StripEqView : public GLView_BaseView {
     void DrawBackground() override;
 
   private:
-    void TakeControl(uint32_t port, float value);
+    void ApplyReport(uint32_t port, float value);
     // The pieces of the panel, in the order in which they are asked for the pointer.
     void AddFlatAll();
     void AddGraph(const LV2UI_Touch* touch);

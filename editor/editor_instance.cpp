@@ -127,7 +127,7 @@ void CloseEditor(EditorInstance* instance) {
 
 void IdleEditor(EditorInstance& instance) {
     if (instance.rootView == nullptr) return;
-    instance.rootView->TakeUnreportedWrites();
+    instance.rootView->AssumeUnreportedWrites();
     instance.puglView->ProcessEvents();
     instance.puglView->PostRedisplay();
 }

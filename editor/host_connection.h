@@ -25,7 +25,7 @@ class HostConnection {
     /// Writes a control port.
     void Write(uint32_t port, float value);
     /// What widgets write through: passes everything on to the host unchanged, and remembers
-    /// control values for `TakeUnreported`.
+    /// control values for `ForEachOverdue`.
     HostWriter GetWriter() { return {PassOn, this}; }
 
     /// Ask the engine for analyser rows, and for no more of them.
@@ -38,10 +38,11 @@ class HostConnection {
     /// last write needs no report.
     std::optional<float> ReadControl(uint32_t port, uint32_t format, const void* buffer,
                                      uint32_t size);
-    /// Calls `take(port, value)` for the writes that the host does not report (see PendingWrites).
-    template <typename Take>
-    void TakeUnreported(int64_t now_ms, Take take) {
-        pending_.TakeDue(now_ms, take);
+    /// Calls `assume(port, value)` for the writes that the host does not report (see
+    /// PendingWrites).
+    template <typename Assume>
+    void ForEachOverdue(int64_t now_ms, Assume assume) {
+        pending_.ForEachOverdue(now_ms, assume);
     }
     /// The steady clock that writes are dated by, ms.
     static int64_t Now();

@@ -20,15 +20,15 @@ class PendingWrites {
     /// The host has reported the port, whatever value it has.
     void Reported(uint32_t port);
 
-    /// Calls `take(port, value)` for each port whose first unreported write is 100 ms old, with the
-    /// value written last. Those count as reported.
-    template <typename Take>
-    void TakeDue(int64_t now_ms, Take take) {
+    /// Calls `assume(port, value)` for each port whose first unreported write is 100 ms old, with
+    /// the value written last. Those count as reported.
+    template <typename Assume>
+    void ForEachOverdue(int64_t now_ms, Assume assume) {
         if (count_ == 0) return;
         for (uint32_t port = 0; port < kPorts; ++port) {
             if (writes_[port].pending && now_ms - writes_[port].since_ms >= kWaitMs) {
                 Reported(port);
-                take(port, writes_[port].value);
+                assume(port, writes_[port].value);
             }
         }
     }

@@ -31,7 +31,7 @@ bool IsSectionPort(uint32_t index) {
 }  // namespace
 
 GLView_ParametricEQ::GLView_ParametricEQ() {
-    SetFrequencyGrid(grid, kPoints, 20.0f, 20000.0f);
+    SetFrequencyGrid(grid, kPoints, kLowestHz, kHighestBandHz);
 }
 
 void GLView_ParametricEQ::ParameterChanged(uint32_t index) {

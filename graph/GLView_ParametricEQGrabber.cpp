@@ -51,7 +51,7 @@ Reached Limit(float position) {
 
 GLView_ParametricEQGrabber::GLView_ParametricEQGrabber(GLView_ParametricEQ& parentGraph,
                                                        int handleIndex)
-    : GLView_Slider(false, -18.0f, 18.0f),
+    : GLView_Slider(false, -kGainRangeDb, kGainRangeDb),
       index(std::clamp(handleIndex, 0, kHandleCount - 1)),
       firstPort(strip_port(index)),
       graph_(parentGraph) {

@@ -5,13 +5,13 @@
 #include <array>
 #include <cmath>
 
+#include "contract/ports.h"
+
 namespace brindle {
 namespace {
 
 constexpr float kLnThousand = 6.9077554f;    // 0.1 to 100, and 20 to 20000
 constexpr float kLnSevenFifty = 6.6200733f;  // 20 to 15000
-constexpr float kGainRangeDb = 36.0f;
-constexpr float kLeastGainDb = -18.0f;
 
 /// Notes as they are counted from C-1 at 8.18 Hz, A4 being the 69th.
 constexpr int kFirstUnnamedNote = 123;
@@ -26,31 +26,31 @@ float NoteHz(int note) {
 }  // namespace
 
 float QAt(float position) {
-    return 0.1f * std::exp(position * kLnThousand);
+    return kLowestQ * std::exp(position * kLnThousand);
 }
 float PositionOfQ(float q) {
-    return std::log(q / 0.1f) / kLnThousand;
+    return std::log(q / kLowestQ) / kLnThousand;
 }
 
 float BandHzAt(float position) {
-    return 20.0f * std::exp(position * kLnThousand);
+    return kLowestHz * std::exp(position * kLnThousand);
 }
 float PositionOfBandHz(float freq_hz) {
-    return std::log(freq_hz / 20.0f) / kLnThousand;
+    return std::log(freq_hz / kLowestHz) / kLnThousand;
 }
 
 float SectionHzAt(float position) {
-    return 20.0f * std::exp(position * kLnSevenFifty);
+    return kLowestHz * std::exp(position * kLnSevenFifty);
 }
 float PositionOfSectionHz(float freq_hz) {
-    return std::log(freq_hz / 20.0f) / kLnSevenFifty;
+    return std::log(freq_hz / kLowestHz) / kLnSevenFifty;
 }
 
 float GainDbAt(float position) {
-    return kGainRangeDb * position + kLeastGainDb;
+    return 2.0f * kGainRangeDb * position - kGainRangeDb;
 }
 float PositionOfGainDb(float gain_db) {
-    return std::clamp((gain_db - kLeastGainDb) / kGainRangeDb, 0.0f, 1.0f);
+    return std::clamp((gain_db + kGainRangeDb) / (2.0f * kGainRangeDb), 0.0f, 1.0f);
 }
 
 std::string NoteName(float freq_hz) {

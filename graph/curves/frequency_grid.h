@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "contract/ports.h"
+
 namespace brindle {
 
 /// Room of a curve and of the frequency axis. Larger than the 800 points drawn, so that the index
@@ -19,8 +21,8 @@ using Curve = std::array<float, kCurveCapacity>;
 /// Frequencies in Hz at which curves are evaluated; the first `count` are in use.
 struct FrequencyGrid {
     int32_t count = 0;
-    float low_hz = 20.0f;
-    float high_hz = 20000.0f;
+    float low_hz = kLowestHz;
+    float high_hz = kHighestBandHz;
     std::array<float, kCurveCapacity> hz = {};
 };
 

@@ -110,8 +110,8 @@ TEST(PendingWrites, CountAsReportedAfterAWhileOnly) {
     std::vector<std::pair<uint32_t, float>> taken;
     const auto take_at = [&](int64_t now_ms) {
         taken.clear();
-        writes.TakeDue(now_ms,
-                       [&](uint32_t port, float value) { taken.emplace_back(port, value); });
+        writes.ForEachOverdue(now_ms,
+                              [&](uint32_t port, float value) { taken.emplace_back(port, value); });
         return taken;
     };
     writes.Written(4, 1.0f, 1000);
@@ -153,9 +153,9 @@ TEST(HostConnection, TakesWritesThatTheHostDoesNotReport) {
         connection.GetWriter().Write(44, -3.0f);
         EXPECT_THAT(host.writes, ElementsAre(Pair(44u, -3.0f)));
         int taken = 0;
-        connection.TakeUnreported(HostConnection::Now(), [&](uint32_t, float) { ++taken; });
+        connection.ForEachOverdue(HostConnection::Now(), [&](uint32_t, float) { ++taken; });
         EXPECT_EQ(taken, 0);
-        connection.TakeUnreported(HostConnection::Now() + 100, [&](uint32_t, float) { ++taken; });
+        connection.ForEachOverdue(HostConnection::Now() + 100, [&](uint32_t, float) { ++taken; });
         EXPECT_EQ(taken, echoes ? 0 : 1);
     }
 }
