@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// What hosts are told about the ports: symbols, names, ranges, defaults, units and properties.
-/// The Turtle data is generated from these tables; indices follow from the layout in brindle.h.
+/// Port descriptions for hosts: symbols, names, ranges, defaults, units and properties. The Turtle
+/// data is generated from these tables; port indices come from brindle.h.
 #pragma once
 
 #include <array>
@@ -13,8 +13,8 @@
 
 namespace brindle {
 
-/// Of two bundles a host loads the one with the higher version. Raise it by 2 whenever ports, types
-/// or presets change.
+/// A host that finds two bundles loads the one with the higher version. Raise it by 2 whenever
+/// ports, types or presets change.
 inline constexpr int kMinorVersion = 4;
 
 /// One of the five controls that every band and every section has.
@@ -80,16 +80,16 @@ inline constexpr ControlRows kSectionControls = {{
 
 /// A band or a section: five consecutive ports that a host shows as one group.
 struct StripRow {
-    const char* label;   ///< on its key and its handle
-    const char* symbol;  ///< before an underscore and a control's symbol
+    const char* label;   ///< on the strip's on/off button and its handle
+    const char* symbol;  ///< prefix of the port symbols, without the underscore
     const char* name;
     const char* short_name;
     const char* group;  ///< fragment of the group's URI, and its symbol
     std::array<float, kControlCount> defaults;
 };
 
-/// By strip. Together the defaults leave the sound unchanged: every shelf and bell stands at 0 dB,
-/// the sections are off.
+/// Indexed by strip. The defaults leave the sound unchanged: shelves and bells are at 0 dB,
+/// sections are off.
 inline constexpr auto kStrips = std::to_array<StripRow>({
     //                                     on    type                                gain [dB], freq [Hz], Q
     {"1", "b1", "Band 1", "B1", "band1", {1.0f, type_value(BandType::LoShelf), 0.0f,   63.0f, 0.71f}},
@@ -113,18 +113,18 @@ constexpr const StripRow& strip_row(int strip) {
 constexpr const ControlRows& strip_controls(int strip) {
     return is_band(strip) ? kBandControls : kSectionControls;
 }
-/// The rows of the types that a strip can have.
+/// The types that a strip can have.
 constexpr std::span<const TypeRow> strip_types(int strip) {
     return is_band(strip) ? std::span<const TypeRow>(kBandTypes) : kSectionTypes;
 }
-/// The row of the type that the value of a strip's type port stands for.
+/// The type that a value of the strip's type port selects.
 constexpr const TypeRow& strip_type(int strip, float value,
                                     TypeReading reading = TypeReading::Sound) {
     return is_band(strip) ? kBandTypes[type_index(decode_type<BandType>(value, reading))]
                           : kSectionTypes[type_index(decode_type<SectionType>(value, reading))];
 }
 
-/// A control port outside the strips.
+/// A control port that belongs to no strip.
 struct SingleControlRow {
     uint32_t index;
     bool is_input;
@@ -160,8 +160,8 @@ struct MessagePortRow {
     const char* comment;
 };
 
-/// Hosts size the notify port's buffer and the queue to the editor by its minimum size. A row of the
-/// analyser takes 1080 bytes; smaller queues than this lose rows.
+/// Hosts derive the notify port's buffer and the queue to the editor from its minimum size. An
+/// analyser row takes 1080 bytes; a smaller queue loses rows.
 inline constexpr std::array<MessagePortRow, 2> kMessagePorts = {{
     {kControlPort, true,  "control", "Control", "lv2:designation lv2:control",
      "Requests of the editor."},
@@ -179,7 +179,7 @@ struct AudioPortRow {
     const char* comment;
 };
 
-/// From kFirstAudioPort on.
+/// Indices start at kFirstAudioPort.
 inline constexpr std::array<AudioPortRow, kMonoPortCount - kFirstAudioPort> kMonoAudioPorts = {{
     {true,  "in",    "Input",        "In",    "monoIn",    "pg:center", "The sound to equalise."},
     {false, "out",   "Output",       "Out",   "monoOut",   "pg:center", "The equalised sound."},

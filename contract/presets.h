@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The factory presets: what the editor's preset buttons write and what `presets.ttl` is made from.
+/// The factory presets. The editor's preset buttons write them; `presets.ttl` is made from them.
 #pragma once
 
 #include <array>

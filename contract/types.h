@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The filter types of bands and sections, and all that anybody needs to know of each.
+/// The filter types of bands and sections: names, properties and menu positions.
 #pragma once
 
 #include <array>
@@ -8,7 +8,7 @@
 
 namespace brindle {
 
-/// What one band, that is one second-order stage, does. The codes are those of the type ports.
+/// Filter type of a band, which is one second-order stage. The numbers are the type port's values.
 enum class BandType : int32_t {
     Flat,
     LowPass6,
@@ -26,7 +26,7 @@ enum class BandType : int32_t {
     Count,  ///< no type
 };
 
-/// What a section, that is a cascade of up to four stages, does.
+/// Filter type of a section, which is a cascade of up to four stages.
 enum class SectionType : int32_t {
     Flat,
     HighPass12,
@@ -49,15 +49,15 @@ enum class SectionType : int32_t {
     Count,  ///< no type
 };
 
-/// A type as users meet it.
+/// Names, properties and menu positions of a type.
 struct TypeRow {
     const char* name;        ///< in menus and in the Turtle data
     const char* short_name;  ///< on narrow displays
     bool heeds_gain;         ///< the gain has an effect
     bool heeds_q;            ///< the Q has an effect
-    bool has_centre;         ///< is searched as a band-pass about its frequency
-    /// Places in the editor's menus from the bottom up, 0 where a menu leaves the type out: that of
-    /// the bands or of section A, and that of section B.
+    bool has_centre;         ///< a search turns it into a band-pass at its frequency
+    /// Position in the menus, counted from the bottom, 0 if a menu lacks the type: first in the
+    /// menu of the bands or of section A, then in that of section B.
     std::array<uint8_t, 2> menu_place;
 };
 
@@ -104,32 +104,32 @@ inline constexpr auto kSectionTypes = std::to_array<TypeRow>({
 });
 // clang-format on
 
-/// How many types there are: the size of every table that is indexed by one.
+/// Number of types: the size of every table indexed by type.
 template <typename Type>
 inline constexpr auto kTypeCount = static_cast<size_t>(Type::Count);
 
 static_assert(kBandTypes.size() == kTypeCount<BandType>);
 static_assert(kSectionTypes.size() == kTypeCount<SectionType>);
 
-/// The place of a type's row in a table.
+/// Index of a type's row in a table.
 template <typename Type>
 constexpr size_t type_index(Type type) {
     return static_cast<size_t>(type);
 }
 
-/// The value of a type port that stands for a type.
+/// The type port's value for a type.
 template <typename Type>
 constexpr float type_value(Type type) {
     return static_cast<float>(static_cast<int32_t>(type));
 }
 
-/// How the value of a type port is read as a type.
+/// How a type port's value is converted to a type.
 enum class TypeReading {
-    Sound,  ///< truncated after adding 0.1; a value that is no type's is Flat
+    Sound,  ///< truncated after adding 0.1; a value outside the types is Flat
     Label,  ///< truncated after adding 0.01; a value beyond the types is the nearest type
 };
 
-/// The type that the value of a type port stands for. NaN is Flat.
+/// The type that a type port's value selects. NaN selects Flat.
 template <typename Type>
 constexpr Type decode_type(float value, TypeReading reading = TypeReading::Sound) noexcept {
     const bool label = reading == TypeReading::Label;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The URIDs of the conversation between engine and editor.
+/// The URIDs of the messages between engine and editor.
 #pragma once
 
 #include <lv2/atom/atom.h>
@@ -11,7 +11,7 @@
 
 namespace brindle {
 
-/// URIDs by which engine and editor know atom types and their own messages.
+/// URIDs of the atom types and of the plugin's own messages.
 struct EqUris {
     LV2_URID atom_blank;
     LV2_URID atom_object;
@@ -27,10 +27,10 @@ struct EqUris {
     LV2_URID plot_array;   ///< Vector of Float, the row in dB
 };
 
-/// Which of the plugin's own URIs are mapped first, behind the atom types.
+/// Which of the plugin's own URIs are mapped first, after the atom types.
 enum class UridOrder { RequestsFirst, MessageFirst };
 
-/// The host's URIDs, all 0 without a `map`, which is borrowed for the call. Call it at
+/// Maps all URIs; every URID is 0 if `map` is null. `map` is only used during the call. Call it at
 /// instantiation.
 inline EqUris map_urids(LV2_URID_Map* map, UridOrder order) {
     struct Row {
