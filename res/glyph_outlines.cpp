@@ -14,13 +14,13 @@
 namespace brindle {
 namespace {
 
-constexpr long kSubpixels = 64;  ///< of FreeType's coordinates
+constexpr long kSubpixels = 64;  ///< FreeType units per pixel
 
-/// How far a character is widened or narrowed to the table's advance, which is the font's own for
-/// digits only; the rest of the difference becomes space on both sides.
+/// How much a character is widened or narrowed, at most, to fill the table's advance (the font's
+/// own for digits only). The rest of the difference becomes space on both sides.
 constexpr double kMaxStretch = 0.1;
 
-/// Weight added to all strokes, in text units: light text on dark ground looks thin when small.
+/// Weight added to all strokes, in text units: small light text on a dark background looks thin.
 constexpr double kExtraWeight = 0.03;
 
 void Check(FT_Error error, const std::string& what) {
@@ -47,7 +47,7 @@ GlyphOutlines::~GlyphOutlines() {
 }
 
 void GlyphOutlines::Load(int character) {
-    // Hinting would move stems to whole pixels of the picture, which are not those of the screen.
+    // Hinting would align stems with the picture's pixels, which are not the screen's pixels.
     Check(FT_Load_Char(face_, static_cast<FT_ULong>(character), FT_LOAD_NO_HINTING),
           "the font lacks character " + std::to_string(character));
 }
@@ -61,7 +61,7 @@ Raster GlyphOutlines::Draw(int character) {
     const double stretch = std::clamp(wanted / advance, 1.0 - kMaxStretch, 1.0 + kMaxStretch);
     const FT_Matrix widen = {std::lround(stretch * 65536.0), 0, 0, 65536};
     FT_Outline_Transform(&slot->outline, &widen);
-    // Added weight grows an outline to the right and upwards.
+    // Emboldening extends an outline to the right and upwards.
     const long weight = std::lround(kExtraWeight * kGlyphSize / 2.0 * kSubpixels);
     FT_Outline_Embolden(&slot->outline, weight);
     const long left = std::lround((kGlyphSize - advance * stretch) / 2.0 * kSubpixels);

@@ -11,16 +11,16 @@ struct FT_LibraryRec_;
 
 namespace brindle {
 
-/// Side of a glyph's picture in pixels. Texts are drawn at 10 to 17 pixels to the text unit, so
-/// that a picture shrinks to between a half and 0.8 of its size: above, texels would show, below,
-/// a linear filter would skip some.
+/// Side of a glyph's picture in pixels. Text is drawn at 10 to 17 pixels per text unit, so a
+/// picture shrinks to between 0.5 and 0.85 of its size. Shrunk less, texels would show; shrunk
+/// more, a linear filter would skip texels.
 inline constexpr int kGlyphSize = 40;
 
-/// Text units to the em of the font.
+/// Text units per em of the font.
 inline constexpr double kEmSize = 1.7014;
 
-/// The characters of a font as glyph pictures: each is centred in its advance, capitals are centred
-/// in height, one text unit is half the picture. Throws std::runtime_error.
+/// Draws a font's characters as glyph pictures. A character is centred in its advance, capitals are
+/// centred vertically; one text unit is half a picture. Failures throw std::runtime_error.
 class GlyphOutlines {
   public:
     explicit GlyphOutlines(const std::string& fontPath);
@@ -28,7 +28,7 @@ class GlyphOutlines {
     GlyphOutlines(const GlyphOutlines&) = delete;
     GlyphOutlines& operator=(const GlyphOutlines&) = delete;
 
-    /// A picture of a character from 32 to 126. Throws where its ink reaches over the picture.
+    /// The picture of a character from 32 to 126. Throws if its ink does not fit into the picture.
     Raster Draw(int character);
 
   private:
@@ -36,7 +36,7 @@ class GlyphOutlines {
 
     FT_LibraryRec_* library_ = nullptr;
     FT_FaceRec_* face_ = nullptr;
-    long baseline_ = 0;  ///< height over the picture's lower edge, 1/64 pixel
+    long baseline_ = 0;  ///< above the picture's lower edge, in 1/64 pixel
 };
 
 }  // namespace brindle

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: ISC
-/// Makes all pictures of the editor: make_pictures FONT DIRECTORY
-/// writes DIRECTORY/images/img_N.bmp and DIRECTORY/chars/char_N; res/README.md tells what they
-/// show. The same font gives the same bytes.
+/// Makes all pictures of the editor. Usage: make_pictures FONT DIRECTORY. Writes
+/// DIRECTORY/images/img_N.bmp and DIRECTORY/chars/char_N, which res/README.md describes. The same
+/// font gives the same bytes.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -52,7 +52,7 @@ Shade Halo(double x, double y) {
     return {1.0, rest * rest};
 }
 
-/// The characters behind the font's: what the editor needs beside letters, in text units.
+/// The glyphs that follow the font's characters: symbols of the editor, in text units.
 constexpr double kAdvance127 = kGlyphAdvances[127 - kFirstGlyph];
 
 Shade Cursor(double x, double y) {
@@ -70,7 +70,7 @@ Shade Triangle(double x, double y) {
     return {1.0, y <= kTop && std::abs(x) <= halfWidth ? 1.0 : 0.0};
 }
 
-/// Distance from a line between two points.
+/// Distance from the line segment between two points.
 double Distance(double x, double y, double ax, double ay, double bx, double by) {
     const double length2 = (bx - ax) * (bx - ax) + (by - ay) * (by - ay);
     const double along = ((x - ax) * (bx - ax) + (y - ay) * (by - ay)) / length2;

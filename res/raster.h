@@ -8,7 +8,7 @@
 
 namespace brindle {
 
-/// What a shape is at one point: a grey, and how much of it there is (0 or 1, or soft).
+/// Grey and opacity of a shape at one point, 0 to 1.
 struct Shade {
     double light;
     double alpha;
@@ -17,7 +17,7 @@ struct Shade {
 /// A shape over the square from -1 to 1, y upwards.
 using Shape = Shade (*)(double x, double y);
 
-/// A grey and alpha of a picture, not premultiplied.
+/// Grey and alpha of a picture's pixel, not premultiplied.
 struct Texel {
     uint8_t light = 255;
     uint8_t alpha = 0;
@@ -33,8 +33,8 @@ inline uint8_t ToByte(double value) {
     return static_cast<uint8_t>(std::lround(value * 255.0));
 }
 
-/// The shape averaged over each pixel, at 16 x 16 points. A pixel's grey is that of the shape's
-/// part of it only, so that edges do not darken.
+/// Averages a shape over each pixel, at 16 x 16 points. The grey is averaged over the points inside
+/// the shape only, so that edges do not darken.
 inline Raster Rasterise(Shape shape, int size) {
     constexpr int kGrid = 16;
     Raster raster{size, {}};
