@@ -9,7 +9,7 @@
 
 namespace brindle {
 
-/// A movement that runs by the clock. UI thread.
+/// A movement timed by the wall clock. UI thread.
 class GLAnimator {
   public:
     /// One straight move; `duration` is in seconds.
@@ -24,9 +24,9 @@ class GLAnimator {
     GLAnimator& operator=(const GLAnimator&) = delete;
     virtual ~GLAnimator() = default;
 
-    /// Plays from the first segment on, starting now.
+    /// Restarts the movement at its first segment, now.
     virtual void Restart() = 0;
-    /// Applies the movement to the current GL matrix. The progress of the current segment from 0
+    /// Applies the movement to the current GL matrix. Returns the current segment's progress from 0
     /// to 1, or -1 when the path is finished.
     virtual float Apply() = 0;
 
@@ -34,13 +34,13 @@ class GLAnimator {
     std::vector<Segment> segments;
 };
 
-/// Translates along its segments, each fast at first and slow at its end (a quarter sine).
-/// Starts when it is made.
+/// Translates along its segments. Each segment starts fast and slows down (a quarter sine). The
+/// movement starts at construction.
 class GLAnimator_Translator : public GLAnimator {
   public:
-    /// Where a path is at one moment.
+    /// A position on a path.
     struct Step {
-        float progress;  ///< eased, 0 to 1; -1 behind the path's end
+        float progress;  ///< eased, 0 to 1; -1 after the path's end
         GLPoint position;
     };
 
@@ -48,12 +48,12 @@ class GLAnimator_Translator : public GLAnimator {
     void Restart() override;
     float Apply() override;
 
-    /// The step that is due `seconds` after the start.
+    /// The step at `seconds` after the start.
     Step At(float seconds) const;
 };
 
-/// Swings between 0 and 1 with a period in milliseconds of the process's own processor time, so it
-/// slows down with an idle process. 0.5 where the period is not positive.
+/// Oscillates between 0 and 1. The period is in milliseconds of the process's processor time, so
+/// the oscillation slows down when the process is idle. 0.5 if the period is not positive.
 float Pulse(float period_ms);
 
 }  // namespace brindle

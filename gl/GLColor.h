@@ -5,7 +5,7 @@
 
 namespace brindle {
 
-/// A colour that sets itself as GL's current one. Components are from 0 to 1, alpha not
+/// A colour that makes itself GL's current colour. Components are 0 to 1, alpha is not
 /// premultiplied. The `Apply` operations need a current GL context (UI thread).
 class GLColor {
   public:
@@ -22,9 +22,9 @@ class GLColor {
     /// Makes this the current colour.
     virtual void Apply();
     virtual void Apply() const;
-    /// The same with red, green and blue multiplied by `f`.
+    /// Makes it current with red, green and blue multiplied by `f`.
     virtual void ApplyDimmed(float f) const;
-    /// The same with alpha multiplied by `f`.
+    /// Makes it current with alpha multiplied by `f`.
     virtual void ApplyFaded(float f) const;
 
     constexpr void Set(float r, float g, float b, float a) {
@@ -40,7 +40,7 @@ class GLColor {
     }
 };
 
-/// The toolkit's palette. The first is every view's colour until it gets another.
+/// The toolkit's palette. The first colour is the default colour of every view.
 inline constexpr GLColor kCream{0.8f, 0.8f, 0.7f};
 inline constexpr GLColor kKhaki{0.5f, 0.5f, 0.41f};
 inline constexpr GLColor kSage{0.5f, 0.75f, 0.5f};

@@ -3,7 +3,7 @@
 
 namespace brindle {
 
-/// A position or a size; which coordinates it is in, its user says.
+/// A position or a size. Its user documents the coordinate system.
 struct GLPoint {
     float x = 0.0f;
     float y = 0.0f;

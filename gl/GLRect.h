@@ -5,7 +5,7 @@
 
 namespace brindle {
 
-/// A rectangle; which coordinates it is in, its user says.
+/// A rectangle. Its user documents the coordinate system.
 struct GLRect {
     float left = 0.0f;
     float bottom = 0.0f;
@@ -13,7 +13,7 @@ struct GLRect {
     float top = 0.0f;
 
     bool IsEmpty() const { return left >= right || bottom >= top; }
-    /// The smallest rectangle around both; an empty one adds nothing.
+    /// The smallest rectangle that contains both. Empty rectangles are ignored.
     GLRect JoinedWith(const GLRect& other) const {
         if (IsEmpty()) return other;
         if (other.IsEmpty()) return *this;

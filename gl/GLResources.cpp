@@ -18,7 +18,7 @@ std::string GlyphPath(int character) {
     return resourceDirectory + "res/chars/char_" + std::to_string(character);
 }
 
-/// Fills a level of the bound texture.
+/// Uploads one mipmap level of the bound texture.
 void UploadLevel(int level, const Bitmap& image, const char* path) {
     constexpr GLint kFourComponents = 4;
     glTexImage2D(GL_TEXTURE_2D, level, kFourComponents, image.width, image.height, 0, GL_BGRA,
@@ -30,7 +30,7 @@ void UploadLevel(int level, const Bitmap& image, const char* path) {
     }
 }
 
-/// Silences reports of missing files while it lives.
+/// Suppresses messages about missing files during a scope.
 struct QuietScope {
     QuietScope() { quietMissingFiles = true; }
     ~QuietScope() { quietMissingFiles = false; }
@@ -38,7 +38,7 @@ struct QuietScope {
     QuietScope& operator=(const QuietScope&) = delete;
 };
 
-/// A texture of a picture file, with linear filters, and the picture; 0 where it cannot be read.
+/// Loads a picture file into `image` and a texture with linear filters. 0 if it cannot be read.
 GLuint LoadTexture(const char* path, Bitmap& image) {
     glGetError();
     if (!LoadBitmap(path, image)) return 0;
@@ -51,7 +51,7 @@ GLuint LoadTexture(const char* path, Bitmap& image) {
     return texture;
 }
 
-/// `image` at half its size, rounded as software GL rounds; empty where a side is a single pixel.
+/// `image` at half its size, rounded like software GL; empty if a side is a single pixel.
 Bitmap Halved(const Bitmap& image) {
     Bitmap half{image.width / 2, image.height / 2, {}};
     const auto stride = static_cast<size_t>(image.width) * 4;
@@ -66,11 +66,10 @@ Bitmap Halved(const Bitmap& image) {
     return half;
 }
 
-/// A glyph's texture with smaller levels, for texts that are drawn straight into a window of the
-/// design size: a linear filter alone would skip strokes there. One level at a time keeps edges
-/// sharper than two mixed, and with the bias the full picture serves down to half its size. GL
-/// would take longer for the first of these levels than for all else here: it compiles a program
-/// for it.
+/// Loads a glyph's texture with up to two smaller mipmap levels, for text that is drawn directly
+/// into a window of the design size: a linear filter alone would skip strokes there. One level at a
+/// time is sharper than two mixed; the bias keeps the full picture in use down to half its size.
+/// The levels are not made by GL: it would compile a program, which takes longer than the rest.
 GLuint LoadGlyph(const char* path) {
     Bitmap image;
     const GLuint texture = LoadTexture(path, image);

@@ -10,9 +10,9 @@
 
 namespace brindle {
 
-/// All textures of one editor, loaded from the bundle that `resourceDirectory` names. 0 stands for
-/// a texture that could not be loaded; drawing with it draws plain areas. What each picture shows
-/// is told in res/README.md. UI thread, with the editor's GL context current all its life.
+/// All textures of one editor, loaded from the bundle in `resourceDirectory`. A texture that could
+/// not be loaded is 0, which draws plain areas. res/README.md describes the pictures. UI thread;
+/// the editor's GL context must be current for all calls, the destructor included.
 class GLResources {
   public:
     struct Glyph {
@@ -29,14 +29,14 @@ class GLResources {
     /// Deletes the textures.
     ~GLResources();
 
-    /// Texture of an image, loaded now where it was not; 0 for numbers from 512 on.
+    /// Texture of an image, loaded on first use; 0 for numbers from 512 upwards.
     GLuint Image(uint32_t number);
 
-    /// One texture whose levels are `levels` images from `firstImage` on, each half the size of the
-    /// one before; missing levels are left out. It also becomes the image of the first's number.
+    /// Loads one texture whose levels are `levels` images from `firstImage` on, each half the size
+    /// of the one before. Missing levels are skipped. The texture also becomes image `firstImage`.
     GLuint LoadMipmappedTexture(uint32_t firstImage, int levels);
 
-    std::array<Glyph, kGlyphCount> glyphs;  ///< of characters 32 to 130
+    std::array<Glyph, kGlyphCount> glyphs;  ///< characters 32 to 130
     std::array<GLuint, kImageCount> images{};
     GLuint mipTexture160 = 0;  ///< disc
     GLuint mipTexture250 = 0;  ///< knob face
@@ -46,13 +46,13 @@ class GLResources {
     float interfaceScale;
 
   private:
-    /// Takes over a texture, 0 too, to delete it in the end.
+    /// Takes ownership of a texture, which may be 0.
     GLuint Keep(GLuint texture);
 
     std::vector<GLuint> owned_;
 };
 
-/// A texture of a picture file, with linear filters; 0 where it cannot be read.
+/// Loads a picture file into a texture with linear filters; 0 if it cannot be read.
 GLuint LoadTexture(const char* path);
 
 }  // namespace brindle

@@ -13,7 +13,7 @@
 namespace brindle {
 namespace {
 
-/// Calls an operation on each child in list order; a child may take itself out meanwhile.
+/// Calls an operation on each child in list order. A child may remove itself meanwhile.
 template <typename... Parameters, typename... Arguments>
 void ForEachChild(const GLView& view, void (GLView::*operation)(Parameters...),
                   Arguments... arguments) {
@@ -24,8 +24,7 @@ void ForEachChild(const GLView& view, void (GLView::*operation)(Parameters...),
     }
 }
 
-/// One drawing pass over the children, from a copy of their list: children that go while it is
-/// drawn do not break the walk.
+/// Runs one drawing pass over a copy of the child list, so children may be removed while drawing.
 void DrawEachChild(GLView& view, void (GLView::*pass)()) {
     std::vector<GLView*> children;
     for (GLView* child = view.firstChild; child != nullptr; child = child->nextSibling) {
@@ -37,7 +36,7 @@ void DrawEachChild(GLView& view, void (GLView::*pass)()) {
     }
 }
 
-/// Hands a role over: whoever else has it gives it up, then the page hears who has it now.
+/// Transfers a role: the current holder gives it up, then the page is told the new holder.
 void ChangeRole(GLView* view, bool on, GLView* (GLView::*holderOf)(), void (GLView::*change)(bool),
                 void (GLView::*give)(GLView*)) {
     GLView* holder = (view->*holderOf)();
@@ -111,7 +110,7 @@ void GLView::RemoveChild(GLView* child) {
     for (GLView** link = &firstChild; *link != nullptr; link = &(*link)->nextSibling) {
         if (*link == child) {
             *link = child->nextSibling;
-            // Added again with its old link, it would bring its former siblings along.
+            // With its old link, a child that is added again would bring its former siblings along.
             child->nextSibling = nullptr;
             return;
         }
@@ -233,7 +232,7 @@ void GLView::SetInfoText(const char* text) {
 
 void GLView::SetLabel(const char* text) {
     const size_t length = text != nullptr ? strnlen(text, sizeof label - 1) : 0;
-    // A view's own label may be handed in.
+    // `text` may be this view's own label.
     std::memmove(label, text != nullptr ? text : "", length);
     label[length] = '\0';
     Redraw(Layer::Back);

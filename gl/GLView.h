@@ -13,18 +13,18 @@ namespace brindle {
 
 class GLResources;
 
-/// What a frame is made of, from below: what stands still, values on top, and what moves by itself.
-/// The back pass draws the first, the main pass the second, the front pass the last.
+/// The layers of a frame, bottom to top: static parts, values, and parts that move by themselves.
+/// The back, main and front pass draw them in this order.
 enum class Layer { Back, Main, Front };
 
-/// A node of the editor's tree of views: draws itself in three passes and gets the mouse events
-/// that are routed down the tree. The root, called the page, answers the page services: operations
-/// whose base version asks the same of `Page()`, and which answer 0, null, false, or nothing where
-/// there is no page or the page does not know them.
+/// A node of the editor's view tree. It is drawn in three passes and receives the mouse events that
+/// are routed down the tree. The root, called the page, implements the page services: the base
+/// version of each calls the same service of `Page()`, and returns 0, null or false, or does
+/// nothing, if there is no page or the page does not implement the service.
 ///
 /// A view's rectangle is centred on (x, y) in its parent's coordinates; sizes are half extents.
-/// Events come with points in the parent's coordinates, drawing happens around the view's own
-/// origin. Hit tests ask the child that was added first, painting leaves the last on top.
+/// Events carry points in the parent's coordinates; drawing uses the view's own origin. Hit tests
+/// ask the first child first; drawing leaves the last child on top.
 ///
 /// UI thread; drawing needs a current GL context.
 class GLView {
@@ -32,8 +32,8 @@ class GLView {
     GLView() = default;
     GLView(const GLView&) = delete;
     GLView& operator=(const GLView&) = delete;
-    /// Destroys all children. Who destroys a view of a living tree removes it from its parent and
-    /// takes its roles away (`ReleaseAll`) before that.
+    /// Destroys all children. Before a view of a living tree is destroyed, remove it from its
+    /// parent and release its roles (`ReleaseAll`).
     virtual ~GLView();
 
     // Geometry
@@ -47,12 +47,12 @@ class GLView {
     virtual GLPoint GetPosition();
 
     // The tree
-    /// The tree's root. Null, and a line on standard output, where a view without parent is none.
+    /// The tree's root. Null, with a line on standard output, if the topmost view is not a page.
     virtual GLView* Page();
-    /// Appends a child and owns it from now on. Null, and what is a child already, are ignored.
+    /// Appends a child and takes ownership. Null, this view and existing children are ignored.
     virtual void AddChild(GLView* child);
-    /// Unlinks a child, which its caller owns from now on; it still names its former parent.
-    /// Nothing happens where it is no child.
+    /// Unlinks a child and passes ownership to the caller; the child's `parent` stays set. Does
+    /// nothing if the view is not a child.
     virtual void RemoveChild(GLView* child);
     virtual void DeleteChildren();
     virtual int32_t CountChildren();
@@ -60,19 +60,19 @@ class GLView {
     // Control ports
     /// Page service: writes a control port of the plugin.
     virtual void SendParameter(uint32_t index, float value);
-    /// A control port has a new value: tells every child.
+    /// Tells every child that a control port's value was reported.
     virtual void ParameterChanged(uint32_t index);
     /// Page service: a control port's last known value, 0 where it has none.
     virtual float GetParameter(uint32_t index);
 
-    /// Puts away what pops up, in all children.
+    /// Closes popups in all children.
     virtual void Close();
 
     // Drawing
     virtual void PreDraw() {}   ///< before each frame, on the page
     virtual void PrePress() {}  ///< before each press is routed, on the page
-    /// The three passes, each over the whole tree before the next: apply the view's translation
-    /// and scale, then let the children draw. The caller saves the matrix.
+    /// The three passes. Each runs over the whole tree before the next one starts. A pass applies
+    /// the view's translation and scale, then draws the children. The caller saves the matrix.
     virtual void DrawBack();
     virtual void Draw();
     virtual void DrawFront();
@@ -85,7 +85,8 @@ class GLView {
     virtual GLPoint PageToLocal(GLPoint point);
 
     // Events; points are in the parent's coordinates, page points in window pixels
-    /// True where a child is hit, or, for a visible view, inside its rectangle without the border.
+    /// True if a child is hit, or if a visible view's rectangle contains the point (edges
+    /// excluded).
     virtual bool HitTest(GLPoint point);
     /// Selects the innermost view at a point and shows its two help texts on the page.
     virtual void ShowInfoAt(GLPoint point);
@@ -95,26 +96,26 @@ class GLView {
     virtual void Scroll(float delta);
     virtual void DoubleClick(GLPoint point);
     virtual bool IsResetPress();         ///< page service: this press is a double click
-    virtual int32_t GetPressedButton();  ///< page service: button held, 0 for none
+    virtual int32_t GetPressedButton();  ///< page service: held button, 0 for none
 
     // Texts
-    /// Keeps a copy; null for none.
+    /// Keeps a copy; null clears the name.
     virtual void SetName(const char* newName);
-    /// Help texts, at most 255 characters. The text is a format: "%%" stands for a percent sign and
-    /// the first integer conversion shows the text's own length; what else it holds stays as is.
+    /// Help texts, at most 255 characters. The text is a format: "%%" gives a percent sign, the
+    /// first integer conversion gives the text's own length; everything else is kept as it is.
     virtual void SetInfoTitle(const char* text);
     virtual void SetInfoText(const char* text);
     /// Keeps at most 255 characters.
     virtual void SetLabel(const char* text);
 
     // Roles: the page knows at most one selected, one hovered and one captured view
-    /// Takes all three roles from whoever has them.
+    /// Makes the holder of each role give it up, whichever view that is.
     virtual void ReleaseAll();
-    /// Taking a role takes it from its holder; giving it up clears it whoever held it.
+    /// Taking a role makes its holder give it up; giving up a role clears it, whoever holds it.
     virtual void SetHover(bool on);
     virtual void SetCaptured(bool on);
     virtual void SetSelected(bool on);
-    /// Shows or hides this view and all below it; hiding gives up the selection.
+    /// Shows or hides this view and its descendants; a hidden view gives up the selection.
     virtual void SetVisible(bool on);
     virtual GLView* GetSelectedView();
     virtual GLView* GetHoverView();
@@ -135,7 +136,7 @@ class GLView {
     virtual GLColor GetBackgroundColor();  ///< the host's theme; white without a page
     virtual GLColor GetContrastColor();
     virtual bool IsBoxy();  ///< the host asks for square corners
-    virtual bool IsFlat();  ///< the host asks for no shadows and gloss
+    virtual bool IsFlat();  ///< the host asks for no shadows or gloss
 
     virtual void SetTextSize(float size);
     virtual void SetLabelSize(float size);
@@ -148,9 +149,9 @@ class GLView {
     virtual void ShowInfo(const char* title, const char* text);
     /// Page service: shows a view above all others, with the pointer to itself. The page observes.
     virtual void OpenDialog(GLView* dialog);
-    /// Page service: puts the dialog away; `outside` is true for a press beside it.
+    /// Page service: closes the dialog; `outside` is true for a press outside the dialog.
     virtual void CloseDialog(bool outside);
-    /// Page services: who holds each role, null for none. The page observes.
+    /// Page services: set the holder of each role, null for none. The page observes it.
     virtual void SetSelectedView(GLView* view);
     virtual void SetHoverView(GLView* view);
     virtual void SetCapturedView(GLView* view);
@@ -160,49 +161,49 @@ class GLView {
     /// Converts a point in place: p = p · scale + (x, y).
     virtual void LocalToParent(GLPoint& point);
 
-    // What redrawing needs. A view whose picture changes by itself asks for it: when the value that
-    // it shows is reported, when it is held, pointed at or enabled, or gets another look.
-    /// Asks the page to draw this view anew in a layer and those above. Nothing happens without a
+    // Redrawing. A view asks for it when its picture changes: when its value is reported, when it
+    // is held, hovered or enabled, or when its look changes.
+    /// Asks the page to redraw this view in a layer and all layers above. Does nothing without a
     /// page.
     void Redraw(Layer layer);
-    /// Page service: has an area, in this view's local coordinates, drawn anew.
+    /// Page service: requests a redraw of an area in this view's local coordinates.
     virtual void RedrawArea(const GLRect& area, Layer layer);
-    /// Page service: whether an area, in this view's local coordinates, is being drawn at present:
-    /// always, but while a page draws a part of a layer anew.
+    /// Page service: whether an area in this view's local coordinates is being drawn. Always true,
+    /// except while a page redraws a part of a layer.
     virtual bool IsDrawn(const GLRect& area);
-    /// All that the back and main passes draw of this view and its children, in the parent's
-    /// coordinates; what is drawn beyond stays behind when it changes. By default the rectangle
-    /// with two design points around it for shadows and edges, and the children's areas.
+    /// The area that the back and main passes draw, children included, in the parent's coordinates.
+    /// A redraw does not clear pixels outside it. Default: the rectangle plus two design points for
+    /// shadows and edges, joined with the children's areas.
     virtual GLRect DrawnArea();
-    /// Whether this is a page, which takes `RedrawArea` and answers `IsDrawn`.
+    /// Whether this is a page, which implements `RedrawArea` and `IsDrawn`.
     virtual bool IsPage() const { return false; }
     /// Whether the tree's root is a page.
     bool IsOnPage() const;
 
-    /// Makes a child of some class, which this view owns at once.
+    /// Constructs a child of class `View`, owned by this view.
     template <typename View, typename... Arguments>
     View& Add(Arguments&&... arguments) {
         auto* child = new View(std::forward<Arguments>(arguments)...);
         AddChild(child);
         return *child;
     }
-    /// The first child that a point in local coordinates hits, null for none.
+    /// The first child that a point in local coordinates hits, or null.
     GLView* ChildAt(GLPoint local) const;
-    /// Applies the view's place to the matrix, as every pass begins.
+    /// Applies the view's position and scale to the matrix. Every pass starts with it.
     void Enter() const;
     void SetEnabled(bool on);
 
     GLView* nextSibling = nullptr;  ///< owned by the parent
-    GLView* firstChild = nullptr;   ///< owned, as are its siblings
+    GLView* firstChild = nullptr;   ///< owned, like its siblings
     GLView* parent = nullptr;       ///< observed
 
-    /// Room for the sample positions of a plotted curve, in Hz.
+    /// Space for the sample positions of a plotted curve, in Hz.
     std::array<float, 3072> curvePoints{};
     int32_t curvePointCount = 420;
     float curveLowHz = 20.0f;
     float curveHighHz = 20000.0f;
 
-    float textSize = 7.0f;  ///< design points to a text unit
+    float textSize = 7.0f;  ///< design points per text unit
     float labelSize = 8.0f;
     GLColor color = kCream;
     bool enabled = true;
@@ -220,7 +221,7 @@ class GLView {
     float hostRate = 32000.0f;  ///< Hz; set on the page by the editor
 
   private:
-    /// Changes the look or the place, and has both the old and the new picture redrawn.
+    /// Changes look or position, and redraws the area before and after the change.
     template <typename Change>
     void ChangeLook(Change change) {
         Redraw(Layer::Back);

@@ -5,15 +5,15 @@
 
 namespace brindle {
 
-/// A line of text: its label in its colour at its label size, made smaller where it would be wider
-/// than the view. It takes no pointer.
+/// A line of text: its label in its colour and label size, shrunk to fit the view's width. It
+/// ignores the pointer.
 class GLView_Caption : public GLView {
   public:
     bool HitTest(GLPoint point) override;
     void Draw() override;
 
-    bool inContrast = false;  ///< in the page's contrast colour instead of its own
-    int alignment = 1;        ///< 0 begins at the left edge, 1 is centred, 2 ends at the right edge
+    bool inContrast = false;  ///< uses the page's contrast colour
+    int alignment = 1;        ///< 0 left, 1 centred, 2 right
 };
 
 }  // namespace brindle

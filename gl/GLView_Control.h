@@ -8,22 +8,22 @@
 
 namespace brindle {
 
-/// What takes the pointer: an outline tells that it is pointed at or held.
+/// A view that takes the pointer. An outline shows that it is hovered or held.
 class GLView_Control : public GLView {
   public:
     void DrawFront() override { DrawFrontOutlined(); }
 
   protected:
-    /// The front pass with the outline around the view's rectangle.
+    /// The front pass, with an outline around the view's rectangle.
     void DrawFrontOutlined();
 };
 
-/// A control of one port of the plugin.
+/// A control for one port of the plugin.
 class GLView_PortControl : public GLView_Control {
   public:
-    /// Which port is written, through what.
+    /// Sets the port that is written, and the writer.
     void SetPort(const HostWriter& hostWriter, uint32_t index);
-    /// Whom to tell that the control is held, null for nobody, and of which port.
+    /// Sets the host's touch feature, null for none, and the port that touches are reported for.
     void SetTouch(const LV2UI_Touch* touch, uint32_t touchedPort);
 
     HostWriter writer;

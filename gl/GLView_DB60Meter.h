@@ -5,18 +5,18 @@
 
 namespace brindle {
 
-/// A vertical bar over a scale from -60 dB at its bottom edge to 0 dB at its top. It shows the
-/// level that it holds at once; ballistics belong to whoever sets it.
+/// A vertical bar on a scale from -60 dB at its bottom to 0 dB at its top. It shows a new level at
+/// once; the caller implements the ballistics.
 class GLView_DB60Meter : public GLView {
   public:
     void DrawBack() override;
     void DrawFront() override;
     GLRect DrawnArea() override;
 
-    /// The part of the height that is filled, 0 to 1; 0 for what is no level.
+    /// The filled share of the height, 0 to 1; 0 for NaN and negative levels.
     float GetFill() const;
 
-    /// Linear amplitude, 1 is 0 dB.
+    /// `newLevel` is a linear amplitude; 1 is 0 dB.
     void SetLevel(float newLevel);
 
     float level = 0.0f;

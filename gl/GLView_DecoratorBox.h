@@ -5,8 +5,8 @@
 
 namespace brindle {
 
-/// A framed box that holds a group of controls together, with a label at its upper edge. It takes
-/// the pointer only for its children, and leaves what it merely surrounds alone.
+/// A framed box around a group of controls, with a label at its upper edge. Only its children take
+/// the pointer.
 class GLView_DecoratorBox : public GLView {
   public:
     GLView_DecoratorBox();
@@ -14,7 +14,7 @@ class GLView_DecoratorBox : public GLView {
     bool HitTest(GLPoint point) override;
     void DrawBack() override;
 
-    int style = 0;  ///< 0 closed; 1 to 4 open sides, as the framed boxes of the drawing routines
+    int style = 0;  ///< as for DrawFramedBox
 };
 
 }  // namespace brindle

@@ -6,19 +6,19 @@
 
 namespace brindle {
 
-/// A box that a page shows above everything else; it slides into its place. What it contains are
-/// its children.
+/// A box that a page shows above all other views. It slides into place. Its content is its
+/// children.
 class GLView_Dialog : public GLView {
   public:
     GLView_Dialog();
 
-    /// Puts away what pops up inside, and has the box slide in anew when it is shown again.
+    /// Closes popups inside, and restarts the slide for the next time the box is shown.
     void Close() override;
     void DrawBack() override;
-    /// Box and children with all their passes: a page draws an open dialog last, on its own.
+    /// Box and children in all their passes: a page draws an open dialog last, separately.
     void Draw() override;
     void DrawFront() override;
-    /// Nothing: the layers of a page do not show it, and what is in it is drawn above them.
+    /// Empty: dialogs are not part of the page's layers; they are drawn above them.
     GLRect DrawnArea() override;
     void RedrawArea(const GLRect& area, Layer layer) override;
 

@@ -14,7 +14,7 @@ constexpr float kFineWheelStep = 0.002f;
 constexpr float kFine = 0.1f;
 constexpr uint32_t kFineModifiers = 3;  // Shift, Ctrl
 
-/// Into 0 to 1; what is not a number becomes 0.
+/// Clamps to 0 to 1; NaN becomes 0.
 float Clamp01(float value) {
     return value > 0.0f ? std::min(value, 1.0f) : 0.0f;
 }
@@ -83,7 +83,7 @@ void GLView_Knob::ParameterChanged(uint32_t index) {
     if (index != port) return;
     const float value = GetParameter(index);
     if (!std::isfinite(value)) {
-        return;  // the engine ignores it too: the last valid value is in force
+        return;  // the engine ignores it too and keeps the last valid value
     }
     normalised = Normalise(value);
     resetPending_ = false;
@@ -91,7 +91,7 @@ void GLView_Knob::ParameterChanged(uint32_t index) {
     Redraw(Layer::Main);
     if (GLView* page = Page()) {
         if (infoTitle[0] != '\0') {
-            page->SetInfoTitle(infoTitle);  // whose value it is, whatever the pointer is over
+            page->SetInfoTitle(infoTitle);  // the control's, even if another is hovered
         }
         page->SetInfoText(infoText);
     }
@@ -128,7 +128,7 @@ void GLView_Knob::MouseDragTo(GLPoint pagePoint) {
     const float moved = horizontal ? pagePoint.x - dragStart.x : dragStart.y - pagePoint.y;
     const float wanted = normalised + step * moved;
     const float reached = Clamp01(wanted);
-    // Beyond an end the anchor stays, so that the way back counts as soon as it is in range.
+    // Beyond an end the anchor stays, so dragging back takes effect once it is in range again.
     if (wanted == reached) dragLast = pagePoint;
     float value = MapValue(reached);
     if (limitLow != kNoLimit) value = std::min(std::max(value, limitLow), limitHigh);

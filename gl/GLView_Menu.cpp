@@ -8,10 +8,10 @@
 namespace brindle {
 namespace {
 
-constexpr float kItemHeight = 18.0f;  // design points, as the margin
+constexpr float kItemHeight = 18.0f;  // design points, like the margin
 constexpr float kMargin = 5.0f;
 
-/// Moves a span [centre + low, centre + high] into bounds; where it is too long, its start shows.
+/// Moves a span [centre + low, centre + high] into bounds. A span that is too long shows its start.
 float KeepInside(float centre, float low, float high, float lowBound, float highBound) {
     return std::max(std::min(centre, highBound - high), lowBound - low);
 }

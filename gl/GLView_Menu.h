@@ -8,26 +8,26 @@
 
 namespace brindle {
 
-/// A list of entries that pops up above the page, which it darkens. Its position is the first
-/// entry's centre, and the others stand above it in the order in which they were added.
+/// A list of entries that pops up above the darkened page. Its position is the first entry's
+/// centre; the other entries stack upwards in the order in which they were added.
 class GLView_Menu : public GLView_Dialog {
   public:
     GLView_Menu();
 
     void AddItem(uint32_t port, float value, const char* text);
-    /// Lets the menu begin bright, as near to a point of the page as it is fully visible. Call it
-    /// before the page opens it.
+    /// Places the menu as near to a page point as full visibility allows, and restarts the fade.
+    /// Call it before the page opens the menu.
     void PlaceAt(GLPoint pagePoint);
     /// Whether an entry writes this port.
     bool HasPort(uint32_t port) const;
-    /// The entry whose value the port has, null for none.
+    /// The entry whose value its port has, or null.
     GLView_Menu_Item* PresentItem();
 
     bool HitTest(GLPoint point) override;
     void Draw() override;
     void DrawFront() override;
 
-    float fade = 0.0f;        ///< how dark the page behind is, up to 0.6
+    float fade = 0.0f;        ///< how much the page is darkened, 0 to 0.6
     float itemOffset = 0.0f;  ///< y of the next entry
 };
 

@@ -47,7 +47,7 @@ void GLView_MenuSelector::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
 
 void GLView_MenuSelector::MouseUp(GLPoint point) {
     SetCaptured(false);
-    // A view that holds the pointer gets page coordinates.
+    // A view that has captured the pointer gets page coordinates.
     const GLPoint inParent = parent != nullptr ? parent->PageToLocal(point) : point;
     if (menu.visible && menu.HitTest(point) && !HitTest(inParent)) menu.MouseUp(point);
 }

@@ -8,30 +8,29 @@
 
 namespace brindle {
 
-/// A button that shows the present entry of a menu and opens it. Attach it to a page before its
-/// entries are added.
+/// A button that shows the current entry of a menu, and opens the menu. Attach it to a page before
+/// adding entries.
 class GLView_MenuSelector : public GLView_Control {
   public:
     GLView_MenuSelector();
-    /// Puts its menu away.
+    /// Closes its menu.
     ~GLView_MenuSelector() override;
 
-    /// Appends an entry; `width` is the whole menu's. Ignored while there is no page.
+    /// Appends an entry; `width` is the width of the whole menu. Ignored without a page.
     virtual void AddItem(uint32_t port, float value, float width, const char* text);
 
-    /// Another entry may be the present one.
+    /// Redraws if the current entry may have changed.
     void ParameterChanged(uint32_t index) override;
-    /// The key's face.
     void DrawBack() override;
     void Draw() override;
-    /// A text for what is chosen, `size` page units to a text unit where it fits, and the key's
-    /// bevelled edges with the menu's mark: what `Draw` draws around the view's centre, for
-    /// versions that show another text than the present entry's.
+    /// The two parts of `Draw`, for subclasses that show another text. `DrawEntry` draws a text,
+    /// `size` page units per text unit, shrunk to fit; `DrawFrame` draws the button's bevelled
+    /// edges and the menu's triangle. Both draw around the view's centre.
     void DrawEntry(const char* text, float size);
     void DrawFrame();
 
-    /// Opens the menu. The selector keeps the pointer: the release of the press that opened the
-    /// menu chooses an entry only where the pointer was dragged onto one.
+    /// Opens the menu. The selector keeps the pointer: releasing the press that opened the menu
+    /// chooses an entry only if the pointer was dragged onto one.
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
 

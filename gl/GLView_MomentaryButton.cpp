@@ -4,9 +4,9 @@
 namespace brindle {
 
 void GLView_MomentaryButton::MouseDown(GLPoint point, GLPoint pagePoint) {
-    // A second mouse button must not take the auditioned values for those to come back to.
+    // A second mouse button must not save the auditioned values as the ones to restore.
     if (!held_) {
-        // First, so that what was auditioned elsewhere is back before it is saved here.
+        // Capture first, so that another button restores its values before they are saved here.
         SetCaptured(true);
         for (uint32_t port = 0; port < values.size(); ++port) {
             if (values[port] != kNotSet) saved[port] = GetParameter(port);

@@ -5,16 +5,16 @@
 
 namespace brindle {
 
-/// A button that auditions its preset: the values that it found come back when it lets go, whether
-/// it is released or another view takes the pointer. One that is destroyed while held restores
-/// nothing: what it writes through may be gone by then.
+/// A button that auditions its preset: it restores the previous values when it is released or
+/// another view captures the pointer. A button that is destroyed while held restores nothing,
+/// because its writer may be gone by then.
 class GLView_MomentaryButton : public GLView_PresetButton {
   public:
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
     void SetCaptured(bool on) override;
 
-    Values saved{};  ///< what the ports of the preset read at the press
+    Values saved{};  ///< values of the preset's ports at the press
 
   private:
     void Restore();

@@ -12,7 +12,7 @@ void GLView_PopButton::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
 void GLView_PopButton::MouseUp(GLPoint point) {
     if (GetCapturedView() != this) return;
     SetCaptured(false);
-    // A view that holds the pointer gets page coordinates.
+    // A view that has captured the pointer gets page coordinates.
     if (!HitTest(parent->PageToLocal(point))) return;
     if (dialog != nullptr) {
         OpenDialog(dialog);

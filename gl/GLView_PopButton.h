@@ -5,8 +5,8 @@
 
 namespace brindle {
 
-/// A button with its label on it that opens a dialog, or, where it has none, closes the dialog in
-/// which it stands. It acts when it is released over itself.
+/// A button that opens a dialog or, without one, closes the dialog that contains it. It acts when
+/// it is released with the pointer over it. It shows its label.
 class GLView_PopButton : public GLView_Control {
   public:
     void DrawBack() override;
@@ -14,7 +14,7 @@ class GLView_PopButton : public GLView_Control {
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
 
-    GLView* dialog = nullptr;  ///< observed; null for the one around the button
+    GLView* dialog = nullptr;  ///< observed; null closes the open dialog
 };
 
 }  // namespace brindle

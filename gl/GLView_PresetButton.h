@@ -12,31 +12,31 @@ namespace brindle {
 /// A button that writes a stored set of port values.
 class GLView_PresetButton : public GLView_Control {
   public:
-    /// One value for each port from 0 up.
+    /// One value for each port from 0 upwards.
     using Values = std::array<float, 128>;
-    /// Stands for a port that is not part of the preset.
+    /// Marks a port that is not part of the preset.
     static constexpr float kNotSet = std::numeric_limits<float>::max();
 
     GLView_PresetButton();
 
-    /// Through what the values are written.
+    /// Sets the writer of the values.
     void SetWriter(const HostWriter& hostWriter);
 
     void DrawBack() override;
-    /// Writes the values in the order of their ports and clears the page's info text.
+    /// Writes the values in port order and clears the page's info text.
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
 
-    /// Stores a port's value; ports from 128 up are ignored.
+    /// Stores a port's value; ports from 128 upwards are ignored.
     virtual void SetPresetValue(uint32_t index, float value);
-    /// The text on the button, where it has no label.
+    /// The text on the button if it has no label.
     virtual void SetPresetName(const char* presetName);
 
     HostWriter writer;
     Values values;
 
   protected:
-    /// Writes those of the values whose ports are part of the preset, in the order of the ports.
+    /// Writes the values of the ports that are part of the preset, in port order.
     void WriteAll(const Values& from) const;
 };
 

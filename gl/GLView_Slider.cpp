@@ -11,7 +11,7 @@ namespace {
 constexpr float kCapLength = 5.0f;  // design points, half extents
 constexpr float kCapWidth = 9.0f;
 
-/// Turns what is drawn from left to right into bottom to top, for vertical sliders.
+/// Rotates horizontal drawing to bottom-to-top for vertical sliders.
 void TurnToAxis(bool horizontal) {
     if (!horizontal) glRotatef(90.0f, 0.0f, 0.0f, 1.0f);
 }
@@ -74,7 +74,7 @@ void GLView_Slider::DrawValue() {
     glTranslatef(GetTravel() * (2.0f * normalised - 1.0f), 0.0f, 0.0f);
     const float across = std::min(horizontal ? hh : hw, kCapWidth * look.s);
     const GLColor accent = look.Accent(knobColor);
-    look.captured = false;  // a cap is moved, not pressed
+    look.captured = false;  // a cap is moved, never pressed
     DrawKey(look, kCapLength * look.s, across);
     Lightened(accent, look.enabled ? 0.4f : 0.0f).Apply();
     DrawRect(0.75f * look.s, across - 2.0f * look.s);

@@ -5,8 +5,8 @@
 
 namespace brindle {
 
-/// A linear control: a cap that runs along a slot, from left to right or from bottom to top. Only
-/// its own rectangle takes the pointer, not its children.
+/// A linear control: a cap that moves along a slot, left to right or bottom to top. Only its own
+/// rectangle takes the pointer, not its children.
 class GLView_Slider : public GLView_Knob {
   public:
     using GLView_Knob::GLView_Knob;
@@ -17,15 +17,15 @@ class GLView_Slider : public GLView_Knob {
     void DrawFront() override { DrawFrontOutlined(); }
     GLRect DrawnArea() override;
 
-    /// Draw around the view's centre what lies beneath the value (back pass), and what shows the
-    /// value (main pass).
+    /// Draw, around the view's centre, what is beneath the value (back pass) and the value (main
+    /// pass).
     virtual void DrawTrack();
     virtual void DrawValue();
-    /// How far the value's mark travels to either side of the centre, in the view's units.
+    /// Travel of the value's mark to either side of the centre, in the view's units.
     virtual float GetTravel();
 
   private:
-    /// How far below its middle the label stands.
+    /// Distance of the label below the view's middle.
     float LabelBelow();
 };
 

@@ -5,7 +5,7 @@
 
 namespace brindle {
 
-/// A slider that shows its value as text in a box, above a slim track.
+/// A slider that shows its value as text above a slim track, in a display.
 class GLView_TextSlider : public GLView_Slider {
   public:
     using GLView_Slider::GLView_Slider;
@@ -15,7 +15,7 @@ class GLView_TextSlider : public GLView_Slider {
     float GetTravel() override;
 
   protected:
-    /// What stands before the value's text.
+    /// The text before the value's text.
     virtual const char* Caption() { return ""; }
 };
 

@@ -6,19 +6,19 @@
 namespace brindle {
 namespace {
 
-/// Size of the halo's picture that a lit lamp glows with, in half extents, and the share of it
-/// beyond which the picture is clear.
+/// Size of a lit lamp's halo picture in half extents, and the share of the picture beyond which it
+/// is transparent.
 constexpr GLPoint kGlow = {1.4f, 1.7f};
 constexpr float kGlowRim = 0.98f;
 
-/// Brightens towards the middle of the lamp.
+/// Brightens the lamp towards its middle.
 void DrawGlow(const Look& look, const GLColor& color, float hw, float hh) {
     constexpr GLPoint kDiscs[] = {{0.8f, 0.8f}, {0.7f, 0.6f}, {0.6f, 0.5f}, {0.5f, 0.4f}};
     color.ApplyFaded(0.4f);
     for (const GLPoint& disc : kDiscs) DrawDisc(look.resources, disc.x * hw, disc.y * hh);
 }
 
-/// Engraved while the lamp is off, lit on a dark ground while it is on.
+/// The text is engraved while the lamp is off, and lit on a dark shadow while it is on.
 void DrawLampText(const Look& look, const char* text, float size, bool on) {
     const MatrixScope matrix;
     glScalef(size, size, 1.0f);
@@ -102,7 +102,7 @@ void GLView_Toggle::Draw() {
         face.ScaleAlpha(0.3f);
         DrawWell(look.resources, 0.9f * hw, 0.9f * hh, look.Corner(0.9f * hh), face);
         if (!text.empty()) DrawLampText(look, text.c_str(), look.s * labelSize, on);
-        // Gloss is for round faces; on a wide one it is as flat as the face.
+        // The gloss is made for round faces; on a wide face it is as flat as the face.
         glScalef(1.0f, hh / hw, 1.0f);
         DrawGloss(look.resources, hw, hw);
     }

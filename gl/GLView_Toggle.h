@@ -8,20 +8,19 @@
 
 namespace brindle {
 
-/// A lamp button that switches one port between 0 and 1. It lights when the host reports the value.
+/// A lamp button that switches a port between 0 and 1. It lights when the host reports the value.
 class GLView_Toggle : public GLView_PortControl {
   public:
     GLView_Toggle();
 
-    /// Its lamp is lit or not.
     void ParameterChanged(uint32_t index) override;
     void DrawBack() override;
     void Draw() override;
-    /// With the glow around it.
+    /// Includes the glow around the button.
     GLRect DrawnArea() override;
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
-    /// A toggle that loses the pointer ends the gesture.
+    /// Losing the pointer ends the gesture.
     void SetCaptured(bool on) override;
 
     /// True while the port's last reported value is not 0.

@@ -5,7 +5,7 @@
 
 namespace brindle {
 
-/// A text slider with its label before the value: "Output Trim:  0.0dB".
+/// A text slider with its label before the value: "Output Trim: 0.0dB".
 class GLView_TrimSlider : public GLView_TextSlider {
   public:
     using GLView_TextSlider::GLView_TextSlider;

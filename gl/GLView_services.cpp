@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: ISC
-/// The page services: what a view asks of the root of its tree.
+/// The base versions of the page services, which ask the page.
 #include "gl/GLView.h"
 
 namespace brindle {
 namespace {
 
-/// Puts a page service to the page: the base version's whole work. A page that does not know the
-/// service itself gives the fallback.
+/// Calls a page service of the page. Returns the fallback if there is no page or the view itself is
+/// the page (whose class does not implement the service).
 template <typename Result, typename... Parameters>
 Result AskPage(GLView* view, Result fallback, Result (GLView::*service)(Parameters...),
                Parameters... arguments) {

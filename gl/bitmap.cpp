@@ -18,7 +18,7 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Opens a file for reading; null where there is none. Never waits for a pipe's other end.
+/// Opens a file for reading; null if it cannot be opened. Never waits for the other end of a pipe.
 File Open(const char* path) {
     const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0) return nullptr;
@@ -53,7 +53,7 @@ bool IsSideAllowed(int32_t side) {
     return side > 0 && side <= kMaxBitmapSide;
 }
 
-/// Reads header and pixels; what is wrong, or null when all is well.
+/// Reads header and pixels. Returns an error message, or null on success.
 const char* ReadBitmap(std::FILE* file, Bitmap& image) {
     constexpr const char* kUnreadable = "Error reading file!";
     constexpr uint16_t kSignature = 0x4D42;
@@ -73,7 +73,7 @@ const char* ReadBitmap(std::FILE* file, Bitmap& image) {
     if (planes != 1) return "Error: number of Planes not 1!";
     if (!Read(file, depth)) return kUnreadable;
     if (depth != 32) return "Bits per Pixel not 32";
-    // Nothing is allocated before the file is known to hold that many pixels.
+    // Allocate only once the file is known to hold that many pixels.
     constexpr const char* kIncomplete = "Error loading file!";
     if (!IsSideAllowed(width) || !IsSideAllowed(height)) return kIncomplete;
     const int64_t bytes = int64_t{width} * height * 4;

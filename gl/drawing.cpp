@@ -11,7 +11,7 @@ namespace {
 
 constexpr GLRect kWholeTexture = {0.0f, 0.0f, 1.0f, 1.0f};
 
-/// The part of a texture and the direction from a rectangle's middle to one of its corners.
+/// A corner of a rectangle: its direction from the middle, and its part of the texture.
 struct Corner {
     float x;
     float y;
@@ -23,7 +23,7 @@ constexpr Corner kLowerRight = {1.0f, -1.0f, {0.5f, 0.0f, 1.0f, 0.5f}};
 constexpr Corner kLowerLeft = {-1.0f, -1.0f, {0.0f, 0.0f, 0.5f, 0.5f}};
 constexpr Corner kCorners[] = {kUpperLeft, kUpperRight, kLowerRight, kLowerLeft};
 
-/// Two colours of a quad: along its top and its bottom edge.
+/// A quad's colours along its top and bottom edge.
 struct Fade {
     GLColor top;
     GLColor bottom;
@@ -35,7 +35,7 @@ GLColor Faded(const GLColor& color, float alpha) {
     return faded;
 }
 
-/// One quad between glBegin and glEnd, upper left corner first and clockwise.
+/// Emits one quad between glBegin and glEnd, clockwise from the upper left corner.
 void EmitQuad(const GLRect& place, const GLRect& texture = kWholeTexture,
               const Fade* fade = nullptr) {
     if (fade != nullptr) fade->top.Apply();
@@ -50,14 +50,14 @@ void EmitQuad(const GLRect& place, const GLRect& texture = kWholeTexture,
     glVertex2f(place.left, place.bottom);
 }
 
-/// The square of size r in a corner of a rectangle.
+/// The square with side `r` in a corner of a rectangle.
 GLRect CornerArea(const Corner& corner, float hw, float hh, float r) {
     const float left = corner.x < 0.0f ? -hw : hw - r;
     const float bottom = corner.y < 0.0f ? -hh : hh - r;
     return {left, bottom, left + r, bottom + r};
 }
 
-/// Quads without texture, or with one, until the end of a scope.
+/// Draws quads without a texture (`PlainQuads`) or with one (`TexturedQuads`) during a scope.
 struct PlainQuads {
     PlainQuads() {
         glDisable(GL_TEXTURE_2D);
@@ -81,8 +81,8 @@ struct TexturedQuads {
     TexturedQuads& operator=(const TexturedQuads&) = delete;
 };
 
-/// Without blending until the end of a scope where the current colour is opaque: the same picture,
-/// for half the time where the area is large.
+/// Switches blending off during a scope if the current colour is opaque: the picture is the same,
+/// in half the time for large areas.
 class OpaqueScope {
   public:
     OpaqueScope() {
@@ -101,14 +101,14 @@ class OpaqueScope {
     bool switched_ = false;
 };
 
-/// What is not a corner: the middle over the full height, and both sides between the corners.
+/// Everything but the corners: the middle over the full height, and both sides between corners.
 void EmitCross(float hw, float hh, float r) {
     EmitQuad({-hw + r, -hh, hw - r, hh});
     EmitQuad({-hw, -hh + r, -hw + r, hh - r});
     EmitQuad({hw - r, -hh + r, hw, hh - r});
 }
 
-/// The inner edges of something sunken: shade at the upper one, light at the lower one.
+/// An inner edge of a sunken shape: shade at the upper edge, light at the lower.
 struct InnerEdge {
     GLRect corners[2];
     GLRect middle;

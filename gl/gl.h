@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The one place that includes OpenGL, with the functions that came after version 1.1 declared.
+/// The only file that includes OpenGL, with the functions newer than version 1.1 declared.
 #pragma once
 
 #define GL_GLEXT_PROTOTYPES 1

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The characters that have a picture, and how far each moves the pen.
+/// The characters that have a glyph, and their advances.
 #pragma once
 
 #include <array>
@@ -10,8 +10,8 @@ namespace brindle {
 inline constexpr int kFirstGlyph = 32;  ///< character code of glyph 0
 inline constexpr size_t kGlyphCount = 99;
 
-/// Advances in text units, that is half sides of a glyph's picture. The digits are as wide as those
-/// of Liberation Sans at 1.7014 text units to the em.
+/// Advances in text units; a text unit is half the side of a glyph's picture. The digits are as
+/// wide as those of Liberation Sans at 1.7014 text units per em.
 inline constexpr std::array<float, kGlyphCount> kGlyphAdvances = {
     // space ! " # $ % & ' ( ) * + , - . /
     0.474f, 0.551f, 0.552f, 1.283f, 0.946f, 1.435f, 1.170f, 0.287f,  //

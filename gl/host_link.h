@@ -8,7 +8,7 @@
 
 namespace brindle {
 
-/// The host's write function with the handle that it wants back. The default one writes nowhere.
+/// The host's write function and its controller handle. By default, writes are discarded.
 struct HostWriter {
     LV2UI_Write_Function function = nullptr;
     LV2UI_Controller controller = nullptr;
@@ -19,8 +19,8 @@ struct HostWriter {
     }
 };
 
-/// Announces to the host that the user holds a control. Each begin is followed by exactly one end,
-/// at the latest when this object goes.
+/// Reports to the host that the user holds a control. Each begin is followed by exactly one end, at
+/// the latest when this object is destroyed.
 class TouchGesture {
   public:
     TouchGesture() = default;
@@ -28,21 +28,21 @@ class TouchGesture {
     TouchGesture& operator=(const TouchGesture&) = delete;
     ~TouchGesture() { End(); }
 
-    /// From now on gestures concern `touchedPort` and go to `touch`, of which a copy is kept. Null
-    /// where the host gave none. A gesture that has begun ends.
+    /// Sets the port that gestures are reported for and the host's touch feature, of which a copy
+    /// is kept; null if the host has none. Ends a gesture in progress.
     void Bind(const LV2UI_Touch* touch, uint32_t touchedPort) {
         End();
         feature_ = touch != nullptr ? *touch : LV2UI_Touch{};
         port_ = touchedPort;
     }
-    /// Nothing happens where a gesture has begun already, or there is no host to tell.
+    /// Does nothing if a gesture is in progress or the host has no touch feature.
     void Begin() {
         if (!begun_ && feature_.touch != nullptr) {
             begun_ = true;
             feature_.touch(feature_.handle, port_, true);
         }
     }
-    /// Nothing happens where none has begun.
+    /// Does nothing if no gesture is in progress.
     void End() {
         if (begun_) {
             begun_ = false;

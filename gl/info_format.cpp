@@ -9,8 +9,8 @@
 namespace brindle {
 namespace {
 
-/// The integer conversion that `text` starts with, rewritten for an unsigned long, and the number
-/// of characters that it took; empty where there is none.
+/// The integer conversion at the start of `text`, rewritten for a long, and the number of
+/// characters it took; 0 if there is none.
 struct Conversion {
     std::string format;
     size_t taken = 0;

@@ -15,10 +15,10 @@ constexpr GLColor kKeyColor{0.25f, 0.255f, 0.26f};
 constexpr GLColor kKeyDownColor{0.13f, 0.132f, 0.135f};
 constexpr GLColor kPopupColor{0.115f, 0.12f, 0.125f};
 constexpr GLColor kIdleColor{0.36f, 0.36f, 0.36f};
-/// Thickness of outlines in design points: a little over one pixel of a window of the design size,
-/// which has three pixels to four points. A thinner line falls between pixels here and there.
+/// Thickness of outlines in design points: slightly more than one pixel at the design size, where
+/// four points are three pixels. A thinner line would fall between pixels in places.
 constexpr float kOutline = 1.375f;
-constexpr GLColor kEdgeColor = kGrey60;  ///< where light falls on an edge
+constexpr GLColor kEdgeColor = kGrey60;  ///< an edge in the light
 
 void ApplyMixed(const GLColor& color, const GLColor& other, float share, float alpha) {
     glColor4f(color.red + (other.red - color.red) * share,
@@ -26,12 +26,12 @@ void ApplyMixed(const GLColor& color, const GLColor& other, float share, float a
               color.blue + (other.blue - color.blue) * share, alpha);
 }
 
-/// Fills a part's shape in the current colour.
+/// Fills the shape of a part in the current colour.
 void Fill(const Look& look, float hw, float hh) {
     DrawRoundRect(look.resources, hw, hh, look.Corner(hh));
 }
 
-/// A part's shape, moved.
+/// Fills the shape of a part, moved upwards by `dy`.
 void FillAt(const Look& look, float dy, float hw, float hh) {
     const MatrixScope matrix;
     glTranslatef(0.0f, dy, 0.0f);
@@ -104,7 +104,7 @@ void DrawKey(const Look& look, float hw, float hh) {
     }
     const GLColor& face = look.captured ? kKeyDownColor : kKeyColor;
     face.ApplyFaded(look.enabled ? 1.0f : 0.35f);
-    // The face leaves the light edge above it free.
+    // The face leaves the light edge at its top visible.
     const float edge = lit ? 0.5f * look.s : 0.0f;
     FillAt(look, -edge, hw, hh - edge);
     if (look.flat) {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
-/// The controls' common language of shape, light and colour. Values stand in dark sunken displays,
-/// what is pressed is a raised key; the pointer brings a light outline, a held control gets the
-/// contrast colour, and what has no effect at present is grey. Light falls from above. Boxy hosts
-/// get square corners, flat ones neither light nor shade.
-/// Sizes are half extents around the current origin. UI thread, GL context current.
+/// The common shapes and colours of the controls. Values are shown in dark sunken displays; buttons
+/// are raised keys. A hovered control gets a light outline, a held one the contrast colour, a
+/// control without effect is grey. Light comes from above. Boxy hosts get square corners, flat
+/// hosts no light and shade. Sizes are half extents around the current origin. UI thread, GL
+/// context current.
 #pragma once
 
 #include "gl/GLView.h"
@@ -11,11 +11,11 @@
 
 namespace brindle {
 
-/// Texts of one picture glyph each.
+/// Texts that consist of one symbol glyph.
 inline constexpr const char* kTriangleGlyph = "\x81";  ///< pointing down
 inline constexpr const char* kTickGlyph = "\x82";
 
-/// What a control asks once before it draws a pass.
+/// What a control asks the page once per pass.
 struct Look {
     explicit Look(GLView& view);
 
@@ -28,43 +28,43 @@ struct Look {
     bool captured;
     GLColor contrast;
 
-    /// Corner size of a part with this half height.
+    /// Corner size of a part with half height `hh`.
     float Corner(float hh) const;
-    /// A control's colour in its present state: the contrast colour while it is held, grey while
-    /// it is without effect.
+    /// A control's colour in its current state: the contrast colour while it is held, grey while it
+    /// has no effect.
     GLColor Accent(const GLColor& color) const;
-    /// Opacity of its texts in its present state.
+    /// Opacity of the control's texts in its current state.
     float TextAlpha() const;
 };
 
-/// A colour with each component moved towards white, 0 to 1.
+/// A colour whose components are moved towards white by `share`, 0 to 1.
 GLColor Lightened(const GLColor& color, float share);
 
 /// A dark display, sunken into the panel.
 void DrawDisplay(const Look& look, float hw, float hh);
-/// A key, raised out of the panel, pressed into it while it is held, flush and dull without effect.
+/// A key: raised from the panel, pressed in while it is held, flush and dull without effect.
 void DrawKey(const Look& look, float hw, float hh);
-/// The ground of what pops up above everything else.
+/// The background of a popup.
 void DrawPopup(const Look& look, float hw, float hh);
-/// What the pointer and the hold add around a control; over everything else, in the front pass.
+/// The outline of a hovered or held control; drawn on top, in the front pass.
 void DrawStateOutline(const Look& look, float hw, float hh);
-/// The edge of a part in the current colour, visible on each side at the design size.
+/// The outline of a part in the current colour, visible on each side at the design size.
 void DrawOutline(const Look& look, float hw, float hh);
 
-/// A value on a horizontal track: normalised values from 0 at its left end to 1.
+/// A value on a horizontal track, normalised: 0 at the left end, 1 at the right.
 struct TrackValue {
     float at;
-    float zero;  ///< where the fill begins, marked
+    float zero;  ///< where the fill starts; it has a mark
 };
-/// The track's groove with its mark at zero; `travel` is half its length.
+/// The track's groove with its mark at `zero`; `travel` is half the track's length.
 void DrawGroove(const Look& look, const GLColor& color, float travel, float zero);
 /// The fill from zero to the value, and the value's mark.
 void DrawFill(const Look& look, const GLColor& color, float travel, const TrackValue& value);
 
-/// Text without the spaces around it in the current colour, `size` page units to a text unit,
-/// smaller where it would be wider than `room`.
+/// Draws text in the current colour without leading and trailing spaces, `size` page units per text
+/// unit, shrunk to fit into `room`.
 void DrawFittedText(const Look& look, const char* text, int alignment, float size, float room);
-/// The same centred on a key in a colour, with the shadow that it throws.
+/// Draws fitted text centred on a key, in `color`, with its shadow.
 void DrawKeyText(const Look& look, const char* text, float size, float room, const GLColor& color);
 
 }  // namespace brindle

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// What the editor sets for all views of the process before the first frame, and views read.
-/// UI thread.
+/// Settings that the editor makes for all views of the process before the first frame. UI thread.
 #pragma once
 
 #include <string>
@@ -9,18 +8,18 @@
 
 namespace brindle {
 
-/// The bundle's path, ending with a separator; pictures are looked for beneath it.
+/// The bundle's path, ending with a separator; pictures are loaded from there.
 inline std::string resourceDirectory;
 
-/// The host's theme colours; these defaults stand until a host gives opaque ones.
+/// The host's theme colours; the defaults apply until a host sets opaque ones.
 inline GLColor hostBackgroundColor = kCream;
 inline GLColor hostContrastColor = kAmber;
 
-/// Looks that a host asks for: square corners; no shadows, gloss and glass.
+/// Looks that a host requests: square corners; no shadows and gloss.
 inline bool themeBoxy = false;
 inline bool themeFlat = false;
 
-/// What embossing, shadows and gloss darken with, and what they lighten with.
+/// The colours that embossing, shadows and gloss darken and lighten with.
 inline GLColor shadeColor = kBlack;
 inline GLColor lightColor = kGrey40;
 

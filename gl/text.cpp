@@ -5,7 +5,7 @@
 namespace brindle {
 namespace {
 
-/// Index of a character's glyph; from `kGlyphCount` on where it has none.
+/// Index of a character's glyph; `kGlyphCount` or more if it has none.
 size_t GlyphIndex(char character) {
     return static_cast<uint8_t>(static_cast<uint8_t>(character) - kFirstGlyph);
 }

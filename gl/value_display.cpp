@@ -7,13 +7,13 @@
 namespace brindle {
 namespace {
 
-constexpr float kTextHeight = 0.24f;    // of the text's centre, in half heights
-constexpr float kTextMargins = 3.5f;    // design points, both together
-constexpr float kTrackHeight = -0.62f;  // of the track's centre
-constexpr float kTrackMargin = 5.0f;    // design points at both ends
+constexpr float kTextHeight = 0.24f;    // the text's centre, in half heights
+constexpr float kTextMargins = 3.5f;    // design points, both sides together
+constexpr float kTrackHeight = -0.62f;  // the track's centre, in half heights
+constexpr float kTrackMargin = 5.0f;    // design points at each end
 
 constexpr int kLamps = 25;
-constexpr float kLampRing = 0.88f;  // radii, in the knob's radius
+constexpr float kLampRing = 0.88f;  // radii, in units of the knob's radius
 constexpr float kFaceRadius = 0.74f;
 constexpr float kMarkCentre = 0.56f;
 

@@ -1,38 +1,38 @@
 // SPDX-License-Identifier: ISC
 /// The two faces of a continuous control: a display with the value's text above a slim track, and a
-/// round knob in a ring of lamps. Both show the value, where it starts from, and its range.
+/// round knob in a ring of lamps. Both show the value, where its track starts, and its range.
 #pragma once
 
 #include "gl/look.h"
 
 namespace brindle {
 
-/// A control as its face shows it. Sizes are half extents in page units.
+/// A control's state for drawing. Sizes are half extents in page units.
 struct ControlFace {
     float hw;
     float hh;
     float at;    ///< normalised value
     float zero;  ///< normalised start of the value's track
     const char* text;
-    float textSize;  ///< page units to a text unit
+    float textSize;  ///< page units per text unit
     const GLColor& textColor;
-    const GLColor& color;  ///< of the value
+    const GLColor& color;  ///< the value's
 };
 
-/// What lies beneath the value, for the back pass, and the value, for the main pass.
+/// Draw what is beneath the value (back pass), and the value (main pass).
 void DrawValueDisplayBack(const Look& look, const ControlFace& face);
 void DrawValueDisplay(const Look& look, const ControlFace& face);
 
-/// How far the value travels on its track to either side of the centre.
+/// Travel of the value on its track to either side of the centre.
 float ValueTravel(const Look& look, const ControlFace& face);
 
-/// The direction of a round knob's mark in degrees against the clock from the top: 135 at the
-/// lower, -135 at the upper end.
+/// The angle of a round knob's mark in degrees, counter-clockwise from the top: 135 at the lower
+/// end, -135 at the upper end.
 float KnobAngle(float normalised);
-/// The same for a round knob, as large as fits.
+/// Draw a round knob as large as fits: beneath the value (back pass), and the value (main pass).
 void DrawRoundKnobBack(const Look& look, const ControlFace& face);
 void DrawRoundKnob(const Look& look, const ControlFace& face);
-/// What the pointer and the hold add to it, for the front pass.
+/// Draws the glow of a hovered or held round knob (front pass).
 void DrawRoundKnobState(const Look& look, const ControlFace& face);
 
 }  // namespace brindle

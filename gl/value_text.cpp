@@ -9,7 +9,7 @@ namespace {
 
 constexpr float kSilence = 1e-6f;  // -120 dB, far below any meter's floor
 
-/// A number with its decimals and, for thousands, its multiplier.
+/// How a value is written: its number, and "k" for thousands.
 struct Notation {
     float number;
     int width;

@@ -6,18 +6,18 @@
 
 namespace brindle {
 
-/// How a control writes its value.
+/// How a control formats its value.
 enum class ValueStyle {
-    Plain,     ///< one decimal below 10, none from there, thousands as "1.5k"
+    Plain,     ///< one decimal below 10, none above, thousands as "1.5k"
     Whole,     ///< no decimals
     Decibels,  ///< a linear amplitude in decibels, one decimal below 3 dB
 };
 
-/// Decibels of a linear amplitude; from -120 dB downwards, and for nothing or less, -120.
+/// Decibels of a linear amplitude, at least -120; 0, negative amplitudes and NaN give -120.
 float AmplitudeToDb(float amplitude);
 
-/// Writes a finite value and its unit into a buffer of `size` characters, cut where it is full.
-/// Short numbers are padded with a space, as in " 50Hz"; what rounds to zero has no sign.
+/// Writes a finite value and its unit into a buffer of `size` characters, truncated if it is full.
+/// Short numbers are padded with a space, as in " 50Hz"; values that round to zero have no sign.
 void FormatValue(char* text, size_t size, float value, ValueStyle style, const char* unit);
 
 }  // namespace brindle
