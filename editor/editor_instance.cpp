@@ -5,10 +5,8 @@
 
 #include <bit>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <utility>
 
 #include "contract/brindle.h"
 #include "editor/GLView_StripEqView.h"
@@ -26,32 +24,6 @@ struct HostFeatures {
     const LV2UI_Resize* resize = nullptr;
     const LV2_Options_Option* options = nullptr;
 };
-
-/// Frees the tree with the GL context that its textures belong to, then that with its window.
-void FreeInstance(EditorInstance* instance) {
-    const HostContext hostContext;
-    if (instance->puglView != nullptr) instance->puglView->MakeCurrent();
-    delete std::exchange(instance->rootView, nullptr);
-    delete instance->puglView;
-    std::free(instance->pluginUri);
-    std::free(instance->bundlePath);
-    std::free(instance);
-}
-
-struct FreeEditor {
-    void operator()(EditorInstance* instance) const { FreeInstance(instance); }
-};
-using OwnedInstance = std::unique_ptr<EditorInstance, FreeEditor>;
-
-OwnedInstance MakeInstance(const char* pluginUri, const char* bundlePath) {
-    OwnedInstance instance(static_cast<EditorInstance*>(std::calloc(1, sizeof(EditorInstance))));
-    if (instance != nullptr) {
-        instance->pluginUri = strdup(pluginUri);
-        instance->bundlePath = strdup(bundlePath);
-        resourceDirectory = bundlePath;
-    }
-    return instance;
-}
 
 HostFeatures ReadFeatures(EditorInstance& instance, const LV2_Feature* const* features) {
     HostFeatures host;
@@ -87,11 +59,21 @@ EditorInstance* Fail(const char* message) {
 
 }  // namespace
 
+EditorInstance::EditorInstance(const char* uri, const char* path)
+    : pluginUri(uri != nullptr ? uri : ""), bundlePath(path != nullptr ? path : "") {}
+
+EditorInstance::~EditorInstance() {
+    const HostContext hostContext;
+    if (puglView != nullptr) puglView->MakeCurrent();
+    rootView.reset();
+    puglView.reset();
+}
+
 EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
                            LV2UI_Write_Function writeFunction, LV2UI_Controller controller,
                            LV2UI_Widget* widget, const LV2_Feature* const* features) {
-    OwnedInstance instance = MakeInstance(pluginUri, bundlePath);
-    if (instance == nullptr) return nullptr;
+    auto instance = std::make_unique<EditorInstance>(pluginUri, bundlePath);
+    resourceDirectory = instance->bundlePath;
     instance->writeFunction = writeFunction;
     instance->controller = controller;
     const HostFeatures host = ReadFeatures(*instance, features);
@@ -103,12 +85,11 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
         return Fail("error: Required touch interface extension is not available.\n");
     }
     instance->puglView = PuglWindow::Create(reinterpret_cast<uintptr_t>(host.parent), kProductName,
-                                            kEditorWidthPx, kEditorHeightPx)
-                             .release();
+                                            kEditorWidthPx, kEditorHeightPx);
     if (instance->puglView == nullptr) return Fail("error: No window with OpenGL can be opened.\n");
     ApplyLooks(options);
-    instance->rootView =
-        new GLView_StripEqView({writeFunction, controller}, instance->map, instance->touch);
+    instance->rootView = std::make_unique<GLView_StripEqView>(HostWriter{writeFunction, controller},
+                                                              instance->map, instance->touch);
     instance->rootView->SetSampleRate(options.sampleRate);
     if (host.resize != nullptr && host.resize->ui_resize != nullptr) {
         host.resize->ui_resize(host.resize->handle, kEditorWidthPx, kEditorHeightPx);
@@ -121,7 +102,7 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
 }
 
 void CloseEditor(EditorInstance* instance) {
-    const OwnedInstance owned(instance);
+    const std::unique_ptr<EditorInstance> owned(instance);
     owned->rootView->EditorClosed();
 }
 

@@ -5,6 +5,8 @@
 #include <lv2/urid/urid.h>
 
 #include <cstdint>
+#include <memory>
+#include <string>
 
 namespace brindle {
 
@@ -13,15 +15,21 @@ class PuglWindow;
 
 /// One opened editor.
 struct EditorInstance {
-    PuglWindow* puglView;          ///< owned; null until the window is made
-    GLView_StripEqView* rootView;  ///< owned; null until the tree is made
-    void* reserved;
-    char* pluginUri;   ///< owned
-    char* bundlePath;  ///< owned
-    LV2UI_Write_Function writeFunction;
-    LV2UI_Controller controller;
-    LV2_URID_Map* map;  ///< the host's features, null where it has none
-    LV2UI_Touch* touch;
+    EditorInstance(const char* uri, const char* path);
+    /// Frees the tree with the GL context that its textures belong to, then that with its window.
+    ~EditorInstance();
+    EditorInstance(const EditorInstance&) = delete;
+    EditorInstance& operator=(const EditorInstance&) = delete;
+
+    std::unique_ptr<PuglWindow> puglView;          ///< null until the window is made
+    std::unique_ptr<GLView_StripEqView> rootView;  ///< null until the tree is made
+    void* reserved = nullptr;
+    std::string pluginUri;
+    std::string bundlePath;
+    LV2UI_Write_Function writeFunction = nullptr;
+    LV2UI_Controller controller = nullptr;
+    LV2_URID_Map* map = nullptr;  ///< the host's features, null where it has none
+    LV2UI_Touch* touch = nullptr;
 };
 
 /// Opens an editor in the parent window among the features and stores its window in `widget`. Null,

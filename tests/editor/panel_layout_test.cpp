@@ -41,7 +41,7 @@ struct Piece {
 struct PanelLayout : testing::Test {
     void SetUp() override {
         ASSERT_TRUE(host.Open());
-        root = static_cast<EditorInstance*>(host.handle)->rootView;
+        root = static_cast<EditorInstance*>(host.handle)->rootView.get();
         s = root->GetInterfaceScale();
         Collect(*root);
     }
