@@ -49,6 +49,8 @@ struct PuglWindow::Impl {
     std::unique_ptr<X11Watch> watch;  ///< as long as `display`
     GLView_BaseView* root = nullptr;
     WindowSize reported;
+    float pointerX = 0.0f;  ///< where it was reported last
+    float pointerY = 0.0f;
 
     static Impl& Of(PuglView* view) { return *static_cast<Impl*>(puglGetHandle(view)); }
 
@@ -57,6 +59,22 @@ struct PuglWindow::Impl {
         reported = watch->GetSize();
         root->SetWindowSize(static_cast<float>(reported.width),
                             static_cast<float>(reported.height));
+    }
+
+    void SetPointer(int x, int y) {
+        pointerX = static_cast<float>(x);
+        pointerY = static_cast<float>(y);
+    }
+
+    bool IsHeld() const {
+        return root != nullptr &&
+               (root->GetCapturedView() != nullptr || root->GetPressedButton() != 0);
+    }
+
+    /// Ends what is held as a release does, which the server does not always send.
+    void EndHold() {
+        if (!IsHeld()) return;
+        Contain([&] { root->MouseButton(root->GetPressedButton(), false, pointerX, pointerY); });
     }
 
     uint32_t GetModifiers() const { return static_cast<uint32_t>(puglGetModifiers(view)); }
@@ -94,25 +112,28 @@ struct PuglWindow::Impl {
 
     static void OnMotion(PuglView* view, int x, int y) {
         Impl& impl = Of(view);
+        if (!impl.watch->Pop(MotionNotify).hasButton) impl.EndHold();
+        impl.SetPointer(x, y);
         Contain([&] {
             impl.root->SetModifiers(impl.GetModifiers());
-            impl.root->PointerMotion(static_cast<float>(x), static_cast<float>(y));
+            impl.root->PointerMotion(impl.pointerX, impl.pointerY);
         });
     }
 
     static void OnMouse(PuglView* view, int button, bool press, int x, int y) {
         Impl& impl = Of(view);
-        impl.root->SetEventTime(impl.watch->PopTime(press ? ButtonPress : ButtonRelease));
+        impl.root->SetEventTime(impl.watch->Pop(press ? ButtonPress : ButtonRelease).time_ms);
         if (button > kButtons) return;
+        impl.SetPointer(x, y);
         Contain([&] {
             impl.root->SetModifiers(impl.GetModifiers());
-            impl.root->MouseButton(button, press, static_cast<float>(x), static_cast<float>(y));
+            impl.root->MouseButton(button, press, impl.pointerX, impl.pointerY);
         });
     }
 
     static void OnScroll(PuglView* view, float /*dx*/, float dy) {
         Impl& impl = Of(view);
-        impl.watch->PopTime(ButtonPress);
+        impl.watch->Pop(ButtonPress);
         Contain([&] {
             impl.root->SetModifiers(impl.GetModifiers());
             impl.root->MouseWheel(dy);
@@ -123,7 +144,7 @@ struct PuglWindow::Impl {
         Impl& impl = Of(view);
         std::fprintf(stderr, "Key %c %s ", static_cast<int>(character), press ? "down" : "up");
         impl.PrintModifiers();
-        impl.root->SetEventTime(impl.watch->PopTime(press ? KeyPress : KeyRelease));
+        impl.root->SetEventTime(impl.watch->Pop(press ? KeyPress : KeyRelease).time_ms);
         impl.root->Key(press, character);
     }
 
@@ -131,7 +152,7 @@ struct PuglWindow::Impl {
         Impl& impl = Of(view);
         std::fprintf(stderr, "Special key %d %s ", static_cast<int>(key), press ? "down" : "up");
         impl.PrintModifiers();
-        impl.root->SetEventTime(impl.watch->PopTime(press ? KeyPress : KeyRelease));
+        impl.root->SetEventTime(impl.watch->Pop(press ? KeyPress : KeyRelease).time_ms);
         impl.root->SpecialKey(press, static_cast<uint32_t>(key));
     }
 };
@@ -193,6 +214,8 @@ void PuglWindow::ProcessEvents() {
     impl_->ReportSize();
     puglProcessEvents(impl_->view);
     impl_->watch->PassKeysOn();
+    // A window that is no longer shown gets no release.
+    if (impl_->IsHeld() && !impl_->watch->IsShown()) impl_->EndHold();
 }
 
 void PuglWindow::PostRedisplay() {

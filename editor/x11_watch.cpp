@@ -15,8 +15,8 @@ namespace brindle {
 namespace {
 
 /// The events that are listened to.
-constexpr std::array kEvents = {KeyPress,      KeyRelease,    ButtonPress,
-                                ButtonRelease, DestroyNotify, ConfigureNotify};
+constexpr std::array kEvents = {KeyPress,     KeyRelease,    ButtonPress,    ButtonRelease,
+                                MotionNotify, DestroyNotify, ConfigureNotify};
 
 /// GLX errors about a drawable that is no more, from the extension's first error code.
 constexpr std::array kLostDrawableErrors = {2 /* drawable */, 5 /* current window */,
@@ -112,14 +112,17 @@ void X11Watch::Record(const XEvent& event) {
     switch (event.type) {
         case KeyPress:
         case KeyRelease:
-            inputs_.push_back({event.type, static_cast<uint32_t>(event.xkey.time)});
+            RecordInput(event.type, event.xkey.time, event.xkey.state);
             if (parent_ != 0 && event.xkey.send_event == False) keys_.push_back(event.xkey);
             break;
         case ButtonPress:
         case ButtonRelease:
             if (event.type == ButtonPress || !IsWheel(event.xbutton.button)) {
-                inputs_.push_back({event.type, static_cast<uint32_t>(event.xbutton.time)});
+                RecordInput(event.type, event.xbutton.time, event.xbutton.state);
             }
+            break;
+        case MotionNotify:
+            RecordInput(event.type, event.xmotion.time, event.xmotion.state);
             break;
         case DestroyNotify:
             gone_ = gone_ || event.xdestroywindow.window == window_;
@@ -139,6 +142,11 @@ void X11Watch::Record(const XEvent& event) {
     }
 }
 
+void X11Watch::RecordInput(int type, Time time, unsigned state) {
+    inputs_.push_back({type, static_cast<uint32_t>(time),
+                       (state & (Button1Mask | Button2Mask | Button3Mask)) != 0});
+}
+
 void X11Watch::RecordOwnSize(WindowSize newSize) {
     if (newSize == size_) return;
     size_ = newSize;
@@ -154,14 +162,19 @@ void X11Watch::ReadAhead() {
     XPending(display_);
 }
 
-uint32_t X11Watch::PopTime(int type) {
+InputEvent X11Watch::Pop(int type) {
     while (!inputs_.empty()) {
-        const InputTime input = inputs_.front();
+        lastInput_ = inputs_.front();
         inputs_.pop_front();
-        lastTime_ms_ = input.time_ms;
-        if (input.type == type) break;
+        if (lastInput_.type == type) break;
     }
-    return lastTime_ms_;
+    return lastInput_;
+}
+
+bool X11Watch::IsShown() const {
+    XWindowAttributes attributes{};
+    return XGetWindowAttributes(display_, window_, &attributes) != 0 &&
+           attributes.map_state == IsViewable;
 }
 
 void X11Watch::PassKeysOn() {

@@ -16,6 +16,13 @@ struct WindowSize {
     bool operator==(const WindowSize&) const = default;
 };
 
+/// What Pugl leaves out of an input event.
+struct InputEvent {
+    int type = 0;
+    uint32_t time_ms = 0;    ///< the X server's clock
+    bool hasButton = false;  ///< one of the buttons 1 to 3 was down before the event
+};
+
 /// Listens in on one window's own X connection: every event that the connection reads passes here
 /// first, before who owns the connection takes it from the queue. UI thread.
 class X11Watch {
@@ -28,27 +35,24 @@ class X11Watch {
 
     /// Reads all that the server has sent, without taking anything from the queue.
     void ReadAhead();
-    /// The time of the oldest press or release of a type (ButtonPress, ButtonRelease, KeyPress or
-    /// KeyRelease), in ms of the X server's clock, forgetting those before it. Where there is none:
-    /// the last one's time again.
-    uint32_t PopTime(int type);
+    /// The oldest input of a type (ButtonPress, ButtonRelease, MotionNotify, KeyPress or
+    /// KeyRelease), forgetting those before it. Where there is none: the last one again.
+    InputEvent Pop(int type);
     /// Sends the keys that the window got on to its parent, as a window does that does not use
     /// them. Those that were sent themselves stay here, so that none goes round in circles.
     void PassKeysOn();
     /// The window has been destroyed, with its parent as a rule.
     bool IsGone() const { return gone_; }
+    /// The window and all that it lies in are shown. Waits for the server.
+    bool IsShown() const;
     WindowSize GetSize() const { return size_; }
     /// Asks for the parent's size where that has changed, unless the host sizes the window itself.
     void FollowParent();
 
   private:
-    struct InputTime {
-        int type;
-        uint32_t time_ms;
-    };
-
     static Bool OnEvent(Display* display, XEvent* event, void* wire);
     void Record(const XEvent& event);
+    void RecordInput(int type, Time time, unsigned state);
     void RecordOwnSize(WindowSize newSize);
 
     Display* display_;
@@ -60,9 +64,9 @@ class X11Watch {
     bool parentResized_ = false;
     bool hostSizesWindow_ = false;
     std::deque<WindowSize> requested_;  ///< sizes asked for that have not come yet
-    std::deque<InputTime> inputs_;
+    std::deque<InputEvent> inputs_;
     std::vector<XKeyEvent> keys_;
-    uint32_t lastTime_ms_ = 0;
+    InputEvent lastInput_;
 };
 
 /// Whether Pugl can make a window there: a display with direct OpenGL, and the parent (0: none

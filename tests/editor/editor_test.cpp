@@ -352,6 +352,21 @@ TEST(Editor, OpensAndClosesWithoutTrace) {
     EXPECT_TRUE(other.window.IsShown(other.child));
 }
 
+/// The trim slider's middle, window pixels.
+constexpr int kTrimX = 843;
+constexpr int kTrimY = 537;
+
+/// A press of the trim slider.
+void HoldTrim(UiHost& host) {
+    host.Report(kTrimPort, 0.0f);
+    host.IdleTimes(2);
+    host.window.MovePointer(kTrimX, kTrimY);
+    host.window.Press();
+    host.IdleTimes(1);
+    host.touches.clear();
+    host.writes.clear();
+}
+
 TEST(Editor, ClosesWhileOthersControlsMove) {
     std::array<std::optional<UiHost>, 3> hosts;
     for (auto& host : hosts) {
@@ -360,12 +375,7 @@ TEST(Editor, ClosesWhileOthersControlsMove) {
         host->IdleTimes(2);
     }
     UiHost& top = *hosts[2];  // above the others, its trim held
-    constexpr int kTrimX = 843;
-    constexpr int kTrimY = 537;
-    top.window.MovePointer(kTrimX, kTrimY);
-    top.window.Press();
-    top.IdleTimes(1);
-    top.writes.clear();
+    HoldTrim(top);
     for (int step = 1; step <= 10; ++step) {
         top.window.MovePointer(kTrimX + 3 * step, kTrimY);
         if (step == 5) hosts[1].reset();
@@ -377,7 +387,7 @@ TEST(Editor, ClosesWhileOthersControlsMove) {
     }
     top.window.Release();
     top.IdleTimes(1);
-    EXPECT_THAT(top.touches, ElementsAre(Pair(kTrimPort, true), Pair(kTrimPort, false)));
+    EXPECT_THAT(top.touches, ElementsAre(Pair(kTrimPort, false)));
     EXPECT_EQ(top.writes.size(), 10u);
     for (size_t i = 1; i < top.writes.size(); ++i) {
         EXPECT_EQ(top.writes[i].port, kTrimPort);
@@ -395,6 +405,43 @@ TEST(Editor, ClosesWhileOthersControlsMove) {
     left.Report(band_port(3) + kGain, -12.0f);
     left.IdleTimes(3);
     EXPECT_NE(left.window.GetPixels(left.child, 1000, 600), before);
+}
+
+TEST(Editor, LetsGoOfWhatIsHeldWhereItIsHidden) {
+    UiHost host(BuiltEditor());
+    ASSERT_TRUE(host.Open());
+    host.IdleTimes(3);
+    for (const uintptr_t hidden : {host.child, host.window.GetId()}) {
+        HoldTrim(host);
+        host.window.Hide(hidden);
+        host.IdleTimes(2);
+        EXPECT_THAT(host.touches, ElementsAre(Pair(kTrimPort, false)));
+        host.window.Release();
+        host.window.Show(hidden);
+        host.window.MovePointer(kTrimX + 20, kTrimY);
+        host.IdleTimes(2);
+        EXPECT_THAT(host.writes, IsEmpty());
+        host.window.MovePointer(-10, -10);
+    }
+    // Hidden and shown between two idle calls.
+    HoldTrim(host);
+    host.window.Hide(host.child);
+    host.window.Release();
+    host.window.Show(host.child);
+    host.window.MovePointer(kTrimX + 20, kTrimY);
+    host.IdleTimes(1);
+    EXPECT_THAT(host.touches, ElementsAre(Pair(kTrimPort, false)));
+    EXPECT_THAT(host.writes, IsEmpty());
+
+    // The picture is there with the first idle call.
+    host.window.MovePointer(-10, -10);
+    host.IdleTimes(2);
+    const auto before = host.window.GetPixels(host.child, 1000, 600);
+    host.window.Hide(host.child);
+    host.IdleTimes(2);
+    host.window.Show(host.child);
+    host.IdleTimes(1);
+    EXPECT_EQ(host.window.GetPixels(host.child, 1000, 600), before);
 }
 
 TEST(Editor, LetsNoExceptionThrough) {

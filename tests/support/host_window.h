@@ -75,6 +75,14 @@ class HostWindow {
         XDestroyWindow(display, id);
         Sync();
     }
+    void Show(Window window) {
+        XMapWindow(display, window);
+        Sync();
+    }
+    void Hide(Window window) {
+        XUnmapWindow(display, window);
+        Sync();
+    }
     void Sync() { XSync(display, False); }
 
     // The pointer, in pixels from the window's top left corner.
