@@ -118,6 +118,11 @@ void GLView_BaseView::MouseDragTo(GLPoint pixelPoint) {
     }
 }
 
+void GLView_BaseView::PointerLeft() {
+    SetSelected(false);
+    ClearInfo();
+}
+
 void GLView_BaseView::MouseWheel(float delta) {
     // A wheel that is turned sideways leaves values as they are, and unwritten.
     if (textRenderer != nullptr && delta != 0.0f) Scroll(delta);

@@ -32,6 +32,8 @@ class GLView_BaseView : public GLView {
     void SetWindowSize(float width, float height);
     void MouseButton(int32_t button, bool press, float windowX, float windowY);
     void PointerMotion(float windowX, float windowY);
+    /// The pointer is no longer over the window: nothing is pointed at.
+    virtual void PointerLeft();
     void MouseWheel(float delta);
     void Key(bool press, uint32_t character);
     void SpecialKey(bool press, uint32_t code);

@@ -188,6 +188,11 @@ void GLView_StripEqView::AssumeUnreportedWrites() {
                                [this](uint32_t port, float value) { ApplyReport(port, value); });
 }
 
+void GLView_StripEqView::PointerLeft() {
+    graph_->SelectHandle(-1);
+    GLView_BaseView::PointerLeft();
+}
+
 void GLView_StripEqView::SendParameter(uint32_t index, float value) {
     connection_.Write(index, value);
 }

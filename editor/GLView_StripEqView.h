@@ -26,6 +26,8 @@ class GLView_StripEqView : public GLView_BaseView {
     /// Takes the writes as reported that the host has not answered in time. Call it when idle.
     void AssumeUnreportedWrites();
 
+    /// No handle has its rings and readout, no strip its outline any more.
+    void PointerLeft() override;
     void SendParameter(uint32_t index, float value) override;
     /// Switch the engine's analyser on, and off.
     void EditorOpened() override;

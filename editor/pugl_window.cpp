@@ -216,6 +216,7 @@ void PuglWindow::ProcessEvents() {
     impl_->watch->PassKeysOn();
     // A window that is no longer shown gets no release.
     if (impl_->IsHeld() && !impl_->watch->IsShown()) impl_->EndHold();
+    if (impl_->watch->HasLeft() && !impl_->IsHeld()) impl_->root->PointerLeft();
 }
 
 void PuglWindow::PostRedisplay() {

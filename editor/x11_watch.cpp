@@ -15,8 +15,9 @@ namespace brindle {
 namespace {
 
 /// The events that are listened to.
-constexpr std::array kEvents = {KeyPress,     KeyRelease,    ButtonPress,    ButtonRelease,
-                                MotionNotify, DestroyNotify, ConfigureNotify};
+constexpr std::array kEvents = {KeyPress,      KeyRelease,    ButtonPress,
+                                ButtonRelease, MotionNotify,  EnterNotify,
+                                LeaveNotify,   DestroyNotify, ConfigureNotify};
 
 /// GLX errors about a drawable that is no more, from the extension's first error code.
 constexpr std::array kLostDrawableErrors = {2 /* drawable */, 5 /* current window */,
@@ -93,6 +94,8 @@ X11Watch::X11Watch(Display* newDisplay, Window newWindow, Window newParent)
     XWindowAttributes attributes{};
     if (XGetWindowAttributes(display_, window_, &attributes) != 0) {
         size_ = {attributes.width, attributes.height};
+        XSelectInput(display_, window_,
+                     attributes.your_event_mask | EnterWindowMask | LeaveWindowMask);
     }
     if (parent_ != 0 && XGetWindowAttributes(display_, parent_, &attributes) != 0) {
         parentSize_ = {attributes.width, attributes.height};
@@ -123,6 +126,10 @@ void X11Watch::Record(const XEvent& event) {
             break;
         case MotionNotify:
             RecordInput(event.type, event.xmotion.time, event.xmotion.state);
+            break;
+        case EnterNotify:
+        case LeaveNotify:
+            if (event.xcrossing.mode == NotifyNormal) left_ = event.type == LeaveNotify;
             break;
         case DestroyNotify:
             gone_ = gone_ || event.xdestroywindow.window == window_;

@@ -43,6 +43,8 @@ class X11Watch {
     void PassKeysOn();
     /// The window has been destroyed, with its parent as a rule.
     bool IsGone() const { return gone_; }
+    /// The pointer has been over the window and is no more, grabs aside.
+    bool HasLeft() const { return left_; }
     /// The window and all that it lies in are shown. Waits for the server.
     bool IsShown() const;
     WindowSize GetSize() const { return size_; }
@@ -61,6 +63,7 @@ class X11Watch {
     WindowSize size_;
     WindowSize parentSize_;
     bool gone_ = false;
+    bool left_ = false;
     bool parentResized_ = false;
     bool hostSizesWindow_ = false;
     std::deque<WindowSize> requested_;  ///< sizes asked for that have not come yet

@@ -10,6 +10,7 @@
 #include <optional>
 #include <tuple>
 
+#include "contract/ports.h"
 #include "tests/support/gl_context.h"
 #include "tests/support/ui_host.h"
 
@@ -405,6 +406,51 @@ TEST(Editor, ClosesWhileOthersControlsMove) {
     left.Report(band_port(3) + kGain, -12.0f);
     left.IdleTimes(3);
     EXPECT_NE(left.window.GetPixels(left.child, 1000, 600), before);
+}
+
+TEST(Editor, ForgetsWhatWasPointedAtWhenThePointerLeaves) {
+    UiHost host(BuiltEditor());
+    ASSERT_TRUE(host.Open());
+    for (int strip = 0; strip < kStripCount; ++strip) {
+        for (uint32_t i = 0; i < kControlCount; ++i)
+            host.Report(strip_port(strip) + i, strip_row(strip).defaults[i]);
+    }
+    host.Report(kTrimPort, 0.0f);
+    host.IdleTimes(3);
+    const auto picture = [&] {
+        host.IdleTimes(2);
+        return host.window.GetPixels(host.child, 1000, 600);
+    };
+    const auto strips = [&] {  // where nothing pulses
+        auto pixels = picture();
+        pixels.erase(pixels.begin(), pixels.begin() + 420 * 1000);
+        return pixels;
+    };
+    host.window.MovePointer(500, 595);  // nothing is there
+    host.IdleTimes(2);
+    host.window.MovePointer(500, 610);
+    const auto untouched = picture();
+    // A handle, a knob, a key and a preset.
+    for (const auto& [x, y] : {std::pair(561, 187), {124, 470}, {124, 440}, {120, 16}}) {
+        SCOPED_TRACE(x);
+        host.window.MovePointer(x, y);
+        EXPECT_FALSE(picture() == untouched);
+        host.window.MovePointer(-10, y);
+        EXPECT_TRUE(picture() == untouched);
+    }
+    // What is held stays lit until it is let go outside: a knob, which moves up and down only.
+    host.window.MovePointer(124, 470);
+    host.window.Press();
+    const auto held = strips();
+    host.window.MovePointer(-10, 470);
+    EXPECT_TRUE(strips() == held);
+    host.window.Release();
+    EXPECT_TRUE(picture() == untouched);
+    // A host that grabs the pointer, as for a menu, takes it from nothing.
+    host.window.MovePointer(124, 470);
+    const auto pointed = strips();
+    host.window.Grab();
+    EXPECT_TRUE(strips() == pointed);
 }
 
 TEST(Editor, LetsGoOfWhatIsHeldWhereItIsHidden) {

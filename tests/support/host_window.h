@@ -90,6 +90,12 @@ class HostWindow {
         XTestFakeMotionEvent(display, -1, kLeft + x, kTop + y, CurrentTime);
         Sync();
     }
+    /// Takes the pointer from whatever it is over.
+    void Grab() {
+        XGrabPointer(display, id, False, ButtonPressMask, GrabModeAsync, GrabModeAsync, None, None,
+                     CurrentTime);
+        Sync();
+    }
     void Press(unsigned button = 1) { Button(button, True); }
     void Release(unsigned button = 1) { Button(button, False); }
     void Click(unsigned button = 1) {
