@@ -2,6 +2,8 @@
 #include "editor/GLView_StripEqView.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <string>
 #include <utility>
 
 #include "contract/ports.h"
@@ -13,6 +15,7 @@
 #include "gl/GLView_DecoratorBox.h"
 #include "gl/GLView_TrimSlider.h"
 #include "gl/drawing.h"
+#include "gl/settings.h"
 #include "graph/GLView_ParametricEQGrabber.h"
 
 namespace brindle {
@@ -23,7 +26,9 @@ constexpr float kDragSensitivity = 0.003f;
 }  // namespace
 
 GLView_StripEqView::GLView_StripEqView(HostWriter host, LV2_URID_Map* map, const LV2UI_Touch* touch)
-    : GLView_BaseView(kEditorWidthPx, kEditorHeightPx), connection_(host, map) {
+    : GLView_BaseView(kEditorWidthPx, kEditorHeightPx),
+      connection_(host, map),
+      message_(GLView_BaseView::GetInterfaceScale()) {
     SetName(kProductName);
     AddFlatAll();
     AddGraph(touch);
@@ -218,7 +223,25 @@ GLColor GLView_StripEqView::GetBackgroundColor() {
     return ground;
 }
 
+void GLView_StripEqView::ShowMessage(const char* line1, const char* line2, const char* line3,
+                                     const char* line4, const char* line5) {
+    message_.SetLines({line1, line2, line3, line4, line5});
+    OpenDialog(&message_);
+}
+
+void GLView_StripEqView::CheckResources() {
+    const std::string folder = resourceDirectory + "res";
+    if (!textRenderer->HasLetters()) {
+        std::fprintf(stderr, "error: The editor finds no pictures and letters in %s\n",
+                     folder.c_str());
+    } else if (!textRenderer->HasPictures()) {
+        ShowMessage("The editor's pictures are missing. They were looked for in", "",
+                    folder.c_str(), "", "Install the plugin's bundle again, with its folders.");
+    }
+}
+
 void GLView_StripEqView::PreDraw() {
+    if (!std::exchange(hasCheckedResources_, true)) CheckResources();
     selectedBand_ = graph_->selectedHandle;
     if (GLView* told = captureView != nullptr ? captureView : focusView) {
         ShowInfo(told->infoTitle, told->infoText);

@@ -7,6 +7,7 @@
 #include "editor/host_connection.h"
 #include "gl/GLView_Caption.h"
 #include "gl/GLView_DB60Meter.h"
+#include "gl/GLView_Message.h"
 #include "gl/GLView_PresetButton.h"
 #include "graph/GLView_ParametricEQ.h"
 
@@ -37,9 +38,14 @@ class GLView_StripEqView : public GLView_BaseView {
     GLColor GetBackgroundColor() override;
     /// The help line tells of the control that is held, or else of the one that is pointed at.
     void PreDraw() override;
+    /// Shows five lines above the darkened panel, until the next click.
+    void ShowMessage(const char* line1, const char* line2, const char* line3, const char* line4,
+                     const char* line5) override;
     void DrawBackground() override;
 
   private:
+    /// Tells the user where pictures of the bundle are missing.
+    void CheckResources();
     void ApplyReport(uint32_t port, float value);
     // The pieces of the panel, in the order in which they are asked for the pointer.
     void AddFlatAll();
@@ -55,6 +61,7 @@ class GLView_StripEqView : public GLView_BaseView {
     void Place(GLView& view, float left, float middle, float width, float height);
 
     HostConnection connection_;
+    GLView_Message message_;
     // Children of this view, observed.
     GLView_PresetButton* flatAll_ = nullptr;
     GLView_ParametricEQ* graph_ = nullptr;
@@ -62,6 +69,7 @@ class GLView_StripEqView : public GLView_BaseView {
     GLView_DB60Meter* outputMeter_ = nullptr;
     int32_t selectedBand_ = -1;        ///< strip whose handle is selected, -1 for none
     bool hasReportedControl_ = false;  ///< the host has told a value
+    bool hasCheckedResources_ = false;
 };
 
 }  // namespace brindle

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLResources.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -98,6 +99,8 @@ GLResources::GLResources(float pageScale) : interfaceScale(pageScale) {
             images[number] = Keep(LoadTexture(ImagePath(number).c_str()));
         }
     }
+    constexpr std::array<uint32_t, 5> kNeeded = {102, 150, 160, 250, 318};
+    hasPictures_ = std::ranges::all_of(kNeeded, [this](uint32_t n) { return images[n] != 0; });
     glEnable(GL_LINE_SMOOTH);
     glHint(GL_LINE_SMOOTH_HINT, GL_DONT_CARE);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);

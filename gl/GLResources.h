@@ -29,6 +29,10 @@ class GLResources {
     /// Deletes the textures.
     ~GLResources();
 
+    /// Whether the pictures that the widgets are drawn with could be read, and the letters.
+    bool HasPictures() const { return hasPictures_; }
+    bool HasLetters() const { return glyphs['A' - kFirstGlyph].texture != 0; }
+
     /// Texture of an image, loaded on first use; 0 for numbers from 512 upwards.
     GLuint Image(uint32_t number);
 
@@ -50,6 +54,7 @@ class GLResources {
     GLuint Keep(GLuint texture);
 
     std::vector<GLuint> owned_;
+    bool hasPictures_;
 };
 
 /// Loads a picture file into a texture with linear filters; 0 if it cannot be read.

@@ -12,6 +12,17 @@ void GLView_Dialog::Close() {
     GLView::Close();
 }
 
+void GLView_Dialog::DimPage(float share) {
+    const MatrixScope matrix;
+    const float left = GetViewLeft();
+    const float right = GetViewRight();
+    const float bottom = GetViewBottom();
+    const float top = GetViewTop();
+    glTranslatef((left + right) * 0.5f, (bottom + top) * 0.5f, 0.0f);
+    kBlack.ApplyFaded(share);
+    DrawRect((right - left) * 0.5f, (top - bottom) * 0.5f);
+}
+
 void GLView_Dialog::DrawBack() {}
 
 void GLView_Dialog::Draw() {

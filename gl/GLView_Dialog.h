@@ -23,6 +23,10 @@ class GLView_Dialog : public GLView {
     void RedrawArea(const GLRect& area, Layer layer) override;
 
     GLAnimator_Translator slide;
+
+  protected:
+    /// Darkens the page behind the box, by a share of 0 to 1.
+    void DimPage(float share);
 };
 
 }  // namespace brindle

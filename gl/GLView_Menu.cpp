@@ -67,16 +67,7 @@ void GLView_Menu::Draw() {
     constexpr float kFadeStep = 0.02f;
     if (fade < kDarkest) fade = std::min(fade + kFadeStep, kDarkest);
     const Look look(*this);
-    {
-        const MatrixScope matrix;
-        const float left = GetViewLeft();
-        const float right = GetViewRight();
-        const float bottom = GetViewBottom();
-        const float top = GetViewTop();
-        glTranslatef((left + right) * 0.5f, (bottom + top) * 0.5f, 0.0f);
-        kBlack.ApplyFaded(fade);
-        DrawRect((right - left) * 0.5f, (top - bottom) * 0.5f);
-    }
+    DimPage(fade);
     Enter();
     {
         const MatrixScope matrix;

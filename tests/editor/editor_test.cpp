@@ -5,7 +5,9 @@
 #include <lv2/parameters/parameters.h>
 #include <malloc.h>
 
+#include <algorithm>
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <tuple>
@@ -488,6 +490,61 @@ TEST(Editor, LetsGoOfWhatIsHeldWhereItIsHidden) {
     host.window.Show(host.child);
     host.IdleTimes(1);
     EXPECT_EQ(host.window.GetPixels(host.child, 1000, 600), before);
+}
+
+/// A bundle's folder with the pictures and letters that are asked for.
+struct PartOfBundle {
+    std::filesystem::path folder = testing::TempDir() + "brindle_part.lv2";
+
+    explicit PartOfBundle(const std::vector<const char*>& parts) {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder / "res");
+        for (const char* part : parts) {
+            std::filesystem::copy(std::filesystem::path(BRINDLE_BUNDLE) / "res" / part,
+                                  folder / "res" / part);
+        }
+    }
+    ~PartOfBundle() { std::filesystem::remove_all(folder); }
+    std::string Path() const { return folder.string() + '/'; }
+};
+
+TEST(Editor, TellsTheUserWherePicturesAreMissing) {
+    const std::pair<int, int> clicks[] = {{500, 300}, {120, 16}};  // on the message, and beside it
+    for (const auto& [x, y] : clicks) {
+        SCOPED_TRACE(x);
+        const PartOfBundle bundle({"chars"});
+        UiHost host(BuiltEditor());
+        ASSERT_TRUE(host.Open(bundle.Path().c_str()));
+        host.IdleTimes(2);
+        std::this_thread::sleep_for(std::chrono::milliseconds(250));  // until it has slid in
+        host.IdleTimes(2);
+        const auto isText = [](uint32_t pixel) { return (pixel & 0xff) > 0x80; };
+        auto shown = host.window.GetPixels(host.child, 1000, 600);
+        EXPECT_GT(std::count_if(shown.begin() + 250 * 1000, shown.begin() + 350 * 1000, isText),
+                  300);
+
+        host.writes.clear();
+        host.window.MovePointer(x, y);
+        host.window.Click();
+        host.IdleTimes(2);
+        shown = host.window.GetPixels(host.child, 1000, 600);
+        EXPECT_LT(std::count_if(shown.begin() + 250 * 1000, shown.begin() + 350 * 1000, isText),
+                  300);
+        EXPECT_THAT(host.writes, IsEmpty()) << "what is below gets the click";
+        host.window.MovePointer(120, 16);  // a preset
+        host.window.Click();
+        host.IdleTimes(2);
+        EXPECT_GT(host.writes.size(), 50u);
+    }
+    const PartOfBundle bundle({});
+    UiHost host(BuiltEditor());
+    ASSERT_TRUE(host.Open(bundle.Path().c_str()));
+    EXPECT_THAT(PrintedBy([&] { host.IdleTimes(3); }).err,
+                HasSubstr("letters in " + bundle.Path() + "res\n"));
+    host.window.MovePointer(120, 16);
+    host.window.Click();
+    host.IdleTimes(2);
+    EXPECT_GT(host.writes.size(), 50u) << "something lies above the panel";
 }
 
 TEST(Editor, LetsNoExceptionThrough) {
