@@ -414,8 +414,9 @@ TEST(Editor, ForgetsWhatWasPointedAtWhenThePointerLeaves) {
     UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     for (int strip = 0; strip < kStripCount; ++strip) {
-        for (uint32_t i = 0; i < kControlCount; ++i)
+        for (uint32_t i = 0; i < kControlCount; ++i) {
             host.Report(strip_port(strip) + i, strip_row(strip).defaults[i]);
+        }
     }
     host.Report(kTrimPort, 0.0f);
     host.IdleTimes(3);
