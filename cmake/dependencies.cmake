@@ -18,7 +18,7 @@ pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
 # Version 2 is under the SIL Open Font License, version 1 under the GPL with an exception for
 # documents. Later releases of Debian have version 2 in the folder of version 1.
 find_file(BRINDLE_FONT LiberationSans-Regular.ttf PATHS /usr/share/fonts
-          PATH_SUFFIXES truetype/liberation2 truetype/liberation REQUIRED)
+          PATH_SUFFIXES truetype/liberation2 truetype/liberation NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 
 if(BUILD_TESTING)
     find_package(GTest REQUIRED)

@@ -27,6 +27,21 @@ function(brindle_product target)
     endif()
 endfunction()
 
+# A program that the build runs. BRINDLE_GENERATORS names a folder with ready ones, which a build for
+# another processor takes from one for the machine at hand (generators/ of its build folder).
+function(brindle_generator target)
+    if(BRINDLE_GENERATORS)
+        add_executable(${target} IMPORTED)
+        set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${BRINDLE_GENERATORS}/${target})
+        return()
+    endif()
+    cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+    add_executable(${target} ${arg_SOURCES})
+    brindle_product(${target})
+    target_link_libraries(${target} PRIVATE ${arg_LIBS})
+    set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/generators)
+endfunction()
+
 # One static library per folder; the plugin, tests and benchmarks are linked from them.
 function(brindle_library target)
     add_library(${target} STATIC ${ARGN})
