@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// Fills the bundle's Turtle templates from the tables of ports, filter types and presets.
-// Usage: make_turtle TEMPLATE OUTPUT
+// Fills the bundle's Turtle templates from the tables of ports, filter types and presets, and puts
+// them one after the other into a file. Usage: make_turtle OUTPUT TEMPLATE...
 
 #include <array>
 #include <cctype>
@@ -256,12 +256,13 @@ std::string fill(std::string_view text) {
     }
 }
 
-void make_turtle(const char* template_path, const char* output_path) {
-    std::ifstream input(template_path);
-    if (!input) throw std::runtime_error(std::string(template_path) + " cannot be read");
-    const std::string text{std::istreambuf_iterator<char>(input), {}};
+void make_turtle(const char* output_path, std::span<char*> template_paths) {
     std::ofstream output(output_path);
-    output << fill(text);
+    for (const char* path : template_paths) {
+        std::ifstream input(path);
+        if (!input) throw std::runtime_error(std::string(path) + " cannot be read");
+        output << fill(std::string{std::istreambuf_iterator<char>(input), {}});
+    }
     output.close();
     if (!output) throw std::runtime_error(std::string(output_path) + " cannot be written");
 }
@@ -270,12 +271,12 @@ void make_turtle(const char* template_path, const char* output_path) {
 }  // namespace brindle
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::cerr << "usage: make_turtle TEMPLATE OUTPUT\n";
+    if (argc < 3) {
+        std::cerr << "usage: make_turtle OUTPUT TEMPLATE...\n";
         return 2;
     }
     try {
-        brindle::make_turtle(argv[1], argv[2]);
+        brindle::make_turtle(argv[1], {argv + 2, argv + argc});
     } catch (const std::exception& error) {
         std::cerr << "make_turtle: " << error.what() << '\n';
         return 1;

@@ -4,7 +4,7 @@ add_library(brindle_options INTERFACE)
 target_include_directories(brindle_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(
     brindle_options
-    INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+    INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow $<$<BOOL:${BRINDLE_WERROR}>:-Werror>
               # The engine's output is defined to the bit: a product and a sum round separately.
               -ffp-contract=off)
 
