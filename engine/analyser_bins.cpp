@@ -151,7 +151,7 @@ HWY_INLINE void filter(AnalyserBins& bins, size_t first, const Products& product
 }
 
 void advance_bins(AnalyserBins& bins, const double* v, size_t count) noexcept {
-    if constexpr (kTwoPasses) {
+    if (kTwoPasses) {
         Products products;
         for (size_t first = 0; first < kPlotBins; first += kTurned * kLanes) {
             for (size_t i = 0; i < count; i += kBlock) {
