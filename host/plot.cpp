@@ -9,10 +9,12 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <utility>
 
 #include "host/cairo_output.h"
+#include "host/measurement.h"
 #include "host/output_file.h"
 
 namespace brindle {
@@ -28,7 +30,7 @@ constexpr double kFirstHeight = 416.0;
 constexpr double kNextHeight = 200.0;
 constexpr double kGap = 38.0;  // for the labels of frequencies
 constexpr double kBelow = 52.0;
-constexpr double kRightScale = 40.0;  // for the labels of scales on the right
+constexpr double kRightScale = 52.0;  // for the labels of scales on the right
 
 constexpr int kLowHz = 20;
 constexpr int kHighHz = 20000;
@@ -308,6 +310,26 @@ PlotScale round_scale(const std::string& label, int count, std::vector<PlotCurve
             if (high >= greatest) return {label, low, high, step, std::move(curves)};
         }
     }
+}
+
+PlotPanel phase_panel(const std::vector<ResponsePoint>& points) {
+    constexpr double kSilentDb = -100.0;
+    constexpr double kBreak = std::numeric_limits<double>::quiet_NaN();
+    PlotCurve phase = {"", PlotInk::Green, {}};
+    PlotCurve delay = {"", PlotInk::Violet, {}};
+    double before_deg = 0.0;
+    for (const ResponsePoint& point : points) {
+        const bool silent = point.gain_db < kSilentDb;
+        if (std::abs(point.phase_deg - before_deg) > 180.0) {
+            phase.points.push_back({point.freq_hz, kBreak});
+        }
+        phase.points.push_back({point.freq_hz, silent ? kBreak : point.phase_deg});
+        delay.points.push_back({point.freq_hz, silent ? kBreak : point.delay_ms});
+        before_deg = point.phase_deg;
+    }
+    constexpr int kSteps = 4;
+    return {{"Phase [\u00b0]", -180.0, 180.0, 360.0 / kSteps, {phase}},
+            round_scale("Group delay [ms]", kSteps, {delay})};
 }
 
 void plot_png(OutputFile& output, const Plot& plot) {

@@ -9,6 +9,7 @@
 namespace brindle {
 
 class OutputFile;
+struct ResponsePoint;
 
 struct PlotPoint {
     double freq_hz;
@@ -50,6 +51,10 @@ struct Plot {
 PlotScale gain_scale(std::vector<PlotCurve> curves);
 /// An axis of `count` round steps that hold the curves and 0.
 PlotScale round_scale(const std::string& label, int count, std::vector<PlotCurve> curves);
+
+/// Phase and group delay where there is enough signal to have any; the phase's line is broken
+/// where it goes round.
+PlotPanel phase_panel(const std::vector<ResponsePoint>& points);
 
 /// Draws a plot. What cannot be written is remembered by `output`; an empty curve gives an empty
 /// grid.

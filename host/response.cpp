@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -64,28 +63,6 @@ void write_plain(OutputFile& output, const Result& result) {
         text += formatted("%.4f %.4f %.3f\n", point.freq_hz, point.gain_db, point.phase_deg);
     }
     write_text(output, text);
-}
-
-/// Phase and group delay where there is enough signal to have any; the phase's line is broken
-/// where it goes round.
-PlotPanel phase_panel(const std::vector<ResponsePoint>& points) {
-    constexpr double kSilentDb = -100.0;
-    constexpr double kBreak = std::numeric_limits<double>::quiet_NaN();
-    PlotCurve phase = {"", PlotInk::Green, {}};
-    PlotCurve delay = {"", PlotInk::Violet, {}};
-    double before_deg = 0.0;
-    for (const ResponsePoint& point : points) {
-        const bool silent = point.gain_db < kSilentDb;
-        if (std::abs(point.phase_deg - before_deg) > 180.0) {
-            phase.points.push_back({point.freq_hz, kBreak});
-        }
-        phase.points.push_back({point.freq_hz, silent ? kBreak : point.phase_deg});
-        delay.points.push_back({point.freq_hz, silent ? kBreak : point.delay_ms});
-        before_deg = point.phase_deg;
-    }
-    constexpr int kSteps = 4;
-    return {{"Phase [\u00b0]", -180.0, 180.0, 360.0 / kSteps, {phase}},
-            round_scale("Group delay [ms]", kSteps, {delay})};
 }
 
 Plot plot_of(const Result& result) {
