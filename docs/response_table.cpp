@@ -33,6 +33,8 @@ constexpr const char* kIntroduction =
     "\"Up to 1 kHz\" has the filter at 125, 400 and 1000 Hz, \"above\" at 2.5 and 8 kHz; gains "
     "are\n"
     "±6, ±12 and ±18 dB and Q is 0.5, 1 and 3 where a type has them.\n"
+    "\n"
+    "`brindle response curve.svg --drawn --set ...` shows both for any setting.\n"
     "\n";
 
 struct Setting {
