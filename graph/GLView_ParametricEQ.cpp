@@ -11,17 +11,17 @@
 namespace brindle {
 namespace {
 
-/// How far outside the graph handles and their markers may be hit, in page units.
+/// How far outside the graph a handle or marker can be hit, in page units.
 constexpr float kReachX = 0.08f;
 constexpr float kReachY = 0.28f;
 
-/// The panel, in design pixels: its middle's depth below the graph's, and how far it reaches beyond
-/// the graph's sides and height.
+/// The panel in design pixels: how far its centre is below the graph's centre, and how far it
+/// extends beyond the graph's sides and height.
 constexpr float kPanelBelow = 40.0f;
 constexpr float kPanelBeside = 32.0f;
 constexpr float kPanelBeyond = 72.0f;
 constexpr float kPanelCorner = 8.0f;
-/// How far handles reach beyond the middle of their discs.
+/// How far handles extend beyond their centres, in design pixels.
 constexpr float kHandleReach = 12.0f;
 
 bool IsSectionPort(uint32_t index) {
@@ -47,7 +47,7 @@ void GLView_ParametricEQ::ParameterChanged(uint32_t index) {
 
 void GLView_ParametricEQ::RedrawCurve() {
     if (!IsOnPage()) return;
-    // The handles reach beyond the edges, and stand above the graph where the curve leaves it.
+    // Handles extend beyond the edges, and are above the graph where the curve leaves it.
     const float reach = kHandleReach * GetPixelSize();
     RedrawArea({-hw - reach, -hh - reach, hw + reach, GetViewTop() - y}, Layer::Main);
 }
@@ -98,7 +98,7 @@ void GLView_ParametricEQ::UpdateCurve(int strip) {
 }
 
 void GLView_ParametricEQ::SumCurves() {
-    // The sections first: the sum's rounding depends on the order.
+    // Sections first: the sum's rounding depends on the order.
     const Curve& a = curves_[kBandCount];
     const Curve& b = curves_[kBandCount + 1];
     for (size_t i = 0; i < kPoints; ++i) total_[i] = a[i] + b[i];

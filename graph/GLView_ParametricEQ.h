@@ -14,50 +14,50 @@
 
 namespace brindle {
 
-/// The graph of the whole equaliser's response from 20 Hz to 20 kHz and -18 to 18 dB, with a
-/// keyboard and the analyser's history beneath. Its children are the handles of bands and sections,
-/// which alone take the pointer.
+/// The graph of the equaliser's response from 20 Hz to 20 kHz and -18 to 18 dB, with a keyboard and
+/// the analyser's history below. Its children are the handles of bands and sections; only they take
+/// the pointer.
 ///
-/// Curves are evaluated when they are next drawn, and only those whose parameters have changed.
-/// The view's colour is the foreground, the page's background colour the background.
+/// A curve is evaluated in the next draw, and only if its parameters have changed. The view's
+/// colour is the foreground, the page's background colour the background.
 class GLView_ParametricEQ : public GLView {
   public:
     static constexpr uint32_t kPoints = 800;
 
-    /// Nothing is plotted before a curve is marked dirty.
+    /// Nothing is plotted until a curve is marked dirty.
     GLView_ParametricEQ();
 
-    /// Marks a band's curve and those of all bands above it, or the sections' curves, dirty.
+    /// Marks the curves of a band and of all higher bands, or those of the sections, dirty.
     void ParameterChanged(uint32_t index) override;
-    /// Sets or clears all marks.
+    /// Sets or clears all dirty marks.
     void MarkAllDirty(bool dirty);
-    /// Evaluates the curves that are dirty, and their sum. Drawing does this by itself.
+    /// Evaluates the dirty curves and the sum of all curves. Drawing does this by itself.
     void UpdateCurves();
-    /// The sum of all curves at the points of `grid`, in the view's units above its middle, as of
-    /// the last update.
+    /// The sum of all curves at the points of `grid`, as of the last update, in the view's units
+    /// above its centre.
     std::span<const float> Heights() const { return std::span(total_).first(kPoints); }
 
     bool HitTest(GLPoint point) override;
     void DrawBack() override;
     void Draw() override;
     void DrawFront() override;
-    /// The panel around the graph, and all above it, where handles stand that leave the graph.
+    /// The panel and everything above it: handles follow the curve out of the graph.
     GLRect DrawnArea() override;
 
-    /// Shows another handle as the selected one, -1 for none.
+    /// Shows a handle as selected, -1 for none.
     void SelectHandle(int32_t handle);
-    /// Shows a row of the analyser, an index of the ring and its levels, as the newest one.
+    /// Shows an analyser row (its index in the ring buffer and its levels) as the newest one.
     void AddSpectrumRow(int32_t row, const float* levels_db);
 
-    /// What the graph is drawn with, for those that draw upon it.
+    /// Sizes and colours of the graph, for views that draw on it.
     GraphLook Look();
 
     FrequencyGrid grid;
     SpectrumHistory spectrum;
     std::array<bool, kBandCount> bandDirty{};
     bool filtersDirty = false;
-    /// Shared by the handles: which of them the pointer was last on, -1 for none, and what the last
-    /// search put back.
+    /// Shared by the handles: the handle that the pointer was on last, -1 for none, and the values
+    /// that the last search restored.
     int32_t selectedHandle = -1;
     RestoredValues restored;
 

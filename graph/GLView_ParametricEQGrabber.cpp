@@ -17,26 +17,26 @@ namespace {
 
 constexpr uint32_t kFineModifiers = 3;  // Shift, Ctrl
 constexpr float kSearchGainDb = 10.0f;
-/// How far beside a handle it is still hit, in page units.
+/// How far outside its disc a handle can be hit, in page units.
 constexpr float kReach = 0.01f;
-/// The strip of markers below the graph, and its part that starts a search, in design pixels.
+/// The strip of markers below the graph, and the part of it that starts a search, in design pixels.
 constexpr float kStripTop = -34.0f;
 constexpr float kStripBottom = -54.0f;
 constexpr float kSearchTop = -36.0f;
 constexpr float kSearchBottom = -48.0f;
 
-/// The enables of the sections and the bands, in the order in which a search writes them.
+/// The enable ports of sections and bands, in the order in which a search writes them.
 constexpr std::array<uint32_t, GLView_ParametricEQGrabber::kHandleCount> kEnablePorts = {
     section_port(0), section_port(1), band_port(0), band_port(1), band_port(2),
     band_port(3),    band_port(4),    band_port(5), band_port(6), band_port(7)};
 
-/// What a band becomes while it is searched: types with a centre show it best as a band-pass.
+/// The type of a band during a search: types with a centre are heard best as a band-pass.
 float SearchedAs(float code) {
     const auto type = decode_type<BandType>(code);
     return kBandTypes[type_index(type)].has_centre ? type_value(BandType::Search) : code;
 }
 
-/// A value in 0 to 1, or which end it is beyond. What is not a number counts as below.
+/// A position limited to 0 to 1, and whether it was inside. NaN counts as below 0.
 struct Reached {
     float position;
     bool inside;
@@ -111,7 +111,7 @@ void GLView_ParametricEQGrabber::MouseDown(GLPoint point, GLPoint pagePoint) {
         point.y > kSearchBottom * m - graph_.hh && point.y < kSearchTop * m - graph_.hh;
     dragged_hz_ = GetParameter(firstPort + kFrequency);
     dragged_db_ = KnownValue(firstPort + kGain);
-    // A second button must not take what a search has muted for the user's settings.
+    // A second mouse button must not save the bands that a search muted as the user's settings.
     if (onMarker && GetCapturedView() == nullptr) BeginSearch();
     GLView_Slider::MouseDown(point, pagePoint);
     gainGesture_.Begin();
@@ -178,9 +178,9 @@ void GLView_ParametricEQGrabber::Scroll(float delta) {
 }
 
 void GLView_ParametricEQGrabber::BeginSearch() {
-    // The code as a host reads it, also where no type has it.
+    // The port's value as a host rounds it, even if it is outside the types.
     foundType_ = std::trunc(KnownValue(firstPort + kType) + 0.1f);
-    // Hosts may report anything, but are not told to set it.
+    // Hosts may report any gain, but are only sent values within the port's range.
     const ControlRow& gain = kBandControls[kGain];
     search_gain_db_ = std::clamp(KnownValue(firstPort + kGain), gain.minimum, gain.maximum);
     if (IsBand()) {
@@ -245,7 +245,7 @@ void GLView_ParametricEQGrabber::DrawFront() {
 void GLView_ParametricEQGrabber::DrawMarkerAt(float placeX, const GraphLook& look) {
     constexpr float kSize = 18.0f;
     constexpr float kInnerSize = 12.0f;
-    // From the middle of the marker's height, 0.866 of its size, up to its centre.
+    // From the middle of the marker's height (0.866 of its size) up to its centre.
     constexpr float kRise = kSize * (0.5773503f - 0.4330127f);
     const MatrixScope matrix;
     glTranslatef(placeX, (-44.0f + kRise) * look.m - graph_.hh, 0.0f);
@@ -265,7 +265,7 @@ void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint pl
         DrawRing(hh - 4.0f * look.m, look.m);
     }
     {
-        const float top = place.y - hw - look.m;  // the label stays free
+        const float top = place.y - hw - look.m;  // leaves the label visible
         const float bottom = -graph_.hh - 36.0f * look.m;
         const MatrixScope matrix;
         glTranslatef(place.x, (top + bottom) / 2.0f, 0.0f);

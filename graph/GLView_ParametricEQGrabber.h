@@ -11,25 +11,26 @@
 
 namespace brindle {
 
-/// A handle that rides on the graph's curve at the frequency of a band or section. Dragging it sets
-/// frequency and gain, the wheel sets Q. While its marker below the graph is held, the band is
-/// searched: heard alone, as a boosted band-pass where its type has a centre, and all else is put
-/// back when it is let go, when something else takes the pointer, and when the editor closes.
+/// A handle on the graph's curve at the frequency of a band or section. Dragging it sets frequency
+/// and gain, the wheel sets Q. Holding its marker below the graph starts a search: the band is
+/// heard alone, as a boosted band-pass if its type has a centre. The other controls are restored
+/// when the marker is released, another view captures the pointer or the editor closes.
 ///
-/// Its half width and height are the radius of its disc and of the ring of the selected handle. Its
-/// label stands in the disc. Its position stays (0, 0): it draws and is hit where its values put
-/// it.
+/// Half width and height are the radius of its disc and of the ring of the selected handle. Its
+/// label is shown in the disc. Its position stays (0, 0): its values define where it is drawn and
+/// hit.
 class GLView_ParametricEQGrabber : public GLView_Slider {
   public:
     static constexpr int kHandleCount = kStripCount;
 
-    /// `handleIndex`: 0 to 7 for the bands, 8 and 9 for sections A and B. The graph, which this
-    /// observes, is to be its parent.
+    /// `handleIndex`: 0 to 7 for the bands, 8 and 9 for sections A and B. The graph is observed and
+    /// must be the parent.
     GLView_ParametricEQGrabber(GLView_ParametricEQ& parentGraph, int handleIndex);
 
-    /// Through what the five controls are written.
+    /// Sets the writer for the five controls.
     void SetWriter(const HostWriter& hostWriter);
-    /// Whom to tell of drags, null for nobody: a gesture on the frequency and one on the gain.
+    /// Sets the host's touch feature, null for none. A drag touches the frequency and the gain
+    /// port.
     void SetTouch(const LV2UI_Touch* touch);
 
     void ParameterChanged(uint32_t index) override;
@@ -40,15 +41,15 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     void Scroll(float delta) override;
     /// Losing the pointer ends a search.
     void SetCaptured(bool on) override;
-    /// So does closing.
+    /// Closing ends a search.
     void Close() override;
     void DrawBack() override {}
     void Draw() override;
     void DrawFront() override;
-    /// Around its disc.
+    /// The area around its disc.
     GLRect DrawnArea() override;
 
-    /// Where the handle is, in the graph's coordinates.
+    /// The handle's centre in the graph's coordinates.
     GLPoint Place();
     bool IsSearching() const { return foundType_.has_value(); }
 
@@ -58,7 +59,7 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
   private:
     bool IsBand() const { return is_band(index); }
     bool IsOn();
-    /// What a control is set to, whether the host has reported it or not.
+    /// The value that a control was set to, even if the host has not reported it yet.
     float KnownValue(uint32_t controlPort);
     float DragSpeed();
     void DragFrequency(float pagePointX, float speed);
@@ -72,11 +73,11 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
 
     GLView_ParametricEQ& graph_;
     TouchGesture gainGesture_;
-    /// What this drag wrote last. Reports of the host come too late to go on from.
+    /// The values that this drag wrote last. The host reports them too late to continue from.
     float dragged_hz_ = 0.0f;
     float dragged_db_ = 0.0f;
-    std::optional<float> foundType_;  ///< the type's code before a search, none outside of it
-    float search_gain_db_ = 0.0f;     ///< the gain before it
+    std::optional<float> foundType_;  ///< the type's code before a search; empty without one
+    float search_gain_db_ = 0.0f;     ///< the gain before a search
     std::array<bool, kHandleCount> searchEnables_{};
 };
 

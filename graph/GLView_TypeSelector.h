@@ -8,13 +8,13 @@
 
 namespace brindle {
 
-/// Shows the short label of the type that a port holds, and opens a menu to choose another. Which
-/// types the menu offers is up to who adds its entries.
+/// Shows the short label of a port's type, and opens a menu to choose another type. Its user adds
+/// the menu's entries.
 class GLView_TypeSelector : public GLView_MenuSelector {
   public:
     void Draw() override;
 
-    /// The label of the type that the port holds.
+    /// The short label of the port's type.
     const char* ShortLabel();
 
     const int strip;

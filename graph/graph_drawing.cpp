@@ -15,7 +15,7 @@
 namespace brindle {
 namespace {
 
-/// The lines of the grid and their labels.
+/// The horizontal grid lines and their labels.
 struct Level {
     float db;
     const char* label;
@@ -24,7 +24,7 @@ constexpr Level kLevels[] = {{18, "18"}, {15, "15"},  {12, "12"},  {9, "9"},
                              {6, "6"},   {3, "3"},    {-3, "3"},   {-6, "6"},
                              {-9, "9"},  {-12, "12"}, {-15, "15"}, {-18, "18"}};
 
-/// The lines of the frequency scale.
+/// The frequency scale's lines and their labels.
 struct Frequency {
     float hz;
     const char* label;
@@ -35,7 +35,7 @@ constexpr Frequency kFrequencies[] = {{20, "20"},     {50, "50"},    {100, "100"
 
 constexpr GLColor kClearBlack{0.0f, 0.0f, 0.0f, 0.0f};
 
-/// Primitives without texture until the end of a scope.
+/// Draws primitives without texture during a scope.
 struct PlainPrimitives {
     explicit PlainPrimitives(GLenum mode) {
         glDisable(GL_TEXTURE_2D);
@@ -49,7 +49,7 @@ struct PlainPrimitives {
     PlainPrimitives& operator=(const PlainPrimitives&) = delete;
 };
 
-/// A rectangle between glBegin(GL_QUADS) and glEnd.
+/// Emits a rectangle between glBegin(GL_QUADS) and glEnd.
 void EmitRect(float left, float bottom, float right, float top) {
     glVertex2f(left, top);
     glVertex2f(right, top);
@@ -60,7 +60,7 @@ void EmitKey(float x, float y, float hw, float hh) {
     EmitRect(x - hw, y - hh, x + hw, y + hh);
 }
 
-/// Rectangles that fade from one edge to the opposite one.
+/// Emit a rectangle that fades from one edge to the opposite one.
 void EmitFadeX(float from, float to, float hh) {
     kBlack.Apply();
     glVertex2f(from, hh);
@@ -118,7 +118,7 @@ void EmitBlackKeys(const GraphLook& look) {
     }
 }
 
-/// A strip between two heights of each point, given as shares of the curve's own height.
+/// Draws a strip between two heights at each point, given as shares of the curve's height there.
 void DrawFillStrip(std::span<const float> heights, float x0, float dx, float lowerShare,
                    float lowerBrightness, float upperShare, float upperBrightness) {
     const PlainPrimitives strip(GL_QUAD_STRIP);
@@ -132,8 +132,8 @@ void DrawFillStrip(std::span<const float> heights, float x0, float dx, float low
     }
 }
 
-/// A piece of a line between glBegin(GL_LINES) and glEnd, longer at both ends by `overlap`: the
-/// smoothed ends of neighbours would else leave a seam.
+/// Emits a piece of a line between glBegin(GL_LINES) and glEnd, extended at both ends by `overlap`:
+/// otherwise the smoothed ends of neighbouring pieces leave a seam.
 void EmitPiece(float x0, float y0, float x1, float y1, float overlap) {
     const float share = overlap / std::hypot(x1 - x0, y1 - y0);
     const float extraX = (x1 - x0) * share;
@@ -142,7 +142,7 @@ void EmitPiece(float x0, float y0, float x1, float y1, float overlap) {
     glVertex2f(x1 + extraX, y1 + extraY);
 }
 
-/// Draws only between two heights until the end of a scope.
+/// Clips drawing to heights between -hh and hh during a scope.
 struct VerticalClip {
     explicit VerticalClip(float hh) {
         const double below[] = {0.0, 1.0, 0.0, static_cast<double>(hh)};
@@ -160,13 +160,13 @@ struct VerticalClip {
     VerticalClip& operator=(const VerticalClip&) = delete;
 };
 
-/// How visible an analyser level is, 0 to 1. What is not a number is invisible.
+/// Opacity of an analyser level, 0 to 1. NaN is invisible.
 float Opacity(float db) {
     const float alpha = db / 40.0f + 1.0f;
     return alpha > 0.0f ? std::min(alpha, 1.0f) : 0.0f;
 }
 
-/// The drawn rows of the history, the newest first, as opacities of 8 bits.
+/// The number of rows drawn, and their image: 8-bit opacities, newest row first.
 constexpr int kRowsDrawn = 48;
 using SpectrumImage = std::array<uint8_t, size_t{kRowsDrawn} * kPlotBins>;
 
@@ -182,8 +182,8 @@ SpectrumImage MakeSpectrumImage(const SpectrumHistory& history) {
     return image;
 }
 
-/// A texture of opacities for the lifetime of a scope: it changes from frame to frame, and so
-/// nothing has to be freed later.
+/// A texture of opacities during a scope. It changes with every frame, so none has to be freed
+/// later.
 class OpacityTexture {
   public:
     OpacityTexture(const uint8_t* texels, int width, int height) {
@@ -205,8 +205,8 @@ class OpacityTexture {
     GLuint name_ = 0;
 };
 
-/// The image's columns between the middles of the first and the last one, from one height and row
-/// to another; rows count from the lower edge of the newest.
+/// Emits the image, from the centre of its first column to that of its last, between two heights
+/// with their rows. Row 0 is the newest row's lower edge.
 void EmitSpectrum(float hw, float bottom, float firstRow, float top, float lastRow) {
     constexpr float kFirst = 0.5f / kPlotBins;
     constexpr float kLast = 1.0f - kFirst;
@@ -229,7 +229,7 @@ void DrawSpectrumRows(const SpectrumHistory& history, const GraphLook& look) {
     const OpacityTexture texture(image.data(), kPlotBins, kRowsDrawn);
     look.foreground.Apply();
     glBegin(GL_QUADS);
-    EmitSpectrum(look.hw, newest - look.m, 0.5f, newest, 0.5f);  // the newest row is wider
+    EmitSpectrum(look.hw, newest - look.m, 0.5f, newest, 0.5f);  // the newest row is taller
     EmitSpectrum(look.hw, newest, 0.5f, newest + rise * (kRowsDrawn - 0.5f), kRowsDrawn);
     glEnd();
 }
@@ -292,7 +292,7 @@ void DrawResponse(std::span<const float> heights, const GraphLook& look) {
     const VerticalClip clip(look.hh - look.m);
     const float dx = 2.0f * look.hw / static_cast<float>(heights.size());
     const float x0 = dx / 2.0f - look.hw;
-    // Brightest at seven tenths of the height, darker towards the middle and the curve.
+    // Brightest at 0.7 of the height, darker towards the zero line and the curve.
     DrawFillStrip(heights, x0, dx, 0.0f, 0.3f, 0.7f, 1.5f);
     DrawFillStrip(heights, x0, dx, 0.7f, 1.5f, 1.0f, 0.3f);
 
@@ -300,7 +300,7 @@ void DrawResponse(std::span<const float> heights, const GraphLook& look) {
     look.foreground.Apply();
     {
         const PlainPrimitives line(GL_LINES);
-        // The line ends one point before the area does.
+        // The line ends one point before the filled area.
         for (size_t i = 0; i + 2 < heights.size(); ++i) {
             const float x = x0 + static_cast<float>(i) * dx;
             EmitPiece(x, heights[i], x + dx, heights[i + 1], look.m);
@@ -338,10 +338,10 @@ void DrawRing(float radius, float thickness) {
 }
 
 void DrawMarker(float size) {
-    constexpr float kInnerRadius = 0.28867513f;  // of a triangle with sides of 1
+    constexpr float kInnerRadius = 0.28867513f;  // of a triangle with side 1
     const float hw = size / 2.0f;
     const float top = size * kInnerRadius;
-    // The smoothed outline softens the edges of the area.
+    // The smoothed outline softens the triangle's edges.
     for (const GLenum mode : {GLenum{GL_TRIANGLES}, GLenum{GL_LINE_LOOP}}) {
         const PlainPrimitives triangle(mode);
         glVertex2f(-hw, top);

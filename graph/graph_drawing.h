@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// The parts of the graph's picture, each drawn around the graph's centre in its parent's units.
-/// Texturing is on before and after each of them. UI thread, with the editor's GL context current.
+/// Draws the parts of the graph, each around the graph's centre in its parent's units. Texturing is
+/// on before and after each routine. UI thread, with the editor's GL context current.
 #pragma once
 
 #include <cstddef>
@@ -13,44 +13,44 @@ namespace brindle {
 
 class GLResources;
 
-/// What all parts are drawn with.
+/// Sizes and colours that all parts share.
 struct GraphLook {
-    float hw;  ///< half width and height of the area that the curve is drawn in
+    float hw;  ///< half width and height of the curve's area
     float hh;
     float m;  ///< page units of one design pixel
     GLColor foreground;
     GLColor background;
 };
 
-/// The pitch reference under the graph: the black key at position u = 0 to 119 stands where the
-/// axis has the note u semitones above D#0 (19.45 Hz); white keys fill the same width evenly.
+/// The pitch reference below the graph: the black key at position u (0 to 119) is where the axis
+/// has the note u semitones above D#0 (19.45 Hz); white keys divide the same width evenly.
 void DrawKeyboard(const GraphLook& look);
 
-/// Lines at each 3 dB, without the zero line.
+/// Lines every 3 dB, except at 0 dB.
 void DrawLevelLines(const GraphLook& look);
-/// Their numbers without sign, on both sides.
+/// The numbers of these lines, without sign, on both sides.
 void DrawLevelLabels(const GLResources* resources, const GraphLook& look);
 
-/// The frequency scale: lines in steps of 1, 2, 5 behind the curve and their numbers in Hz above
+/// The frequency scale: lines in steps of 1, 2, 5 behind the curve, and their numbers in Hz above
 /// the graph.
 void DrawFrequencyScale(const GLResources* resources, const GraphLook& look);
 
-/// The curve through `heights`, spread evenly over the width, and the area between it and the
-/// middle, both clipped just inside the upper and lower edge.
+/// The curve through `heights`, evenly spaced over the width, and the filled area between curve and
+/// zero line, both clipped just inside the upper and lower edge.
 void DrawResponse(std::span<const float> heights, const GraphLook& look);
 
 /// Darkens the graph towards its four edges.
 void DrawEdgeShading(const GraphLook& look);
 
-/// The last rows of the analyser between graph and keyboard, the newest at the bottom: opaque at
-/// 0 dB, invisible from -40 dB downwards.
+/// The newest analyser rows between graph and keyboard, the newest at the bottom: opaque at 0 dB,
+/// invisible at -40 dB and below.
 void DrawSpectrum(const SpectrumHistory& history, const GraphLook& look);
 
-/// A circle line around the origin in the current colour.
+/// A circle around the origin in the current colour.
 void DrawRing(float radius, float thickness);
 
-/// A triangle in the current colour that points down, its three sides `size` long and its centre,
-/// the same distance from all of them, at the origin.
+/// A downward equilateral triangle in the current colour, with sides of `size`, centred on the
+/// origin.
 void DrawMarker(float size);
 
 }  // namespace brindle

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// What a search has put back, for as long as the host may still report what it had muted.
+/// The values that a search restored, kept while the host may still report the muted ones.
 #pragma once
 
 #include <array>
@@ -9,24 +9,24 @@
 
 namespace brindle {
 
-/// Port values that were written a moment ago. A host reports writes late or, asked too early,
-/// still reports the ones before; a search that began then would take the last search's muting for
-/// the user's own settings and never lift it. UI thread.
+/// Recently written port values. A host reports writes late and until then reports the previous
+/// values; a search that began then would save the last search's muting as the user's settings and
+/// never lift it. UI thread.
 class RestoredValues {
   public:
-    /// How long a host may take to report a write.
+    /// Time that a host may take to report a write.
     static constexpr uint32_t kLifetimeMs = 500;
 
-    /// Forgets all and starts anew at an event's time.
+    /// Clears all values and starts again at an event's time.
     void Begin(uint32_t now_ms) {
         count_ = 0;
         since_ms_ = now_ms;
     }
-    /// Adds a port; ignored when there is no room.
+    /// Adds a port's value; ignored if the list is full.
     void Add(uint32_t port, float value) {
         if (count_ < entries_.size()) entries_[count_++] = {port, value};
     }
-    /// The value that a port has been given, while that is recent.
+    /// The value that was added for a port, until it expires.
     std::optional<float> Find(uint32_t port, uint32_t now_ms) const {
         if (now_ms - since_ms_ >= kLifetimeMs) return std::nullopt;
         for (size_t i = 0; i < count_; ++i) {

@@ -13,7 +13,7 @@ namespace {
 constexpr float kLnThousand = 6.9077554f;    // 0.1 to 100, and 20 to 20000
 constexpr float kLnSevenFifty = 6.6200733f;  // 20 to 15000
 
-/// Notes as they are counted from C-1 at 8.18 Hz, A4 being the 69th.
+/// Notes are counted from C-1 at 8.18 Hz; A4 is note 69.
 constexpr int kFirstUnnamedNote = 123;
 constexpr float kQuarterTone = 1.0293022f;
 constexpr std::array<const char*, 12> kNoteNames = {"C",  "C#", "D",  "D#", "E",  "F",

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// The scales on which knobs and handles move: positions 0 to 1 against port values, and note names
-/// for frequencies.
+/// The scales of knobs and handles, which convert positions from 0 to 1 to port values and back,
+/// and the note names of frequencies.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ namespace brindle {
 float QAt(float position);
 float PositionOfQ(float q);
 
-/// Band frequencies from 20 to 20000 Hz, logarithmic. The graph's axis is the same scale.
+/// Band frequencies from 20 to 20000 Hz, logarithmic, like the graph's axis.
 float BandHzAt(float position);
 float PositionOfBandHz(float freq_hz);
 
@@ -19,12 +19,12 @@ float PositionOfBandHz(float freq_hz);
 float SectionHzAt(float position);
 float PositionOfSectionHz(float freq_hz);
 
-/// Gains from -18 to 18 dB, linear. Positions of gains beyond are 0 and 1.
+/// Gains from -18 to 18 dB, linear. Gains outside the range have position 0 or 1.
 float GainDbAt(float position);
 float PositionOfGainDb(float gain_db);
 
-/// The nearest note of the scale with A4 = 440 Hz, as musicians write it ("C#4"; C4 is the middle
-/// C). Empty from D#9 (9956 Hz) upwards, and where the frequency is not above 0.
+/// The nearest note with A4 = 440 Hz, in scientific pitch notation ("C#4"; C4 is the middle C).
+/// Empty if it is D#9 (9956 Hz) or higher, and for frequencies not above 0.
 std::string NoteName(float freq_hz);
 
 }  // namespace brindle

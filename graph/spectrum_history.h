@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The analyser rows that the editor has received, as the graph draws them.
+/// The analyser rows that the editor has received, for the graph.
 #pragma once
 
 #include <array>
@@ -9,12 +9,12 @@
 
 namespace brindle {
 
-/// A ring of analyser rows. Written by the editor's message handling and read by the graph, both on
-/// the user-interface thread.
+/// A ring buffer of analyser rows. The editor's message handling writes it and the graph reads it,
+/// both on the UI thread.
 struct SpectrumHistory {
     using Row = std::array<float, kPlotBins>;  ///< dB, bin i centred at 20 Hz x 2^(i/24)
 
-    /// What a row holds before the first one arrives: below all that is drawn.
+    /// The level of rows that have not arrived yet; too low to be drawn.
     static constexpr float kSilenceDb = -120.0f;
 
     std::array<Row, kPlotRows> rows{};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The colours by which a strip and its handle on the graph are known: bands green, sections amber.
+/// The colours of strips and handles: bands are green, sections amber.
 #pragma once
 
 #include "contract/ports.h"
@@ -11,7 +11,7 @@ constexpr const GLColor& HandleColor(int strip) {
     return is_band(strip) ? kSage : kAmber;
 }
 
-/// Of a strip's key, knobs and outline; brighter than handles, as lamps are.
+/// The colour of a strip's button, knobs and outline: lamps, so brighter than handles.
 constexpr GLColor LampColor(int strip) {
     return is_band(strip) ? GLColor{0.5f, 0.9f, 0.65f} : kAmber;
 }

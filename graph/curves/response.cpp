@@ -23,7 +23,7 @@ constexpr PairConstants kPairDamping[] = {
     {0.03806023374435652, 0.3086582838174552, 0.691341716182545, 0.9619397662556434},  // 8
 };
 
-/// 4·sin²((2k − 1)·π/(2N)): the same for the shelves, held with digits of their own.
+/// 4·sin²((2k − 1)·π/(2N)): the damping for the shelves, with digits of its own.
 constexpr PairConstants kShelfDamping[] = {
     {2.0000000000000004},                                                              // N = 2
     {0.5857864376269049, 3.414213562373095},                                           // 4
@@ -32,25 +32,25 @@ constexpr PairConstants kShelfDamping[] = {
 };
 // clang-format on
 
-/// The constants of a filter of order N, one for each of its N/2 pole pairs.
+/// The constants of a filter of order N, one per pole pair (N/2).
 std::span<const double> OfOrder(std::span<const PairConstants> table, int order) {
     const auto pairs = static_cast<size_t>(order / 2);
     return std::span(table[pairs - 1]).first(pairs);
 }
 
-/// The share of a shelf's gain that each of its N/2 sections takes. Those of order 6 are meant to
-/// differ between low and high shelf, and neither is a third.
+/// The share of a shelf's gain in each of its N/2 sections. At order 6 low and high shelf differ,
+/// and neither share is a third; this is intended.
 template <int kOrder>
 inline constexpr float kLowShelfShare = kOrder == 6 ? 0.3333f : 2.0f / kOrder;
 template <int kOrder>
 inline constexpr float kHighShelfShare = kOrder == 6 ? 0.333f : 2.0f / kOrder;
 
-/// Below this amplitude (4.77 dB) a bell's width no longer depends on its gain; the square root of
-/// three, so that the two rules meet.
+/// Below this amplitude (4.77 dB) a bell's width does not depend on its gain. It is the square root
+/// of three, where both rules give the same width.
 constexpr double kFixedWidthAmplitude = 1.732050808;
 constexpr float kNotchDb = -120.0f;
 
-/// Bounds that keep the products of up to sixteen angular frequencies within a double's range.
+/// Limits that keep products of up to sixteen angular frequencies within the range of a double.
 bool IsFrequency(float freq_hz) {
     return freq_hz >= 1e-3f && freq_hz <= 1e6f;
 }
@@ -78,7 +78,7 @@ Quadratic PairAt(double u, double damping) {
     return {1.0, u * u, damping * u * u, 0.0};
 }
 
-/// One numerator, the same for each pole pair, over (w0² − W)² + 4·c·w0²·W.
+/// One numerator for every pole pair, over (w0² − W)² + 4·c·w0²·W.
 void AddButterworth(const FrequencyGrid& grid, Curve& curve, int order, float freq_hz,
                     const Quadratic& numerator) {
     const double w0 = AngularFrequency(freq_hz);
@@ -102,12 +102,12 @@ void AddShelf(const FrequencyGrid& grid, Curve& curve, int order, double b, doub
     AddToGrid(grid, curve, response);
 }
 
-/// √A of one section: how far its poles and zeros stand apart.
+/// √A of one section: the ratio of its pole and zero frequencies.
 double ShelfSpread(float gain_db, float share) {
     return std::sqrt(Amplitude(static_cast<double>(gain_db * share)));
 }
 
-/// Adds a response whose centre point is to read its earlier value plus the gain.
+/// Adds a response and sets its centre point to the previous value plus the gain.
 void AddPinned(const FrequencyGrid& grid, Curve& curve, float freq_hz, float gain_db,
                const Response& response) {
     const auto centre = GridIndex(grid, freq_hz);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// Compiled once for each vector width: Highway includes this file again for every target.
+// Compiled once per vector width: Highway includes this file again for every target.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "graph/curves/response_kernel.cpp"
 #include <hwy/foreach_target.h>
@@ -19,8 +19,7 @@
 namespace brindle {
 
 inline constexpr double kTwoPi = 6.283185307179586;
-/// A notch that falls exactly on a grid point has no level; this keeps it finite, far below any
-/// picture.
+/// A notch exactly on a grid point has no level in dB; this keeps it finite, far below the graph.
 inline constexpr double kLeastPower = std::numeric_limits<double>::min();
 
 }  // namespace brindle

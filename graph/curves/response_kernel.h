@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The loop behind every evaluator: levels of a rational response over the frequency grid.
+/// The loop of all evaluators: levels of a rational response over the frequency grid.
 #pragma once
 
 #include <array>
@@ -8,8 +8,7 @@
 namespace brindle {
 
 /// square·(root − W)² + linear·W + constant, a polynomial in the squared angular frequency W.
-/// Written with the difference (root − W) because expanding it would drown the depth of a notch
-/// in rounding.
+/// Expanding the difference (root − W) would lose the depth of a notch to rounding.
 struct Quadratic {
     double square = 0.0;
     double root = 0.0;
@@ -33,11 +32,11 @@ struct Response {
     double offset_db = 0.0;
 };
 
-/// Adds the response at `count` frequencies `hz` to `curve`, with the widest vectors that the
-/// processor has. The arrays must not overlap. Equal to AddResponseScalar but for rounding.
+/// Adds the response at `count` frequencies `hz` to `curve`, with the widest vectors of the
+/// processor. The arrays must not overlap. Equals AddResponseScalar except for rounding.
 void AddResponse(const Response& response, const float* hz, float* curve, size_t count) noexcept;
 
-/// The same, point by point: the definition of the result.
+/// The scalar version, which defines the result.
 void AddResponseScalar(const Response& response, const float* hz, float* curve,
                        size_t count) noexcept;
 

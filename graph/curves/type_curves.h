@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// Which evaluator draws which band or section type.
+/// The evaluator of each band and section type.
 #pragma once
 
 #include "contract/types.h"
@@ -7,7 +7,7 @@
 
 namespace brindle {
 
-/// The controls that shape a curve, as the host reports them.
+/// The values of the controls that shape a curve, as the host reports them.
 struct CurveSettings {
     float gain_db;
     float freq_hz;
@@ -18,8 +18,8 @@ struct CurveSettings {
 void AddBandCurve(const FrequencyGrid& grid, Curve& curve, BandType type,
                   const CurveSettings& settings);
 
-/// Adds a section's response. Steep filters are drawn at the set frequency and a wide notch as one
-/// notch, which is not what the engine's cascades do. UI thread.
+/// Adds a section's response in dB to `curve`. Unlike in the engine's cascades, steep filters are
+/// drawn at the set frequency and a wide notch as one notch. UI thread.
 void AddSectionCurve(const FrequencyGrid& grid, Curve& curve, SectionType type,
                      const CurveSettings& settings);
 
