@@ -15,7 +15,7 @@
 namespace brindle {
 namespace {
 
-// In points, from the strip's upper and lower edge or its middle.
+// In points, from the strip's upper or lower edge or its middle.
 constexpr float kToggleBelowTop = 16.0f;
 constexpr float kToggleWidth = 48.0f;
 constexpr float kToggleHeight = 20.0f;
@@ -30,8 +30,8 @@ struct KnobPlan {
     Control control;
     float y;  ///< points above the strip's middle
     const char* unit;
-    float sensitivity;  ///< normalised change a pixel
-    const char* title;  ///< on the help line, behind the strip's name
+    float sensitivity;  ///< normalised change per pixel
+    const char* title;  ///< on the help line, after the strip's name
     const char* label;  ///< below the knob
 };
 constexpr std::array<KnobPlan, 3> kKnobs = {{

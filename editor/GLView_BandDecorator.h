@@ -14,19 +14,19 @@
 
 namespace brindle {
 
-/// The strip of one band or section: a frame around its key, shape, gain, Q and frequency. What has
-/// no effect at present looks so: all but the key while the strip is off, gain and Q while the type
-/// does not heed them. The strip and the handle on the graph light up together.
+/// The strip of a band or section: a frame around its on/off button, shape, gain, Q and frequency.
+/// Controls without effect are grey: all but the button while the strip is off, gain and Q while
+/// the type ignores them. The strip and its handle on the graph are highlighted together.
 class GLView_BandDecorator : public GLView_DecoratorBox {
   public:
     /// `stripIndex`: 0 to 7 for the bands, 8 and 9 for sections A and B. The graph is observed.
     GLView_BandDecorator(GLView_ParametricEQ& curveGraph, int stripIndex);
 
-    /// Makes the strip's widgets. Call it once, when the strip has its size and a page.
+    /// Creates the strip's widgets. Call it once, when the strip has its size and a page.
     void AddWidgets(const HostWriter& writer, const LV2UI_Touch* touch);
 
     void ParameterChanged(uint32_t index) override;
-    /// Pointing at a strip selects its handle on the graph.
+    /// Hovering a strip selects its handle on the graph.
     void ShowInfoAt(GLPoint point) override;
     void DrawFront() override;
 
@@ -41,8 +41,8 @@ class GLView_BandDecorator : public GLView_DecoratorBox {
     void UpdateEffect();
 
     GLView_ParametricEQ& graph_;
-    GLView_Toggle* toggle_ = nullptr;                ///< children, as the two below
-    std::array<GLView*, kControlCount> controls_{};  ///< indexed by Control; the key is not here
+    GLView_Toggle* toggle_ = nullptr;                ///< a child, like those below
+    std::array<GLView*, kControlCount> controls_{};  ///< indexed by Control; kEnable is null
 };
 
 }  // namespace brindle

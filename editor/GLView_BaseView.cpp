@@ -13,8 +13,8 @@
 namespace brindle {
 namespace {
 
-constexpr int32_t kLayerScale = 2;        // layer pixels to a design point
-constexpr uint32_t kDoubleClickMs = 200;  // presses this far apart are two clicks again
+constexpr int32_t kLayerScale = 2;        // layer pixels per design point
+constexpr uint32_t kDoubleClickMs = 200;  // presses closer than this are a double click
 
 }  // namespace
 
@@ -27,7 +27,7 @@ GLView_BaseView::GLView_BaseView(int32_t newDesignWidth, int32_t newDesignHeight
 }
 
 GLView_BaseView::~GLView_BaseView() {
-    // The children may still ask the page for its services, which are gone below this class.
+    // The children may still call page services, which end with this class.
     GLView_BaseView::DeleteChildren();
 }
 
@@ -124,7 +124,7 @@ void GLView_BaseView::PointerLeft() {
 }
 
 void GLView_BaseView::MouseWheel(float delta) {
-    // A wheel that is turned sideways leaves values as they are, and unwritten.
+    // A sideways turn of the wheel changes no value and writes none.
     if (textRenderer != nullptr && delta != 0.0f) Scroll(delta);
 }
 
@@ -152,7 +152,7 @@ void GLView_BaseView::SetParameter(uint32_t index, float value, bool markDirty) 
         known_[index] = true;
         parameters[index] = value;
     }
-    // Hosts report much that has not changed, some 30 times a second. The tree hears all of it.
+    // Hosts report unchanged values too, some 30 times a second. The tree is told of all of them.
     const bool outerIsNews = std::exchange(parameterIsNews_, isNews);
     ParameterChanged(index);
     parameterIsNews_ = outerIsNews;
@@ -204,7 +204,7 @@ void GLView_BaseView::OpenDialog(GLView* dialog) {
     if (dialog != nullptr) {
         dialog->parent = this;
         dialog->SetVisible(true);
-        dialog->Close();  // what is in it starts anew
+        dialog->Close();  // restarts the dialog's contents
         modalDialog = dialog;
     }
 }
@@ -232,7 +232,7 @@ LayerArea GLView_BaseView::ToLayer(const GLRect& area) const {
 }
 
 void GLView_BaseView::RedrawArea(const GLRect& area, Layer layer) {
-    // The front pass draws every frame as a whole.
+    // The front pass draws the whole front layer in every frame.
     if (layer != Layer::Front && parameterIsNews_) layers.Mark(layer, ToLayer(area));
 }
 
@@ -272,7 +272,7 @@ void GLView_BaseView::RenderFrame() {
     const Looks looks = {GetBackgroundColor(), GetContrastColor(), IsBoxy(), IsFlat()};
     if (redrawNeeded || !(looks == drawnLooks_)) layers.Mark(Layer::Back, ToLayer(Bounds()));
     drawnLooks_ = looks;
-    // The layers have their own size: another window only takes another copy of them.
+    // The layers have a fixed size: a resized window only needs another scaled copy.
     if (layerWidth != windowWidth || layerHeight != windowHeight) {
         layerWidth = windowWidth;
         layerHeight = windowHeight;

@@ -12,23 +12,23 @@
 
 namespace brindle {
 
-/// The root of the editor's tree: brings window events to the views they are for, answers the
-/// page services, and renders frames. What moves is drawn over a picture of what stands still,
-/// which is drawn anew only where views ask for it, and everywhere when `redrawNeeded` is set.
+/// The root of the editor's tree: routes window events to views, implements the page services and
+/// renders frames. Moving parts are drawn over a picture of the static ones. The picture is redrawn
+/// where views ask for it, and as a whole if `redrawNeeded` is set.
 ///
 /// Window pixels count from the window's top left corner, frame pixels from that of the letterboxed
-/// frame in it; the tree's y grows upwards. Events are ignored until the first frame. UI thread.
+/// frame; the tree's y points upwards. Events are ignored until the first frame. UI thread.
 class GLView_BaseView : public GLView {
   public:
     static constexpr float kHeightPoints = 800.0f;  ///< interface points in the view's height
 
-    /// A tree of the given design size in points, whose coordinates run from -1 to 1 upwards and as
-    /// far to both sides as the design's proportions make it.
+    /// A tree with a design size in points. Its coordinates run from -1 to 1 upwards, and as far to
+    /// both sides as the design's aspect ratio requires.
     GLView_BaseView(int32_t newDesignWidth, int32_t newDesignHeight);
-    /// Has the children go first. Needs the GL context where frames have been rendered.
+    /// Destroys the children first. Needs the GL context current if frames have been rendered.
     ~GLView_BaseView() override;
 
-    // What the window reports
+    // Window events
     void SetWindowSize(float width, float height);
     void MouseButton(int32_t button, bool press, float windowX, float windowY);
     void PointerMotion(float windowX, float windowY);
@@ -37,30 +37,30 @@ class GLView_BaseView : public GLView {
     void MouseWheel(float delta);
     void Key(bool press, uint32_t character);
     void SpecialKey(bool press, uint32_t code);
-    /// Renders one frame into the window of the current GL context, which it leaves bound.
+    /// Renders a frame into the window of the current GL context and leaves the window bound.
     void RenderFrame();
     void SetSampleRate(float rate);
-    /// Whether the next frame draws more than what moves.
+    /// Whether the next frame redraws more than the moving parts.
     bool IsStale() const { return redrawNeeded || layers.IsStale(); }
-    /// Of the event that is passed in next.
+    /// Sets the time of the next event.
     void SetEventTime(uint32_t time_ms) { eventTime = time_ms; }
     void SetModifiers(uint32_t newModifiers) { modifiers = newModifiers; }
 
-    // Routing from the root on; `point` in tree units
-    /// `pixelPoint` in whole frame pixels.
+    // Routing from the root downwards; `point` is in tree units
+    /// `pixelPoint` is in whole frame pixels.
     void MouseDown(GLPoint point, GLPoint pixelPoint) override;
     void MouseUp(GLPoint point) override;
-    /// `pixelPoint` in frame pixels, which the view that holds the pointer gets as they are.
+    /// `pixelPoint` is in frame pixels; the view that captured the pointer gets it unchanged.
     void MouseDragTo(GLPoint pixelPoint) override;
     void Scroll(float delta) override;
     virtual void KeyDown(uint32_t character, uint32_t code);
 
-    /// Keeps a port's value, for indices up to 127, and tells the tree of any index.
+    /// Stores a port's value (up to index 127) and tells the tree. `markDirty` redraws everything.
     virtual void SetParameter(uint32_t index, float value, bool markDirty);
-    /// The editor is shown; it is about to go.
+    /// Called when the editor is shown, and when it is about to close.
     virtual void EditorOpened() {}
     virtual void EditorClosed() {}
-    /// The root's backdrop in the static layer, under all views: the background colour.
+    /// The background of the static layer, below all views: the background colour.
     virtual void DrawBackground();
 
     // Page services
@@ -83,7 +83,7 @@ class GLView_BaseView : public GLView {
     GLColor GetContrastColor() override;
     bool IsBoxy() override;
     bool IsFlat() override;
-    /// Both are kept as the root's own help texts, `infoTitle` and `infoText`.
+    /// Stores both texts as the root's own help texts, `infoTitle` and `infoText`.
     void ShowInfo(const char* title, const char* text) override;
     void OpenDialog(GLView* dialog) override;
     void CloseDialog(bool outside) override;
@@ -93,7 +93,7 @@ class GLView_BaseView : public GLView {
     void SetSelectedView(GLView* view) override { focusView = view; }
     void SetHoverView(GLView* view) override { hoverView = view; }
     void SetCapturedView(GLView* view) override { captureView = view; }
-    /// Pointing at the root itself selects nothing, whatever `on` says.
+    /// Hovering the root itself selects nothing, whatever `on` is.
     void SetSelected(bool on) override;
     bool IsPage() const override { return true; }
     void RedrawArea(const GLRect& area, Layer layer) override;
@@ -102,18 +102,18 @@ class GLView_BaseView : public GLView {
   protected:
     float sampleRate = 0.0f;                    ///< Hz
     std::unique_ptr<GLResources> textRenderer;  ///< null until the first frame
-    GLView* focusView = nullptr;                ///< selected: gets the wheel. Observed
+    GLView* focusView = nullptr;                ///< selected: gets wheel events. Observed
     GLView* hoverView = nullptr;                ///< observed
-    GLView* captureView = nullptr;              ///< holds the pointer. Observed
+    GLView* captureView = nullptr;              ///< has captured the pointer. Observed
     int32_t windowWidth = 0;                    ///< pixels
     int32_t windowHeight = 0;
-    int32_t layerWidth = -1;  ///< window size for which the shown picture was last made
+    int32_t layerWidth = -1;  ///< window size that the shown picture was last made for
     int32_t layerHeight = -1;
     int32_t designWidth;  ///< points
     int32_t designHeight;
     int32_t pressedButton = 0;   ///< 0 for none
     uint32_t lastPressTime = 0;  ///< ms
-    bool doubleClick = false;    ///< while a press that is one is dispatched
+    bool doubleClick = false;    ///< true while a double click is dispatched
     uint32_t eventTime = 0;      ///< ms
     uint32_t modifiers = 0;      ///< 1 Shift, 2 Ctrl, 4 Alt, 8 Super
     float viewRight;             ///< bounds of the tree's coordinates
@@ -127,7 +127,7 @@ class GLView_BaseView : public GLView {
     std::array<float, 128> parameters{};
 
   private:
-    /// What all that is drawn depends on. Another editor of the process may change it.
+    /// The looks of everything drawn. Another editor of the process may change them.
     struct Looks {
         GLColor background;
         GLColor contrast;
@@ -145,10 +145,9 @@ class GLView_BaseView : public GLView {
     void SetProjection() const;
     void DrawOverlay();
 
-    Looks drawnLooks_;        ///< with which the layers were last drawn
-    std::bitset<128> known_;  ///< parameters that have been set
-    bool parameterIsNews_ =
-        true;  ///< false while the tree is told of a value that it shows already
+    Looks drawnLooks_;             ///< of the layers as last drawn
+    std::bitset<128> known_;       ///< parameters that have been set
+    bool parameterIsNews_ = true;  ///< false while an unchanged value is reported
 };
 
 }  // namespace brindle

@@ -5,7 +5,7 @@
 
 namespace brindle {
 
-/// The page's two help texts side by side, from its left edge on. It takes no pointer.
+/// The page's two help texts side by side, starting at its left edge. It ignores the pointer.
 class GLView_HelpLine : public GLView {
   public:
     bool HitTest(GLPoint /*point*/) override { return false; }

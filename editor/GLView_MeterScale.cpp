@@ -11,7 +11,7 @@ namespace brindle {
 void GLView_MeterName::DrawBack() {
     const float s = GetInterfaceScale();
     Enter();
-    color.ApplyDimmed(0.8f);  // a plate on which black can be read
+    color.ApplyDimmed(0.8f);  // a plate that makes black text readable
     DrawRoundRect(GetResources(), hw, hh, (IsBoxy() ? 1.0f : 4.0f) * s);
     kBlack.ApplyFaded(0.8f);
     glScalef(labelSize * s, labelSize * s, 1.0f);
@@ -19,13 +19,13 @@ void GLView_MeterName::DrawBack() {
 }
 
 void GLView_MeterScale::DrawBack() {
-    // The ports tell power where the meter expects an amplitude: its marks at twice the decibels
-    // are where these levels are.
+    // The ports report power, but the meter expects an amplitude: a level of x dB is at the meter's
+    // mark for 2x dB.
     constexpr std::array<const char*, 6> kLevelsDb = {"0", "3", "6", "10", "20", "30"};
     constexpr float kLowestDb = 30.0f;
     const float s = GetInterfaceScale();
     const float size = labelSize * s;
-    const float height = 2.0f * hh / s;  // points, in which the levels fall on round numbers
+    const float height = 2.0f * hh / s;  // in points, so that the levels fall on round numbers
     Enter();
     glTranslatef(alignment == kAlignLeft ? -hw : hw, 0.0f, 0.0f);
     color.ApplyFaded(0.6f);

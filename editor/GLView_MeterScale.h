@@ -5,22 +5,22 @@
 
 namespace brindle {
 
-/// A meter's name on a light plate. It takes no pointer.
+/// A meter's name on a light plate. It ignores the pointer.
 class GLView_MeterName : public GLView {
   public:
     bool HitTest(GLPoint /*point*/) override { return false; }
     void DrawBack() override;
 };
 
-/// The levels beside a meter of the view's height, in dB below full scale. It takes no pointer.
+/// The scale beside a meter, as high as the meter, in dB below full scale. It ignores the pointer.
 class GLView_MeterScale : public GLView {
   public:
-    /// The numbers stand at the left or the right edge (kAlignLeft, kAlignRight).
+    /// The numbers are at the left or right edge (kAlignLeft, kAlignRight).
     explicit GLView_MeterScale(int textAlignment) : alignment(textAlignment) {}
 
     bool HitTest(GLPoint /*point*/) override { return false; }
     void DrawBack() override;
-    /// With the halves of the outermost numbers.
+    /// Includes the outer halves of the first and last number.
     GLRect DrawnArea() override;
 
     const int alignment;

@@ -38,7 +38,7 @@ GLView_StripEqView::GLView_StripEqView(HostWriter host, LV2_URID_Map* map, const
 }
 
 GLView_StripEqView::~GLView_StripEqView() {
-    // The widgets write through the connection and look at the graph, also while they go.
+    // While they are destroyed, the widgets still use the connection and the graph.
     GLView_StripEqView::DeleteChildren();
 }
 
@@ -208,7 +208,7 @@ void GLView_StripEqView::EditorOpened() {
 }
 
 void GLView_StripEqView::EditorClosed() {
-    ReleaseAll();  // what a held control has changed for as long as it is held is put back
+    ReleaseAll();  // a held control restores what it changed temporarily
     connection_.SendClosed();
 }
 
@@ -249,13 +249,13 @@ void GLView_StripEqView::PreDraw() {
 }
 
 void GLView_StripEqView::DrawBackground() {
-    // Darker than what stands on it.
+    // Darker than the graph and the strips.
     constexpr float kShare = 0.7f;
     const GLColor ground = GetBackgroundColor();
-    // The layer has the panel's proportions; a rectangle over all of it takes five times as long.
+    // The layer has the panel's aspect ratio; a rectangle over all of it takes five times as long.
     glClearColor(ground.red * kShare, ground.green * kShare, ground.blue * kShare, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
-    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);  // what the window's margins are cleared with
+    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);  // clear colour of the window's margins
 }
 
 }  // namespace brindle

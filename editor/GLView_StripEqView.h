@@ -13,30 +13,30 @@
 
 namespace brindle {
 
-/// The editor's one panel: the root of its tree, and between that and the host. Every widget writes
+/// The editor's panel: the root of its tree, between the tree and the host. All widgets write
 /// through the connection's writer. UI thread.
 class GLView_StripEqView : public GLView_BaseView {
   public:
-    /// What the host offers, null where it has none. `touch` is read during construction only.
+    /// The host's features, null if it has none. `touch` is only read during construction.
     GLView_StripEqView(HostWriter host, LV2_URID_Map* map, const LV2UI_Touch* touch);
     ~GLView_StripEqView() override;
 
-    /// What the host reports of a port: a control value (format 0) reaches the parameters, tree and
-    /// meters, an analyser row the graph. All else is ignored.
+    /// Handles a port event from the host: a control value (format 0) goes to the parameters, the
+    /// tree and the meters, an analyser row to the graph. All other events are ignored.
     void PortEvent(uint32_t port, uint32_t size, uint32_t format, const void* buffer);
-    /// Takes the writes as reported that the host has not answered in time. Call it when idle.
+    /// Treats writes as reported if the host has not reported them in time. Call it when idle.
     void AssumeUnreportedWrites();
 
     /// No handle has its rings and readout, no strip its outline any more.
     void PointerLeft() override;
     void SendParameter(uint32_t index, float value) override;
-    /// Switch the engine's analyser on, and off.
+    /// Switch the engine's analyser on and off.
     void EditorOpened() override;
     void EditorClosed() override;
 
-    /// The console's ground: the host's colour, as dark as the controls' light texts need it.
+    /// The panel's background: the host's colour, dark enough for the controls' light texts.
     GLColor GetBackgroundColor() override;
-    /// The help line tells of the control that is held, or else of the one that is pointed at.
+    /// Shows the help texts of the held control or else of the hovered one.
     void PreDraw() override;
     /// Shows five lines above the darkened panel, until the next click.
     void ShowMessage(const char* line1, const char* line2, const char* line3, const char* line4,
@@ -47,7 +47,7 @@ class GLView_StripEqView : public GLView_BaseView {
     /// Tells the user where pictures of the bundle are missing.
     void CheckResources();
     void ApplyReport(uint32_t port, float value);
-    // The pieces of the panel, in the order in which they are asked for the pointer.
+    // The parts of the panel, in the order in which they are hit-tested.
     void AddFlatAll();
     void AddGraph(const LV2UI_Touch* touch);
     void AddStrips(const LV2UI_Touch* touch);
@@ -56,8 +56,8 @@ class GLView_StripEqView : public GLView_BaseView {
     void AddPresets();
     GLView_PresetButton& AddPresetButton(const char* title, const char* text);
     GLView_Caption& AddCaption(const char* text, int alignment);
-    /// Gives a view its place: its left edge and middle are so far from the panel's left and lower
-    /// edge, in points.
+    /// Sets a view's size and position in points: its left edge from the panel's left edge, its
+    /// middle from the panel's lower edge.
     void Place(GLView& view, float left, float middle, float width, float height);
 
     HostConnection connection_;
@@ -67,8 +67,8 @@ class GLView_StripEqView : public GLView_BaseView {
     GLView_ParametricEQ* graph_ = nullptr;
     GLView_DB60Meter* inputMeter_ = nullptr;
     GLView_DB60Meter* outputMeter_ = nullptr;
-    int32_t selectedBand_ = -1;        ///< strip whose handle is selected, -1 for none
-    bool hasReportedControl_ = false;  ///< the host has told a value
+    int32_t selectedBand_ = -1;        ///< strip of the selected handle, -1 for none
+    bool hasReportedControl_ = false;  ///< the host has reported a value
     bool hasCheckedResources_ = false;
 };
 

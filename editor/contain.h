@@ -3,14 +3,14 @@
 
 namespace brindle {
 
-/// Runs what C code has called: hosts, Pugl and Xlib are not made for exceptions. What throws is
-/// left where it was.
+/// Runs code that C callers have called: hosts, Pugl and Xlib cannot handle exceptions. An action
+/// that throws is abandoned at that point.
 template <typename Action>
 void Contain(Action action) noexcept {
     try {
         action();
     } catch (...) {
-        // Short of memory as a rule; there is nobody to tell.
+        // Usually out of memory; there is no one to report it to.
     }
 }
 

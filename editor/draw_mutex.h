@@ -5,7 +5,7 @@
 
 namespace brindle {
 
-/// Held for the whole of every frame: no two editors of a process render at the same moment.
+/// Locked during every frame: two editors of a process never render at the same time.
 inline std::mutex drawMutex;
 
 }  // namespace brindle

@@ -16,7 +16,7 @@ void MakeTexture(GLuint& texture, GLint components, int32_t width, int32_t heigh
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
 }
 
-/// Adds an area to some that do not touch each other, as one with those that it touches.
+/// Adds an area to a list of disjoint areas, merged with the areas that it touches.
 void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
     if (area.left >= area.right || area.bottom >= area.top) return;
     const auto touches = [&](const LayerArea& other) { return area.Touches(other); };
@@ -64,7 +64,7 @@ void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
     glDeleteTextures(1, &shownTexture_);
     shownWidth_ = newWidth;
     shownHeight_ = newHeight;
-    // As pixels lie in windows: with alpha as the fourth byte, drivers copy them as they are.
+    // The layout of window pixels: with alpha as fourth byte, drivers copy them unconverted.
     MakeTexture(shownTexture_, GL_RGBA, shownWidth_, shownHeight_);
     Attach(shownFramebuffer_, shownTexture_);
     Mark(Layer::Front, {0, 0, width_, height_});
@@ -113,7 +113,7 @@ void FrameLayers::Bind(GLuint texture) const {
 }
 
 void FrameLayers::CopyStaticToFrame(const LayerArea& area) const {
-    // Pixel for pixel, which costs a fraction of drawing one texture into the other.
+    // A copy pixel for pixel costs a fraction of drawing one texture into the other.
     glBindTexture(GL_TEXTURE_2D, frameTexture);
     glCopyTexSubImage2D(GL_TEXTURE_2D, 0, area.left, area.bottom, area.left, area.bottom,
                         area.right - area.left, area.top - area.bottom);
@@ -123,7 +123,7 @@ void FrameLayers::ScaleFrameToShown(const LayerArea& area) const {
     const auto scaled = [](int32_t place, int32_t size, int32_t of) {
         return static_cast<int32_t>(int64_t{place} * size / of);
     };
-    // The filter reaches into neighbouring pixels.
+    // The filter also reads neighbouring pixels.
     const int32_t left = scaled(std::max(area.left - 1, 0), shownWidth_, width_);
     const int32_t right = scaled(area.right + 1, shownWidth_, width_) + 1;
     const int32_t above = scaled(std::max(height_ - area.top - 1, 0), shownHeight_, height_);
@@ -140,7 +140,7 @@ void FrameLayers::CopyShownToWindow(int32_t x, int32_t y, int32_t areaWidth,
                                     int32_t areaHeight) const {
     const bool fits = areaWidth == shownWidth_ && areaHeight == shownHeight_;
     glBindFramebuffer(GL_READ_FRAMEBUFFER, shownFramebuffer_);
-    // Only then its back buffer can be selected.
+    // The window's back buffer can only be selected while it is bound.
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
     glDrawBuffer(GL_BACK);
     glBlitFramebuffer(0, shownHeight_, shownWidth_, 0, x, y, x + areaWidth, y + areaHeight,

@@ -11,7 +11,7 @@
 
 namespace brindle {
 
-/// A part of the layers in their pixels, from the lower left corner; right and top are beyond it.
+/// An area of the layers in pixels from the lower left corner; right and top are exclusive.
 struct LayerArea {
     int32_t left = 0;
     int32_t bottom = 0;
@@ -21,9 +21,9 @@ struct LayerArea {
     bool Touches(const LayerArea& other) const;
 };
 
-/// The pictures of which a frame is made: what stands still, that with the values on top, and the
-/// latter as windows show it. They are drawn anew only where they have been marked out of date. All
-/// calls but `Mark`, `IsStale` and `IsDrawn` need the editor's GL context current.
+/// The pictures that make up a frame: the static parts, these with the values on top, and a copy of
+/// the latter scaled to the window. They are redrawn only where they are marked out of date. All
+/// calls except `Mark`, `IsStale` and `IsDrawn` need the editor's GL context current.
 class FrameLayers {
   public:
     FrameLayers() = default;
@@ -31,23 +31,22 @@ class FrameLayers {
     FrameLayers& operator=(const FrameLayers&) = delete;
     ~FrameLayers();
 
-    /// Makes the pictures, in pixels; does nothing once they are there.
+    /// Creates the pictures, sized in pixels. Does nothing if they exist.
     void Create(int32_t newWidth, int32_t newHeight);
-    /// Sets the shown picture's size in pixels, as far as the driver goes, and marks it. It is kept
-    /// upside down, as windows are in memory.
+    /// Sets the shown picture's size in pixels, limited by the driver, and marks it. It is kept
+    /// upside down, like windows in memory.
     void SetShownSize(int32_t newWidth, int32_t newHeight);
 
-    /// Has an area drawn anew from a layer on upwards. An empty one changes nothing.
+    /// Marks an area to be redrawn in a layer and all layers above. Empty areas are ignored.
     void Mark(Layer layer, const LayerArea& area);
-    /// Whether an area of the back or main layer is out of date.
+    /// Whether any area of the back or main layer is out of date.
     bool IsStale() const { return !staleStatic_.empty() || !staleFrame_.empty(); }
-    /// Whether an area is part of what is being drawn: always outside of `Update`.
+    /// Whether an area is being drawn; always true outside of `Update`.
     bool IsDrawn(const LayerArea& area) const { return !drawn_ || drawn_->Touches(area); }
-    /// Brings the pictures up to date: calls `drawBack`, then `drawMain`, for each stale area, cut
-    /// off at its edges.
+    /// Updates the pictures: calls `drawBack`, then `drawMain`, for each stale area, clipped to it.
     void Update(const std::function<void()>& drawBack, const std::function<void()>& drawMain);
-    /// Copies the shown picture into an area of the window, its size unless the driver stopped
-    /// short of it, and binds the window.
+    /// Copies the shown picture into an area of the window and binds the window. The sizes are
+    /// equal unless the driver limited the picture.
     void CopyShownToWindow(int32_t x, int32_t y, int32_t areaWidth, int32_t areaHeight) const;
 
     GLuint framebuffer = 0;
@@ -69,10 +68,10 @@ class FrameLayers {
     GLuint shownFramebuffer_ = 0;
     int32_t shownWidth_ = 0;
     int32_t shownHeight_ = 0;
-    Areas staleStatic_;  ///< what of each picture is out of date
+    Areas staleStatic_;  ///< areas of each picture that are out of date
     Areas staleFrame_;
     Areas staleShown_;
-    std::optional<LayerArea> drawn_;  ///< while a part of a layer is drawn
+    std::optional<LayerArea> drawn_;  ///< set while a part of a layer is drawn
 };
 
 }  // namespace brindle

@@ -10,7 +10,7 @@ namespace {
 
 constexpr uint32_t kFloatProtocol = 0;
 
-/// Stands in for a map that the host does not have.
+/// Replaces a map that the host does not have.
 LV2_URID MapNothing(LV2_URID_Map_Handle, const char*) {
     return 0;
 }
@@ -33,7 +33,7 @@ void HostConnection::PassOn(LV2UI_Controller connection, uint32_t port, uint32_t
     if (protocol == kFloatProtocol && size == sizeof(float)) {
         float value = 0.0f;
         std::memcpy(&value, buffer, sizeof value);
-        // First of all, as the host may report it back before it returns.
+        // Before the host's call, because the host may report the value before it returns.
         self.pending_.Written(port, value, Now());
     }
     if (self.host_.function != nullptr) {
@@ -51,7 +51,7 @@ void HostConnection::Send(LV2_URID request) {
 
 std::optional<PlotMessage> HostConnection::ReadPlot(uint32_t format, const void* buffer,
                                                     uint32_t size) const {
-    // A host without a map has no number for atoms, and its 0 means control values.
+    // Without a map the atom format is 0, but format 0 means control values.
     if (format == 0 || format != uris_.atom_event_transfer) return std::nullopt;
     return ReadPlotMessage(uris_, buffer, size);
 }

@@ -14,37 +14,36 @@
 
 namespace brindle {
 
-/// What the editor sends to the host, and what it makes of what the host sends. UI thread.
+/// Sends the editor's messages to the host and reads the host's. UI thread.
 class HostConnection {
   public:
-    /// `map` may be null: the engine's messages are not understood then.
+    /// `map` may be null; then the engine's messages are not read.
     HostConnection(HostWriter newHost, LV2_URID_Map* map);
     HostConnection(const HostConnection&) = delete;
     HostConnection& operator=(const HostConnection&) = delete;
 
     /// Writes a control port.
     void Write(uint32_t port, float value);
-    /// What widgets write through: passes everything on to the host unchanged, and remembers
-    /// control values for `ForEachOverdue`.
+    /// The widgets' writer: passes everything on to the host unchanged and records control values
+    /// for `TakeUnreported`.
     HostWriter GetWriter() { return {PassOn, this}; }
 
-    /// Ask the engine for analyser rows, and for no more of them.
+    /// Ask the engine to send analyser rows, and to stop.
     void SendOpened() { Send(uris_.enable_ui); }
     void SendClosed() { Send(uris_.disable_ui); }
 
-    /// A port event's analyser row, nothing where it is none.
+    /// The analyser row of a port event; empty if it has none.
     std::optional<PlotMessage> ReadPlot(uint32_t format, const void* buffer, uint32_t size) const;
-    /// A port event's control value, nothing where it is none or no number. From now on the port's
-    /// last write needs no report.
+    /// The control value of a port event; empty if it has none or is not finite. The port's last
+    /// write then counts as reported.
     std::optional<float> ReadControl(uint32_t port, uint32_t format, const void* buffer,
                                      uint32_t size);
-    /// Calls `assume(port, value)` for the writes that the host does not report (see
-    /// PendingWrites).
+    /// Calls `assume(port, value)` for writes that the host does not report (see PendingWrites).
     template <typename Assume>
     void ForEachOverdue(int64_t now_ms, Assume assume) {
         pending_.ForEachOverdue(now_ms, assume);
     }
-    /// The steady clock that writes are dated by, ms.
+    /// Time of the steady clock that writes are stamped with, in ms.
     static int64_t Now();
 
   private:

@@ -15,14 +15,14 @@ namespace {
 
 constexpr const char* kContrastingColorUri = LV2_UI_PREFIX "contrastingColor";
 
-/// The options' numbers, mapped in the order in which they stand here.
+/// The URIDs of the options, mapped in this order.
 struct OptionUris {
     LV2_URID typeInt;
     LV2_URID typeBool;
     LV2_URID typeFloat;
     LV2_URID sampleRate;
-    LV2_URID scaleFactor;      // passed over: the editor follows its window's size
-    LV2_URID foregroundColor;  // passed over
+    LV2_URID scaleFactor;      // ignored: the editor follows its window's size
+    LV2_URID foregroundColor;  // ignored
     LV2_URID backgroundColor;
     LV2_URID contrastColor;
     LV2_URID boxy;
@@ -38,7 +38,7 @@ OptionUris MapOptionUris(LV2_URID_Map* map) {
             id(kStyleBoxyUri),           id(kStyleFlatUri)};
 }
 
-/// Copies an option's value; false where it is another type or too short.
+/// Copies an option's value; false if it has another type or is too short.
 template <typename Value>
 bool Read(const LV2_Options_Option& option, LV2_URID type, Value& value) {
     if (option.type != type || option.value == nullptr || option.size < sizeof value) return false;

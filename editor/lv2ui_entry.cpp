@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The editor's entry point for hosts: LV2's function tables over the editor's operations.
+/// The editor's entry point for hosts: LV2's function tables, which call the editor's operations.
 #include <lv2/ui/ui.h>
 
 #include <cstring>
@@ -22,7 +22,7 @@ LV2UI_Handle Instantiate(const LV2UI_Descriptor*, const char* pluginUri, const c
     return instance;
 }
 
-// Hosts may call what follows with a null handle, where the editor has refused to open.
+// Hosts may call these functions with a null handle if the editor has refused to open.
 
 void Cleanup(LV2UI_Handle handle) {
     if (handle == nullptr) return;
@@ -32,7 +32,7 @@ void Cleanup(LV2UI_Handle handle) {
 void PortEvent(LV2UI_Handle handle, uint32_t port, uint32_t size, uint32_t format,
                const void* buffer) {
     auto* instance = static_cast<EditorInstance*>(handle);
-    // The tree has gone where it calls, while it goes, a host that reports something at once.
+    // The tree is null if a host reports a value at once for a write of the tree's destructor.
     if (instance == nullptr || instance->rootView == nullptr) return;
     Contain([&] { instance->rootView->PortEvent(port, size, format, buffer); });
 }

@@ -6,7 +6,7 @@
 namespace brindle {
 namespace {
 
-/// Whether every property of an object lies inside of it, so that a query stays inside too.
+/// Whether all properties are inside the object, so that a query cannot read beyond its end.
 bool IsWhole(const LV2_Atom_Object& object) {
     const auto* bytes = reinterpret_cast<const uint8_t*>(&object.body);
     const uint32_t size = object.atom.size;
@@ -23,7 +23,7 @@ bool IsWhole(const LV2_Atom_Object& object) {
     return true;
 }
 
-/// The value of an Int, nothing where it is none.
+/// The value of an Int atom; empty for other atoms.
 std::optional<int32_t> ReadInt(const EqUris& uris, const LV2_Atom* value) {
     if (value == nullptr || value->type != uris.atom_int || value->size < sizeof(int32_t)) {
         return std::nullopt;
@@ -31,7 +31,7 @@ std::optional<int32_t> ReadInt(const EqUris& uris, const LV2_Atom* value) {
     return reinterpret_cast<const LV2_Atom_Int*>(value)->body;
 }
 
-/// The elements of a row, null where it is none or too short.
+/// The elements of a row; null if the atom is not a row or too short.
 const float* ReadRow(const EqUris& uris, const LV2_Atom* value) {
     constexpr uint32_t kRowSize = sizeof(LV2_Atom_Vector_Body) + kPlotBins * sizeof(float);
     if (value == nullptr || value->type != uris.atom_vector || value->size < kRowSize) {

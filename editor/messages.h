@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The editor's side of the conversation with the engine, over the host. UI thread.
+/// The editor's messages to and from the engine, sent through the host. UI thread.
 #pragma once
 
 #include <lv2/atom/atom.h>
@@ -13,18 +13,18 @@
 
 namespace brindle {
 
-/// One analyser row as the engine sends it.
+/// An analyser row as the engine sends it.
 struct PlotMessage {
-    int32_t id = 0;                 ///< row of the ring, 0..kPlotRows-1
-    const float* values = nullptr;  ///< kPlotBins levels in dB, in the message's own memory
+    int32_t id = 0;                 ///< index in the ring buffer, 0..kPlotRows-1
+    const float* values = nullptr;  ///< kPlotBins levels in dB, inside the message
 };
 
-/// Reads what the host delivers as an atom: `size` bytes at `buffer`, 8-byte aligned as atoms are.
-/// Nothing where it is no whole plot message, or its row is none of the ring's or too short. Never
-/// looks beyond `size`.
+/// Reads an atom from the host: `size` bytes at `buffer`, 8-byte aligned like all atoms. Empty if
+/// it is not a complete plot message, its row index is out of range or its row is too short. Never
+/// reads beyond `size`.
 std::optional<PlotMessage> ReadPlotMessage(const EqUris& uris, const void* buffer, uint32_t size);
 
-/// A message to the engine that has no properties, as the write function takes it.
+/// A message without properties to the engine, ready for the write function.
 class Request {
   public:
     /// `type` is one of the two requests' URIDs.
@@ -36,7 +36,7 @@ class Request {
     uint32_t Size() const;
 
   private:
-    alignas(8) uint8_t buffer_[1024] = {};  ///< the time of an event, and the message
+    alignas(8) uint8_t buffer_[1024] = {};  ///< an event's time, then the message
 };
 
 }  // namespace brindle

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// Where the panel's pieces are, in interface points (1333 by 800 of them) from the panel's edges.
+/// Positions of the panel's parts, in interface points (the panel has 1333 by 800) from its edges.
 #pragma once
 
 namespace brindle::layout {
@@ -16,7 +16,7 @@ inline constexpr float kHelpWidth = 496.0f;
 inline constexpr float kFlatAllFromRight = 23.0f;
 inline constexpr float kFlatAllSize = 26.0f;
 
-/// The graph. Its margins are design pixels: the keyboard lies under its frequencies then.
+/// The graph. Its margins are in design pixels, which puts the keyboard under its frequencies.
 inline constexpr float kGraphMarginPixels = 40.0f;
 inline constexpr float kGraphTop = 78.0f;
 inline constexpr float kGraphHeight = 342.0f;
@@ -32,7 +32,7 @@ inline constexpr float kStripTop = 230.0f;
 inline constexpr float kStripMiddle = 0.5f * (kStripBottom + kStripTop);
 inline constexpr float kStripHeight = kStripTop - kStripBottom;
 
-/// Meters on both sides, their names above them and their scales beside, towards the strips.
+/// Meters on both sides, their names above them, their scales beside them towards the strips.
 inline constexpr float kMeterInLeft = 80.0f;
 inline constexpr float kMeterOutLeft = 1253.0f;
 inline constexpr float kMeterWidth = 22.0f;

@@ -7,7 +7,7 @@ void PendingWrites::Written(uint32_t port, float value, int64_t now_ms) {
     if (port >= kPorts) return;
     Write& write = writes_[port];
     write.value = value;
-    // A drag writes without pause: the wait begins with its first write, or it would not end.
+    // A drag writes continuously: the wait starts with the first write, or it would never end.
     if (!write.pending) {
         write.pending = true;
         write.since_ms = now_ms;

@@ -6,22 +6,22 @@
 
 namespace brindle {
 
-/// The editor's own writes that the host has not reported back. Widgets show what is reported, and
-/// some hosts report no writes of the editor itself; there the written value counts as reported
-/// after a while. UI thread.
+/// The editor's writes that the host has not reported yet. Widgets show reported values, but some
+/// hosts do not report the editor's own writes; then a written value counts as reported after a
+/// while. UI thread.
 class PendingWrites {
   public:
-    /// Time without a report after which a host is taken to have none.
+    /// Time without a report after which a written value counts as reported.
     static constexpr int64_t kWaitMs = 100;
-    static constexpr uint32_t kPorts = 128;  ///< ports from here on are not remembered
+    static constexpr uint32_t kPorts = 128;  ///< ports from here on are not recorded
 
-    /// `now_ms` is a steady clock's.
+    /// `now_ms` is the time of a steady clock.
     void Written(uint32_t port, float value, int64_t now_ms);
-    /// The host has reported the port, whatever value it has.
+    /// The host has reported the port, with any value.
     void Reported(uint32_t port);
 
     /// Calls `assume(port, value)` for each port whose first unreported write is 100 ms old, with
-    /// the value written last. Those count as reported.
+    /// the last value written. These writes then count as reported.
     template <typename Assume>
     void ForEachOverdue(int64_t now_ms, Assume assume) {
         if (count_ == 0) return;
