@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <set>
 #include <string>
+#include <system_error>
 
 #include "gl/bitmap.h"
 #include "gl/settings.h"
@@ -11,8 +14,25 @@
 namespace brindle {
 namespace {
 
+constexpr const char* kImageFolder = "res/images/";
+
+std::string ImageName(uint32_t number) {
+    return "img_" + std::to_string(number) + ".bmp";
+}
+
 std::string ImagePath(uint32_t number) {
-    return resourceDirectory + "res/images/img_" + std::to_string(number) + ".bmp";
+    return resourceDirectory + kImageFolder + ImageName(number);
+}
+
+/// Names of the files in the folder of images, of which there are far fewer than numbers.
+std::set<std::string> ListImages() {
+    std::set<std::string> names;
+    std::error_code error;
+    std::filesystem::directory_iterator file(resourceDirectory + kImageFolder, error);
+    for (; !error && file != std::filesystem::directory_iterator(); file.increment(error)) {
+        names.insert(file->path().filename().string());
+    }
+    return names;
 }
 
 std::string GlyphPath(int character) {
@@ -95,7 +115,9 @@ GLuint LoadTexture(const char* path) {
 GLResources::GLResources(float pageScale) : interfaceScale(pageScale) {
     {
         const QuietScope quiet;
+        const std::set<std::string> names = ListImages();
         for (uint32_t number = 0; number < kImageCount; ++number) {
+            if (names.count(ImageName(number)) == 0) continue;
             images[number] = Keep(LoadTexture(ImagePath(number).c_str()));
         }
     }
