@@ -114,13 +114,13 @@ TEST_F(Handles, ASearchKeepsTypesWithoutACentreAndLeavesSectionsAsTheyAre) {
     Release();
     EXPECT_THAT(TakeWrites()[0], Wrote(3, 9.0f));
 
-    Set(0, {1.0f, 13.0f, -1e6f, 100.0f, 1.0f});  // outside the ports' ranges
+    Set(0, {1.0f, 99.0f, -1e6f, 100.0f, 1.0f});  // outside the ports' ranges
     page.eventTime += 10000;
     PressMarker(0);
-    EXPECT_THAT(TakeWrites()[0], Wrote(3, 13.0f));
+    EXPECT_THAT(TakeWrites()[0], Wrote(3, 99.0f));
     Release();
     const auto writes = TakeWrites();
-    EXPECT_THAT(writes[0], Wrote(3, 13.0f));
+    EXPECT_THAT(writes[0], Wrote(3, 99.0f));
     EXPECT_THAT(writes[1], Wrote(4, -18.0f));
 
     Set(8, {1.0f, 13.0f, 6.0f, 60.0f, 1.0f});
@@ -216,8 +216,13 @@ TEST(TypeSelector, ShowsTheShortLabelNearestInTheTable) {
     page.AddChild(band);
     page.AddChild(section);
     const std::pair<float, const char*> labels[] = {
-        {5.0f, "Lo Sh"},  {8.995f, "Bell"}, {8.9f, "Hsh2"}, {12.7f, "Notch"},
-        {99.0f, "Notch"}, {-1.0f, "Flat"},  {NAN, "Flat"},
+        {5.0f, "Lo Sh"},
+        {8.995f, "Bell"},
+        {8.9f, "Hsh2"},
+        {12.7f, "Notch"},
+        {99.0f, kBandTypes.back().short_name},
+        {-1.0f, "Flat"},
+        {NAN, "Flat"},
     };
     for (const auto& [value, label] : labels) {
         page.Report(3, value);

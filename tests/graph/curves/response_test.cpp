@@ -169,11 +169,12 @@ TEST(Response, TypesWithoutAPictureAreFlatAndCodesTakeTheIntegerPartAfterATenth)
     const FrequencyGrid grid = DrawnGrid();
     const float nan = std::numeric_limits<float>::quiet_NaN();
     Curve curve = {};
-    for (const float type : {0.0f, 7.0f, 8.0f, 11.0f, 13.0f, -1.0f, 1e30f, nan}) {
+    for (const float type :
+         {0.0f, 7.0f, 8.0f, 11.0f, type_value(BandType::Count), -1.0f, 1e30f, nan}) {
         AddBand(grid, curve, type, {12.0f, 1000.0f, 1.0f});
         EXPECT_THAT(curve, testing::Each(0.0f)) << type;
     }
-    for (const float type : {0.0f, 18.0f, -1.0f, nan}) {
+    for (const float type : {0.0f, type_value(SectionType::Count), -1.0f, nan}) {
         AddSection(grid, curve, type, {12.0f, 1000.0f, 1.0f});
     }
     EXPECT_THAT(curve, testing::Each(0.0f));
@@ -208,7 +209,7 @@ TEST(Response, WhatAHostShouldNotSendLeavesTheCurveAlone) {
                                      {6.0f, 1e9f, 1.0f},
                                      {6.0f, inf, 1.0f},
                                      {nan, 1e9f, nan}}) {
-        for (int type = 0; type < 18; ++type) {
+        for (int type = 0; type < static_cast<int>(kSectionTypes.size()); ++type) {
             Curve curve = {};
             AddBand(grid, curve, static_cast<float>(type), set);
             AddSection(grid, curve, static_cast<float>(type), set);
@@ -217,7 +218,7 @@ TEST(Response, WhatAHostShouldNotSendLeavesTheCurveAlone) {
     }
     // Extremes that are accepted stay finite, in and beyond the range of the picture.
     for (const float freq : {1e-3f, 19.9f, grid.hz[300], 20000.0f, 130000.0f, 1e6f}) {
-        for (int type = 0; type < 18; ++type) {
+        for (int type = 0; type < static_cast<int>(kSectionTypes.size()); ++type) {
             Curve curve = {};
             AddBand(grid, curve, static_cast<float>(type), {200.0f, freq, 1e-30f});
             AddSection(grid, curve, static_cast<float>(type), {-200.0f, freq, 1e30f});
