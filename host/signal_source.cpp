@@ -15,7 +15,7 @@ namespace brindle {
 namespace {
 
 constexpr size_t kReadFrames = 65536;
-const float kLevel = std::pow(10.0f, -18.0f / 20.0f);
+constexpr float kLevel = 0.12589255f;  // -18 dB
 constexpr double kSweepStartHz = 20.0;
 constexpr double kSweepEndHz = 20000.0;
 constexpr double kSweepSeconds = 10.0;
