@@ -12,4 +12,6 @@ foreach(name HWY PUGL)
     add_library(PkgConfig::${name} INTERFACE IMPORTED)
     target_link_libraries(PkgConfig::${name} INTERFACE ${linked})
 endforeach()
-target_link_options(brindle_options INTERFACE -static-libstdc++ -static-libgcc -Wl,--as-needed)
+# What nobody calls of them is left out: it would need a newer C library.
+target_link_options(brindle_options INTERFACE -static-libstdc++ -static-libgcc -Wl,--as-needed
+                                              -Wl,--gc-sections)
