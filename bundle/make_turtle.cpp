@@ -31,7 +31,7 @@ std::string number(float value) {
     return {text.data(), end.ptr};
 }
 
-/// Like number(), with a decimal point always: a state's float values, not integers.
+/// Like number(), but always with a decimal point: the values are floats, not integers.
 std::string decimal(float value) {
     const std::string digits = number(value);
     return digits.find('.') == std::string::npos ? digits + ".0" : digits;
@@ -45,7 +45,7 @@ std::string uri(std::string_view tail) {
     return '<' + std::string(kBaseUri) + std::string(tail) + '>';
 }
 
-/// A Turtle blank node of the given lines.
+/// A Turtle blank node with the given lines.
 class Node {
   public:
     Node& add(const std::string& predicate_and_object) {
@@ -58,7 +58,7 @@ class Node {
     std::string text_;
 };
 
-/// The head of a port; `kind` is its Turtle class.
+/// The first lines of a port; `kind` is its Turtle class.
 Node port(bool is_input, const char* kind, uint32_t index, const std::string& symbol,
           const std::string& name, const std::string& short_name, const char* comment) {
     Node node;
@@ -112,7 +112,7 @@ std::string strip_ports(int index) {
     return ports;
 }
 
-/// Every port that both variants have, separated by commas.
+/// The ports that both variants have, separated by commas.
 std::string common_ports() {
     std::string ports = message_port(kMessagePorts[0]) + " , " + message_port(kMessagePorts[1]);
     for (int strip = 0; strip < kStripCount; ++strip) ports += strip_ports(strip);
@@ -153,7 +153,7 @@ std::string strip_groups() {
     return groups;
 }
 
-/// Symbol of a port that presets set.
+/// The symbol of a port that presets set.
 std::string control_symbol(uint32_t index) {
     if (index == kTrimPort) return kSingleControls[0].symbol;
     const uint32_t control = (index - kFirstPresetPort) % kControlCount;
@@ -200,8 +200,8 @@ std::string presets() {
     return text;
 }
 
-/// What the editor asks to be told of either variant: the engine's messages and the meters.
-/// Controls are reported unasked.
+/// The port notifications that the editor requests from both variants: the engine's messages and
+/// the meters. Hosts report controls without a request.
 std::string port_notifications() {
     std::string notifications;
     for (const char* variant : {"/mono", "/stereo"}) {
@@ -225,7 +225,7 @@ std::string port_notifications() {
     return notifications;
 }
 
-/// Replaces every {{name}}. Throws where a name is not known.
+/// Replaces every {{name}}. Throws if a name is unknown.
 std::string fill(std::string_view text) {
     const std::map<std::string_view, std::function<std::string()>> fields = {
         {"base", [] { return std::string(kBaseUri); }},
