@@ -32,7 +32,7 @@ class GLView_BaseView : public GLView {
     void SetWindowSize(float width, float height);
     void MouseButton(int32_t button, bool press, float windowX, float windowY);
     void PointerMotion(float windowX, float windowY);
-    /// The pointer is no longer over the window: nothing is pointed at.
+    /// The pointer has left the window: no view is hovered.
     virtual void PointerLeft();
     void MouseWheel(float delta);
     void Key(bool press, uint32_t character);

@@ -27,7 +27,7 @@ class GLView_StripEqView : public GLView_BaseView {
     /// Treats writes as reported if the host has not reported them in time. Call it when idle.
     void AssumeUnreportedWrites();
 
-    /// No handle has its rings and readout, no strip its outline any more.
+    /// Deselects the handle and its strip.
     void PointerLeft() override;
     void SendParameter(uint32_t index, float value) override;
     /// Switch the engine's analyser on and off.
@@ -44,7 +44,7 @@ class GLView_StripEqView : public GLView_BaseView {
     void DrawBackground() override;
 
   private:
-    /// Tells the user where pictures of the bundle are missing.
+    /// Reports missing pictures of the bundle to the user.
     void CheckResources();
     void ApplyReport(uint32_t port, float value);
     // The parts of the panel, in the order in which they are hit-tested.

@@ -18,7 +18,7 @@
 namespace brindle {
 namespace {
 
-/// The features that are not kept beyond the opening.
+/// Host features that are only used while the editor is opened.
 struct HostFeatures {
     void* parent = nullptr;
     const LV2UI_Resize* resize = nullptr;

@@ -13,7 +13,7 @@ namespace brindle {
 class GLView_StripEqView;
 class PuglWindow;
 
-/// One opened editor.
+/// An open editor.
 struct EditorInstance {
     EditorInstance(const char* uri, const char* path);
     /// Frees the tree with the GL context that its textures belong to, then that with its window.
@@ -28,19 +28,19 @@ struct EditorInstance {
     std::string bundlePath;
     LV2UI_Write_Function writeFunction = nullptr;
     LV2UI_Controller controller = nullptr;
-    LV2_URID_Map* map = nullptr;  ///< the host's features, null where it has none
+    LV2_URID_Map* map = nullptr;  ///< the host's features, null if it has none
     LV2UI_Touch* touch = nullptr;
 };
 
-/// Opens an editor in the parent window among the features and stores its window in `widget`. Null,
-/// with a line on standard error, where that cannot be; it throws where the tree cannot be made.
-/// Nothing is left behind then. UI thread, as are all of these.
+/// Opens an editor in the features' parent window and stores its window in `widget`. Null, with a
+/// line on standard error, if that fails; throws if the tree cannot be created. Nothing is left
+/// behind in either case. UI thread, like all functions here.
 EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
                            LV2UI_Write_Function writeFunction, LV2UI_Controller controller,
                            LV2UI_Widget* widget, const LV2_Feature* const* features);
-/// Tells the engine, and frees all that the editor has made. The parent window may be gone.
+/// Notifies the engine and frees everything the editor has made. The parent window may be gone.
 void CloseEditor(EditorInstance* instance);
-/// Dispatches window events and asks for the next frame.
+/// Dispatches window events and requests the next frame.
 void IdleEditor(EditorInstance& instance);
 
 }  // namespace brindle

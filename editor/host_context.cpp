@@ -11,7 +11,7 @@ namespace {
 constexpr int kEglDraw = 0x3059;
 constexpr int kEglRead = 0x305A;
 
-/// EGL where the host has loaded it. The editor itself is not linked with it.
+/// EGL, if the host has loaded it. The editor is not linked with it.
 class Egl {
   public:
     explicit operator bool() const { return library_ != nullptr; }

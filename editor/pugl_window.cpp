@@ -20,11 +20,11 @@ namespace brindle {
 namespace {
 
 constexpr auto kWaitStep = std::chrono::microseconds(500);
-constexpr int kWaitSteps = 2000;  // a second in all; the server answers within milliseconds
-constexpr int kButtons = 3;       // those above are wheels, or a mouse's side buttons
+constexpr int kWaitSteps = 2000;  // one second; the server answers within milliseconds
+constexpr int kButtons = 3;       // higher ones are wheels or side buttons
 
-/// Has frames shown without waiting for the screen, which would hold up the host. The context must
-/// be current, in `window`.
+/// Makes swaps not wait for the screen, which would block the host. The context must be current, in
+/// `window`.
 void SwapAtOnce(Display* display, Window window) {
     const char* extensions = glXQueryExtensionsString(display, DefaultScreen(display));
     const auto function = [extensions](const char* extension, const char* name) {
@@ -40,16 +40,16 @@ void SwapAtOnce(Display* display, Window window) {
 
 }  // namespace
 
-/// What Pugl calls, with the window's state as its handle.
+/// The callbacks for Pugl; the window's state is their handle.
 struct PuglWindow::Impl {
     PuglView* view = nullptr;
     Window parent = 0;
-    Display* display = nullptr;  ///< Pugl's own connection; null until its first callback
+    Display* display = nullptr;  ///< Pugl's own connection; null until the first callback
     GLXContext context = nullptr;
-    std::unique_ptr<X11Watch> watch;  ///< as long as `display`
+    std::unique_ptr<X11Watch> watch;  ///< null until the first callback
     GLView_BaseView* root = nullptr;
     WindowSize reported;
-    float pointerX = 0.0f;  ///< where it was reported last
+    float pointerX = 0.0f;  ///< its last reported position
     float pointerY = 0.0f;
 
     static Impl& Of(PuglView* view) { return *static_cast<Impl*>(puglGetHandle(view)); }
@@ -71,7 +71,7 @@ struct PuglWindow::Impl {
                (root->GetCapturedView() != nullptr || root->GetPressedButton() != 0);
     }
 
-    /// Ends what is held as a release does, which the server does not always send.
+    /// Ends a press as a release does; the server does not always send one.
     void EndHold() {
         if (!IsHeld()) return;
         Contain([&] { root->MouseButton(root->GetPressedButton(), false, pointerX, pointerY); });
@@ -86,7 +86,7 @@ struct PuglWindow::Impl {
                      (modifiers & 8u) != 0 ? " Super" : "");
     }
 
-    /// The only place where Pugl lets see its connection and context: they are current here, unless
+    /// The only callback that can see Pugl's connection and context: they are current here unless
     /// the driver has failed.
     static void OnFirstReshape(PuglView* view, int, int) {
         Impl& impl = Of(view);
@@ -171,8 +171,8 @@ std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* tit
     puglSetHandle(view, window->impl_.get());
     puglSetReshapeFunc(view, Impl::OnFirstReshape);
 
-    // Pugl leaves its requests unsent, so until events are processed the window does not exist for
-    // the host. Without a display function nothing of ours is drawn meanwhile.
+    // Pugl does not flush its requests, so the window does not exist for the host until events are
+    // processed. Without a display function nothing is drawn meanwhile.
     for (int step = 0; step < kWaitSteps && window->impl_->watch == nullptr; ++step) {
         puglProcessEvents(view);
         std::this_thread::sleep_for(kWaitStep);
@@ -182,7 +182,7 @@ std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* tit
 }
 
 PuglWindow::~PuglWindow() {
-    // A context that is destroyed while current dangles, and takes the host down some openings on.
+    // A context that is destroyed while current dangles, and crashes the host some openings later.
     if (impl_->context != nullptr && glXGetCurrentContext() == impl_->context) {
         glXMakeCurrent(impl_->display, None, nullptr);
     }
@@ -214,7 +214,7 @@ void PuglWindow::ProcessEvents() {
     impl_->ReportSize();
     puglProcessEvents(impl_->view);
     impl_->watch->PassKeysOn();
-    // A window that is no longer shown gets no release.
+    // A hidden window gets no release.
     if (impl_->IsHeld() && !impl_->watch->IsShown()) impl_->EndHold();
     if (impl_->watch->HasLeft() && !impl_->IsHeld()) impl_->root->PointerLeft();
 }

@@ -8,38 +8,38 @@ namespace brindle {
 
 class GLView_BaseView;
 
-/// The editor's native window: all calls of Pugl stand behind this class, and with them what the
-/// packaged version lacks for a plugin editor: the time of an event, the position of a scroll,
-/// following a parent's size, and surviving a display that is missing or a parent that goes first.
+/// The editor's native window. All calls to Pugl are in this class, together with what the packaged
+/// version lacks for a plugin editor: event times, scroll positions, following the parent's size,
+/// and surviving a missing display or the loss of the parent.
 ///
-/// All members are for the UI thread and leave the host's GL context current, `MakeCurrent` and the
-/// destructor aside. Several windows in a process are independent.
+/// All members are for the UI thread. They keep the host's GL context current, except `MakeCurrent`
+/// and the destructor. Several windows in a process are independent.
 class PuglWindow {
   public:
-    /// Makes and maps a window of the given size in `parent`, or a top-level window where that is
-    /// 0, and returns when the X server has it, so that a host can use its id at once. Null where
-    /// there is no display with direct OpenGL, or no such parent. Draws nothing yet.
+    /// Creates and maps a window of the given size in `parent`, or a top-level window if that is 0.
+    /// Returns when the X server has created it, so that a host can use its id at once. Null if
+    /// there is no display with direct OpenGL or no such parent. Draws nothing yet.
     static std::unique_ptr<PuglWindow> Create(uintptr_t parent, const char* title, int width,
                                               int height);
-    /// Leaves no GL context current. The parent may be gone already. Keep a `HostContext` around
+    /// Leaves no GL context current. The parent may be gone already. Needs a `HostContext` around
     /// it.
     ~PuglWindow();
     PuglWindow(const PuglWindow&) = delete;
     PuglWindow& operator=(const PuglWindow&) = delete;
 
-    /// From now on `root` (borrowed) receives the window's size, pointer and keys, and renders its
-    /// frames. Asks for a first one. Keys are printed on standard error too.
+    /// Sets the view (borrowed) that receives size, pointer and keys and renders the frames.
+    /// Requests a first frame. Keys are also printed on standard error.
     void SetRoot(GLView_BaseView& root);
-    /// The X window. Valid until the parent, or this, is destroyed.
+    /// The X window. Valid until it or its parent is destroyed.
     uintptr_t GetNativeWindow() const;
-    /// Dispatches all that has happened, then draws if that was asked for. Keys go on to the parent
-    /// window. Does nothing once the window has gone with its parent.
+    /// Dispatches all pending events, then draws if a frame was requested. Keys are passed on to
+    /// the parent window. Does nothing once the window is destroyed with its parent.
     void ProcessEvents();
-    /// Asks for a frame at the end of the next `ProcessEvents`.
+    /// Requests a frame at the end of the next `ProcessEvents`.
     void PostRedisplay();
 
-    /// Makes the window's GL context current, for work outside of a frame. False where the window
-    /// has gone; no context is current then. Keep a `HostContext` around that work.
+    /// Makes the window's GL context current, for GL calls outside of a frame. False if the window
+    /// is gone; then no context is current. Needs a `HostContext` around these calls.
     bool MakeCurrent();
 
   private:

@@ -14,18 +14,18 @@
 namespace brindle {
 namespace {
 
-/// The events that are listened to.
+/// The events that are watched.
 constexpr std::array kEvents = {KeyPress,      KeyRelease,    ButtonPress,
                                 ButtonRelease, MotionNotify,  EnterNotify,
                                 LeaveNotify,   DestroyNotify, ConfigureNotify};
 
-/// GLX errors about a drawable that is no more, from the extension's first error code.
+/// GLX errors for a drawable that no longer exists, counted from the extension's first error code.
 constexpr std::array kLostDrawableErrors = {2 /* drawable */, 5 /* current window */,
                                             11 /* current drawable */, 12 /* window */};
 
 constexpr int kLastError = 255;
 
-/// Marks the connection's private data as a watch's; the watch itself belongs to someone else.
+/// Marks private data of the connection as a watch; does not free the watch, which has an owner.
 int KeepWatch(XExtData*) {
     return 0;
 }
@@ -48,7 +48,7 @@ Bool IgnoreError(Display*, XErrorEvent*, xError*) {
 }
 
 /// The loss of a window must not reach the error handler, which ends the process by default. A
-/// filter of this connection leaves the handler, which the whole process shares, alone.
+/// filter on this connection leaves the handler, shared by the whole process, unchanged.
 void IgnoreLostWindows(Display* display) {
     XESetWireToError(display, BadWindow, IgnoreError);
     XESetWireToError(display, BadDrawable, IgnoreError);
@@ -60,7 +60,7 @@ void IgnoreLostWindows(Display* display) {
     }
 }
 
-/// A wheel's turn is reported as press and release of a button of its own.
+/// A wheel step is reported as press and release of a button of its own.
 bool IsWheel(unsigned button) {
     return button >= Button4 && button <= 7;
 }
@@ -190,7 +190,7 @@ void X11Watch::PassKeysOn() {
         event.xkey = key;
         event.xkey.window = parent_;
         event.xkey.subwindow = window_;
-        // Without a mask it goes to the program that made the parent, whatever that listens to.
+        // Without a mask the event goes to the client that created the parent, whatever it selects.
         XSendEvent(display_, parent_, False, NoEventMask, &event);
     }
     if (!keys_.empty()) XFlush(display_);
@@ -216,7 +216,7 @@ bool CanOpenWindow(Window parent) {
     int firstError = 0;
     int firstEvent = 0;
     if (glXQueryExtension(display, &firstError, &firstEvent) == False) return false;
-    // The visual that Pugl asks for, and the one that it is content with.
+    // The visual that Pugl requests, and the one that it accepts instead.
     std::array<int, 12> wanted = {GLX_RGBA,
                                   GLX_DOUBLEBUFFER,
                                   GLX_RED_SIZE,
@@ -235,8 +235,7 @@ bool CanOpenWindow(Window parent) {
     XVisualInfo* visual = glXChooseVisual(display, screen, wanted.data());
     if (visual == nullptr) visual = glXChooseVisual(display, screen, enough.data());
     if (visual == nullptr) return false;
-    // Where the driver cannot be loaded, the context is one that the server draws with, and many
-    // servers refuse.
+    // If the driver cannot be loaded, GLX creates an indirect context, which many servers refuse.
     GLXContext context = glXCreateContext(display, visual, nullptr, True);
     XFree(visual);
     if (context == nullptr) return false;

@@ -16,39 +16,39 @@ struct WindowSize {
     bool operator==(const WindowSize&) const = default;
 };
 
-/// What Pugl leaves out of an input event.
+/// The parts of an input event that Pugl leaves out.
 struct InputEvent {
     int type = 0;
     uint32_t time_ms = 0;    ///< the X server's clock
-    bool hasButton = false;  ///< one of the buttons 1 to 3 was down before the event
+    bool hasButton = false;  ///< whether a button from 1 to 3 was down before the event
 };
 
-/// Listens in on one window's own X connection: every event that the connection reads passes here
-/// first, before who owns the connection takes it from the queue. UI thread.
+/// Watches a window's own X connection: every event that the connection reads passes here first,
+/// before the connection's owner takes it from the queue. UI thread.
 class X11Watch {
   public:
-    /// `window` is the connection's own, `parent` the one that it was put into or 0. From now on
-    /// changes of the parent are reported too, and the loss of either window is no longer an error.
+    /// `window` is the connection's own window, `parent` its parent or 0. From now on changes of
+    /// the parent are reported too, and the loss of either window is no longer an error.
     X11Watch(Display* display, Window window, Window parent);
     X11Watch(const X11Watch&) = delete;
     X11Watch& operator=(const X11Watch&) = delete;
 
-    /// Reads all that the server has sent, without taking anything from the queue.
+    /// Reads all that the server has sent, and leaves the queue unchanged.
     void ReadAhead();
     /// The oldest input of a type (ButtonPress, ButtonRelease, MotionNotify, KeyPress or
-    /// KeyRelease), forgetting those before it. Where there is none: the last one again.
+    /// KeyRelease); discards the ones before it. If there is none: the last input again.
     InputEvent Pop(int type);
-    /// Sends the keys that the window got on to its parent, as a window does that does not use
-    /// them. Those that were sent themselves stay here, so that none goes round in circles.
+    /// Sends the window's key events on to its parent, like a window that does not use them.
+    /// Synthetic key events are not sent on, so that none circulates.
     void PassKeysOn();
-    /// The window has been destroyed, with its parent as a rule.
+    /// The window has been destroyed, usually with its parent.
     bool IsGone() const { return gone_; }
-    /// The pointer has been over the window and is no more, grabs aside.
+    /// Whether the pointer was over the window and has left it. Grabs are ignored.
     bool HasLeft() const { return left_; }
-    /// The window and all that it lies in are shown. Waits for the server.
+    /// Whether the window and all its ancestors are mapped. Waits for the server.
     bool IsShown() const;
     WindowSize GetSize() const { return size_; }
-    /// Asks for the parent's size where that has changed, unless the host sizes the window itself.
+    /// Requests the parent's size if it has changed, unless the host sizes the window itself.
     void FollowParent();
 
   private:
@@ -66,14 +66,14 @@ class X11Watch {
     bool left_ = false;
     bool parentResized_ = false;
     bool hostSizesWindow_ = false;
-    std::deque<WindowSize> requested_;  ///< sizes asked for that have not come yet
+    std::deque<WindowSize> requested_;  ///< requested sizes that have not arrived yet
     std::deque<InputEvent> inputs_;
     std::vector<XKeyEvent> keys_;
     InputEvent lastInput_;
 };
 
-/// Whether Pugl can make a window there: a display with direct OpenGL, and the parent (0: none
-/// needed) exists. Pugl itself does not survive where this is false.
+/// Whether Pugl can create a window: there is a display with direct OpenGL, and the parent exists
+/// (0: none needed). Pugl itself crashes if this is false.
 bool CanOpenWindow(Window parent);
 
 }  // namespace brindle

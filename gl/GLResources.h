@@ -29,7 +29,7 @@ class GLResources {
     /// Deletes the textures.
     ~GLResources();
 
-    /// Whether the pictures that the widgets are drawn with could be read, and the letters.
+    /// Whether the widgets' pictures and the letters are loaded.
     bool HasPictures() const { return hasPictures_; }
     bool HasLetters() const { return glyphs['A' - kFirstGlyph].texture != 0; }
 

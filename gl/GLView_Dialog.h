@@ -25,7 +25,7 @@ class GLView_Dialog : public GLView {
     GLAnimator_Translator slide;
 
   protected:
-    /// Darkens the page behind the box, by a share of 0 to 1.
+    /// Darkens the page behind the box by a share from 0 to 1.
     void DimPage(float share);
 };
 

@@ -8,15 +8,15 @@
 
 namespace brindle {
 
-/// A box with five lines of text above the darkened page. A click on it closes it.
+/// A dialog with five lines of text above the darkened page. A click on it closes it.
 class GLView_Message : public GLView_Dialog {
   public:
     static constexpr size_t kLineCount = 5;
 
-    /// `pageScale` is the interface scale of the page that will show it.
+    /// `pageScale` is the interface scale of the page that shows it.
     explicit GLView_Message(float pageScale);
 
-    /// Null is an empty line. A line that is wider than the box is made smaller.
+    /// Null is an empty line. A line wider than the box is shrunk.
     void SetLines(const std::array<const char*, kLineCount>& texts);
 
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
