@@ -14,7 +14,7 @@ TEST(Animator, EasesAlongEachSegmentInTurn) {
                                        {1.0f, {2.0f, 0.0f}, {4.0f, 0.0f}}});
     EXPECT_NEAR(slide.At(0.125f).progress, 0.7071f, 1e-4f);
     EXPECT_NEAR(slide.At(0.125f).position.y, -2.929f, 1e-3f);
-    EXPECT_FLOAT_EQ(slide.At(0.25f).position.x, 2.0f);  // the second takes no time
+    EXPECT_FLOAT_EQ(slide.At(0.25f).position.x, 2.0f);  // the second segment takes no time
     EXPECT_NEAR(slide.At(0.25f + 1.0f / 3.0f).progress, 0.5f, 1e-4f);
     EXPECT_NEAR(slide.At(0.25f + 1.0f / 3.0f).position.x, 3.0f, 1e-3f);
     EXPECT_EQ(slide.At(1.25f).progress, -1.0f);
@@ -23,7 +23,7 @@ TEST(Animator, EasesAlongEachSegmentInTurn) {
 }
 
 TEST(Animator, PulseFollowsTheProcessorTime) {
-    // Rounding to milliseconds must not matter beside the time used.
+    // Use enough time to make the rounding to milliseconds negligible.
     while (std::clock() < CLOCKS_PER_SEC / 5) {
     }
     const auto used_ms = 1000.0f * static_cast<float>(std::clock()) / CLOCKS_PER_SEC;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// Reads any bytes as a picture file.
+/// Reads arbitrary bytes as a picture file.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -13,7 +13,7 @@
 #include "gl/bitmap.h"
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    // Every input gets its line of complaint.
+    // Every input prints a message.
     return std::freopen("/dev/null", "w", stdout) != nullptr ? 0 : 1;
 }
 
@@ -39,7 +39,7 @@ void Read(const std::string& bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string bytes(reinterpret_cast<const char*>(data), size);
     Read(bytes);
-    // The same with what every picture has in common, so that sizes and offsets are reached.
+    // Again with the fields that all pictures share, so that sizes and offsets are reached.
     bytes.resize(std::max(size, size_t{30}));
     bytes.replace(0, 2, "BM");
     bytes.replace(26, 4, std::string("\1\0\x20\0", 4));

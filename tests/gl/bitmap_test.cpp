@@ -27,7 +27,7 @@ struct BitmapFile : ::testing::Test {
     }
     ~BitmapFile() override { std::filesystem::remove_all(folder); }
 
-    /// What is said when the file is read; it must not be read well.
+    /// The message that reading the file prints; reading must fail.
     std::string Refusal() {
         ::testing::internal::CaptureStdout();
         EXPECT_FALSE(LoadBitmap(path.c_str(), image));
@@ -37,10 +37,10 @@ struct BitmapFile : ::testing::Test {
     void Write(const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 };
 
-/// A picture of 3 x 2 pixels whose bytes count up from 0, behind a gap of 6 bytes.
+/// A picture of 3 x 2 pixels whose bytes count up from 0, after a gap of 6 bytes.
 std::string GoodFile() {
     std::string bytes = {"BM"};
-    bytes.append(8, '\xee');  // size and reserved words are not looked at
+    bytes.append(8, '\xee');  // size and reserved words are not read
     bytes += {60, 0, 0, 0, '\xee', '\xee', '\xee', '\xee', 3, 0, 0, 0, 2, 0, 0, 0, 1, 0, 32, 0};
     bytes.resize(60, '\xee');
     for (char value = 0; value < 24; ++value) bytes += value;
@@ -100,7 +100,7 @@ TEST_F(BitmapFile, DamagedFilesAreRefusedWithTheirReason) {
 }
 
 TEST_F(BitmapFile, AnImmenseFileWithHolesIsRefused) {
-    // 30000 x 30000 pixels, all there, in a file that takes no room on the disk.
+    // 30000 x 30000 pixels, complete, in a sparse file.
     Write(Changed(18, std::string("\x30\x75\0\0\x30\x75\0\0", 8)));
     std::filesystem::resize_file(path, 60 + 4ull * 30000 * 30000);
     EXPECT_EQ(Refusal(), "Error loading file!\n");

@@ -21,7 +21,7 @@ using ::testing::IsEmpty;
 struct Buttons : ::testing::Test {
     RecordingHost host;
     FakePage page;
-    GLView bystander;  // on no page list: it only takes the pointer
+    GLView bystander;  // not in the tree: it only captures the pointer
 
     template <typename Button>
     Button* Add(Button* button) {
@@ -45,7 +45,7 @@ TEST_F(Buttons, ToggleWritesTheOtherStateBetweenTouchAndRelease) {
         page.Report(7, reported);
         toggle->MouseDown({}, {});
         EXPECT_EQ(page.capturedView, toggle);
-        EXPECT_EQ(toggle->IsOn(), reported != 0.0f);  // it follows the host, not the press
+        EXPECT_EQ(toggle->IsOn(), reported != 0.0f);  // follows the host's report, not the press
         toggle->MouseUp({});
         EXPECT_EQ(page.capturedView, nullptr);
         EXPECT_THAT(host.calls, ElementsAre(Touched(8), Wrote(7, written), Released(8)));
@@ -94,7 +94,7 @@ TEST_F(Buttons, MomentaryRestoresWhatItFoundAtThePress) {
         page.Report(9, -7.5f);
         button->MouseDown({}, {});
         page.Report(3, 5.0f);
-        page.Report(9, 1.0f);  // the host has ideas of its own meanwhile
+        page.Report(9, 1.0f);  // meanwhile the host changes a value
     };
     const auto expected =
         ElementsAre(Wrote(3, 5.0f), Wrote(9, 4.0f), Wrote(3, 0.25f), Wrote(9, -7.5f));
@@ -124,7 +124,7 @@ TEST_F(Buttons, PopButtonActsWhenReleasedOverItself) {
     GLView_Dialog box;
     box.visible = false;
     button->dialog = &box;
-    button->MouseUp({0.0f, 0.0f});  // was not pressed
+    button->MouseUp({0.0f, 0.0f});  // a release without a press
     EXPECT_EQ(page.dialog, nullptr);
     button->MouseDown({0.0f, 0.0f}, {});
     button->MouseUp({3.0f, 0.0f});

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// What the controls show, as pixels: one design point is one pixel.
+/// What the controls show, in pixels: one design point is one pixel.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -73,7 +73,7 @@ int BarHeight(const GLContext& context) {
 TEST_F(ControlPixels, MeterFillsInDecibels) {
     GLView_DB60Meter meter;
     meter.SetSize(20.0f, 100.0f);
-    // Height: of 100 pixels over 60 dB.
+    // Height of 100 pixels for 60 dB.
     for (const auto& [level, height] : {std::pair(0.001f, 0.0f),
                                         {0.0f, 0.0f},
                                         {0.5f, 89.97f},
@@ -102,10 +102,10 @@ TEST_F(ControlPixels, MeterMarksItsScaleAndFlatStyleHasNoGlass) {
     for (const float mark_db : {0.0f, -3.0f, -12.0f, -30.0f, -60.0f}) {
         SCOPED_TRACE(mark_db);
         const float y = (mark_db + 60.0f) / 60.0f * 100.0f - 50.0f;
-        const bool at_top = mark_db > -1.0f;  // where glass shades mark and well alike
+        const bool at_top = mark_db > -1.0f;  // where the glass shades mark and well alike
         EXPECT_LT(BrightnessAt(0.0f, y - 0.5f), BrightnessAt(8.0f, y - 0.5f) - (at_top ? 40 : 80));
     }
-    const int below_mark = BrightnessAt(0.0f, -25.0f);  // -45 dB is no mark
+    const int below_mark = BrightnessAt(0.0f, -25.0f);  // -45 dB has no mark
     EXPECT_EQ(below_mark, BrightnessAt(8.0f, -25.0f));
     SetStyle(false, true);
     Show(meter);
@@ -192,7 +192,7 @@ TEST_F(ControlPixels, RoundKnobPointsFromLowerLeftOverTheTopToLowerRight) {
         knob.ParameterChanged(0);
         Show(knob);
         for (const auto& [other, place] : rows) {
-            // The mark's middle is 0.56 of the radius of 80 away from the centre.
+            // The mark's centre is 0.56 of the radius (80) away from the knob's centre.
             const int brightness = BrightnessAt(44.8f * place.x, 44.8f * place.y);
             if (other == value) {
                 EXPECT_GT(brightness, 600) << value;
@@ -208,7 +208,7 @@ TEST_F(ControlPixels, AWideKnobFillsItsTrackFromZeroToTheValue) {
     knob.SetSize(90.0f, 30.0f);
     knob.SetColor(kGreen);
     knob.parent = &page;
-    // Places on the track at -9 and +9 dB: half way from the middle to its ends.
+    // Positions on the track at -9 and +9 dB: half way between the middle and the ends.
     const auto lit = [&](float x) {
         const Pixel pixel = context.At(x, -0.62f * 15.0f);
         return pixel.green > pixel.red + 80;
@@ -269,7 +269,7 @@ TEST_F(ControlPixels, OutlinesHaveFourSidesWhereverTheyStand) {
             page.selectedView = &button;
             const Picture hovered = Show(button);
             for (const auto& [x, y] : {std::pair(70, 100), {130, 100}, {100, 90}, {100, 110}}) {
-                int gain = 0;  // how much brighter a pixel of this side has become at the most
+                int gain = 0;  // largest gain in brightness of a pixel on this side
                 for (int i = 0; i < 25; ++i) {
                     const int column = x + i % 5 - 2;
                     const int row = y + i / 5 - 2;
@@ -302,7 +302,7 @@ TEST_F(ControlPixels, AnOpenMenuDarkensThePageInThirtyFrames) {
         EXPECT_NEAR(context.At(-90.0f, 90.0f).red, 102, 1);
         page.CloseDialog(true);
     }
-    // The present entry has a tick, the one under the pointer a bar.
+    // The current entry has a tick, the hovered entry a bar.
     page.parameters[3] = 1.0f;
     page.contrastColor = kBlue;
     page.selectedView = selector.menu.firstChild->nextSibling;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// Draws into a real context and looks at the pixels. One unit is one pixel, the origin in the
+/// Draws into a real GL context and reads the pixels. One unit is one pixel; the origin is in the
 /// middle of the picture.
 #include "gl/drawing.h"
 
@@ -35,7 +35,7 @@ struct Drawing : ::testing::Test {
     ~Drawing() override { EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR}); }
 
     int Red(float x, float y) { return context.At(x, y).red; }
-    /// Columns that are not black, as x of the first one's left and the last one's right edge.
+    /// The columns that are not black: x of the first one's left and of the last one's right edge.
     std::pair<int, int> InkColumns() {
         const Picture picture = context.Read();
         std::pair<int, int> ink{1000, -1000};
@@ -71,8 +71,8 @@ std::array<float, 4> CurrentColor() {
 }
 
 TEST_F(Drawing, TextStandsWhereItsAlignmentSays) {
-    // With full cells for glyphs, ink begins one unit left of the first glyph's middle and ends one
-    // unit right of the last one's. A digit is 0.946 wide.
+    // With solid glyphs, ink begins one unit left of the first glyph's centre and ends one unit
+    // right of the last one's. A digit is 0.946 wide.
     constexpr float kScale = 20.0f;
     for (GLResources::Glyph& glyph : resources->glyphs) glyph.texture = 0;
     struct Case {
@@ -84,7 +84,7 @@ TEST_F(Drawing, TextStandsWhereItsAlignmentSays) {
          {Case{"10", kAlignLeft, 0.473f, 1.419f}, Case{"10", kAlignCentre, -0.473f, 0.473f},
           Case{"10", kAlignRight, -1.419f, -0.473f}, Case{"10", 7, 0.473f, 1.419f},
           Case{"i", kAlignRight, -0.227f, -0.227f},
-          // The text ends at a character without glyph, yet what follows counts as width.
+          // The text ends at a character without a glyph, but the following ones count as width.
           Case{"1\n0", kAlignRight, -1.419f, -1.419f}, Case{"1\x83", kAlignLeft, 0.473f, 0.473f},
           Case{"\x82", kAlignLeft, 0.65f, 0.65f}}) {
         SCOPED_TRACE(std::string(row.text) + " aligned " + std::to_string(row.alignment));
@@ -125,8 +125,8 @@ TEST_F(Drawing, ShapesFillWhatTheySay) {
         std::function<void(const GLResources*)> draw;
         std::vector<GLPoint> inside, outside;
     };
-    // The corner's circle of radius 16 stands around (44, 24): (55, 35) is 15.6 away, (57,
-    // 37) 18.4.
+    // The corner's circle of radius 16 is centred on (44, 24): (55, 35) is 15.6 away, (57, 37)
+    // 18.4.
     const Case cases[] = {
         {"rect",
          [](const GLResources*) { DrawRect(60, 40); },
@@ -253,7 +253,7 @@ TEST_F(Drawing, EveryRoutineLeavesMatrixAndTexturingAsTheyWere) {
         EXPECT_EQ(MatrixDepth(), 1);
         EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
     }
-    // Only the text's shadow stays where it was drawn.
+    // Only the text's shadow leaves the matrix moved.
     DrawTextShadow(r, "", kAlignLeft);
     EXPECT_FLOAT_EQ(CurrentMatrix()[12], matrix[12] + 0.1f);
     EXPECT_FLOAT_EQ(CurrentMatrix()[13], matrix[13] - 0.1f);
@@ -330,11 +330,11 @@ TEST_F(Drawing, ChainsAreLevelsOfOneTextureAndGapsAreLeftOut) {
     EXPECT_EQ(width_at(resources->mipTexture250, 3), 16);
     EXPECT_EQ(width_at(resources->mipTexture318, 3), 16);
     // In a small disc, a pixel on the edge (x from -4 to -3, y from -2 to -1, radius 3.875) has the
-    // part that lies inside; the large level has full ink at its middle.
+    // share that is inside; the large level is opaque at its centre.
     DrawDisc(resources.get(), 4.0f, 4.0f);
     EXPECT_NEAR(Red(-3.5f, -1.5f), 255 * 0.56, 8);
 
-    // Levels 10 to 15 of this chain are pictures, and level 20, which no texture has.
+    // Levels 10 to 15 of this chain are pictures, and level 20, which is beyond a texture's levels.
     ::testing::internal::CaptureStdout();
     const GLuint sparse = resources->LoadMipmappedTexture(140, 21);
     const std::string said = ::testing::internal::GetCapturedStdout();

@@ -23,7 +23,7 @@ using ::testing::SizeIs;
 constexpr uint32_t kPort = 4;
 constexpr GLPoint kGrip{100.0f, 200.0f};  // window pixels, y downwards
 
-/// A vertical gain knob from -18 to 18 on a page, 0 reported by the host.
+/// A vertical gain knob from -18 to 18 on a page; the host reported 0.
 struct Knob : ::testing::Test {
     RecordingHost host;
     FakePage page;
@@ -48,7 +48,7 @@ TEST_F(Knob, ADragIsBracketedByTouchAndWritesEachStep) {
     EXPECT_EQ(page.capturedView, knob);
     EXPECT_EQ(activePort, 4);
     Drag(0.0f, -100.0f);  // 100 pixels up are 0.3 of the range of 36
-    Drag(50.0f, 50.0f);   // sideways does not count
+    Drag(50.0f, 50.0f);   // sideways is ignored
     knob->MouseUp({});
     EXPECT_EQ(page.capturedView, nullptr);
     EXPECT_EQ(activePort, -1);
@@ -87,7 +87,7 @@ TEST_F(Knob, BeyondAnEndItWritesTheEndAndTheWayBackCountsAtOnce) {
     EXPECT_FLOAT_EQ(knob->dragLast.y, 100.0f);
     Drag(0.0f, -400.0f);
     EXPECT_EQ(LastWrite(), 18.0f);
-    EXPECT_FLOAT_EQ(knob->dragLast.y, 100.0f);  // stays where it last was in range
+    EXPECT_FLOAT_EQ(knob->dragLast.y, 100.0f);  // stays at its last position in range
     Drag(0.0f, 400.0f);
     EXPECT_EQ(LastWrite(), -18.0f);
     EXPECT_FLOAT_EQ(knob->dragLast.y, 100.0f);
@@ -98,7 +98,7 @@ TEST_F(Knob, BeyondAnEndItWritesTheEndAndTheWayBackCountsAtOnce) {
 TEST_F(Knob, TheNextStepStartsFromWhatTheHostReported) {
     knob->MouseDown({}, kGrip);
     Drag(0.0f, -100.0f);
-    Drag(0.0f, -100.0f);  // no echo yet: the same value again, not twice the way
+    Drag(0.0f, -100.0f);  // not reported yet: the same value again, not twice the distance
     EXPECT_NEAR(LastWrite(), 10.8f, 1e-4f);
     page.Report(kPort, 9.0f);  // the host took another value
     EXPECT_FLOAT_EQ(knob->dragStart.y, 100.0f);
@@ -149,10 +149,10 @@ TEST_F(Knob, AResetPressWritesTheResetValueIfThereIsOne) {
     host.calls.clear();
     knob->MouseDown({}, kGrip);
     page.resetPress = false;
-    Drag(0.0f, -1.0f);  // a hand that trembles does not undo it
+    Drag(0.0f, -1.0f);  // a trembling hand does not undo the reset
     EXPECT_THAT(host.calls, ElementsAre(Touched(kPort), Wrote(kPort, 0.0f)));
     page.Report(kPort, 0.0f);
-    Drag(0.0f, -11.0f);  // ten pixels on from where the report found the pointer
+    Drag(0.0f, -11.0f);  // ten pixels from the pointer's position at the report
     EXPECT_NEAR(LastWrite(), 1.08f, 1e-4f);
 
     knob->MouseUp({});
@@ -161,7 +161,7 @@ TEST_F(Knob, AResetPressWritesTheResetValueIfThereIsOne) {
     knob->MouseUp({});
     page.resetPress = false;
     host.calls.clear();
-    knob->MouseDown({}, kGrip);  // without any report: a new press is a new drag
+    knob->MouseDown({}, kGrip);  // without a report: a new press starts a new drag
     EXPECT_THAT(host.calls, ElementsAre(Touched(kPort)));
     Drag(0.0f, -10.0f);
     EXPECT_NEAR(LastWrite(), 1.08f, 1e-4f);
@@ -208,7 +208,7 @@ TEST_F(Knob, ValuesBeyondTheRangeShowAtItsEndsAndNonsenseNotAtAll) {
         EXPECT_STREQ(knob->infoText, "-9.0dB");
         EXPECT_EQ(page.texts.back(), "-9.0dB");
     }
-    // The logarithm of nothing lies below every scale.
+    // Logarithms of 0 and less are not finite; the value is at the lower end.
     knob->SetMapping([](float n) { return std::exp(n); }, [](float v) { return std::log(v); });
     page.Report(kPort, -1.0f);
     EXPECT_EQ(knob->normalised, 0.0f);

@@ -39,12 +39,12 @@ struct Menu : ::testing::Test {
         for (; index > 0; --index) child = child->nextSibling;
         return dynamic_cast<GLView_Menu_Item*>(child);
     }
-    /// The page's point at an entry's centre.
+    /// An entry's centre in page coordinates.
     GLPoint At(int index) { return Item(index)->LocalToPage({0.0f, 0.0f}); }
 };
 
 TEST_F(Menu, TheClickThatOpensItChoosesNothingButADragOntoAnEntryDoes) {
-    // Pressed and released over the selector, where the first entry is.
+    // Pressed and released on the selector, which the first entry covers.
     GLView_Menu& menu = Opened();
     EXPECT_EQ(page.dialog, &menu);
     EXPECT_EQ(page.capturedView, nullptr);
@@ -88,7 +88,7 @@ TEST_F(Menu, OpensFullyVisibleWhereverTheSelectorStands) {
             EXPECT_LT(centre.y + Item(i)->hh, page.GetViewTop());
         }
     }
-    EXPECT_FLOAT_EQ(At(0).x, 0.0f);  // where there is room, it opens over the selector
+    EXPECT_FLOAT_EQ(At(0).x, 0.0f);  // with enough space it opens over the selector
     EXPECT_FLOAT_EQ(At(0).y, 0.0f);
 }
 

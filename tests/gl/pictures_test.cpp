@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The pictures of the built bundle, read as the editor reads them.
+/// The pictures of the built bundle, loaded as the editor loads them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,7 +24,7 @@ uint8_t AlphaAt(const Bitmap& image, int x, int y) {
         3);
 }
 
-/// The rectangle of all that is more than faint, in pixels.
+/// The rectangle around all pixels that are more than faint.
 Ink FindInk(const Bitmap& image) {
     Ink ink;
     for (int y = 0; y < image.height; ++y) {
@@ -56,7 +56,7 @@ TEST(Pictures, GlyphsStandInTheirAdvances) {
             EXPECT_EQ(ink.right, -1);
             continue;
         }
-        // Ink stays within the advance; underscores meet.
+        // Ink stays inside the advance, but underscores join.
         const float advance = kGlyphAdvances[static_cast<size_t>(character - kFirstGlyph)] *
                               static_cast<float>(glyph.width) / 2.0f;
         EXPECT_LE(static_cast<float>(ink.right - ink.left), advance + 3.0f);

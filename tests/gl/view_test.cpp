@@ -16,7 +16,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// A view that writes down what reaches it, and can leave the tree while it is drawn.
+/// A view that records the calls it gets, and can leave the tree while it is drawn.
 class Probe : public GLView {
   public:
     Probe(std::string id, std::vector<std::string>& journal) : id_(std::move(id)), log_(journal) {}
@@ -55,7 +55,7 @@ class Probe : public GLView {
     std::vector<std::string>& log_;
 };
 
-/// A page of 10 x 10 with two overlapping views; the first has a child that sticks out of it.
+/// A page of 10 x 10 with two overlapping views; the child of the first extends beyond it.
 struct Tree : ::testing::Test {
     std::vector<std::string> log;
     std::unique_ptr<FakePage> page = std::make_unique<FakePage>();
@@ -80,14 +80,14 @@ TEST_F(Tree, ChildrenKeepTheirOrderAreNeverDoubledAndComeBackAlone) {
     page->AddChild(a);
     page->AddChild(nullptr);
     page->AddChild(page.get());
-    page->RemoveChild(c);  // a grandchild, no child
+    page->RemoveChild(c);  // a grandchild is not a child
     EXPECT_EQ(page->CountChildren(), 2);
     EXPECT_EQ(c->CountChildren(), 0);
     EXPECT_EQ(c->Page(), page.get());
     page->RemoveChild(a);
     EXPECT_EQ(a->parent, page.get());
     EXPECT_EQ(page->CountChildren(), 1);
-    page->AddChild(a);  // behind b, which had followed it
+    page->AddChild(a);  // now after b
     page->ParameterChanged(7);
     EXPECT_THAT(log, ElementsAre("b hears 7", "a hears 7", "c hears 7"));
 }
@@ -164,7 +164,7 @@ TEST_F(Tree, EachRoleHasOneHolder) {
         EXPECT_EQ((page.get()->*role.holder)(), a);
         (c->*role.take)(true);
         EXPECT_EQ((b->*role.holder)(), c);
-        (b->*role.take)(false);  // clears whoever held it
+        (b->*role.take)(false);  // clears it, whoever holds it
         EXPECT_EQ((page.get()->*role.holder)(), nullptr);
         (b->*role.take)(true);
     }
@@ -178,7 +178,7 @@ TEST_F(Tree, EachRoleHasOneHolder) {
     EXPECT_EQ(page->selectedView, c);
     a->SetVisible(false);
     EXPECT_EQ(page->selectedView, nullptr);
-    for (const GLPoint at : {GLPoint{4.0f, 4.0f}, {-1.0f, 0.0f}}) {  // over nothing, over a alone
+    for (const GLPoint at : {GLPoint{4.0f, 4.0f}, {-1.0f, 0.0f}}) {  // over no view, over a only
         b->SetCaptured(true);
         page->MouseUp(at);
         EXPECT_EQ(page->capturedView, nullptr);
