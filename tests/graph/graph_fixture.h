@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// A graph with its ten handles on a page, and a host that can report writes back.
+/// A graph with its ten handles on a page, and a host that can report writes.
 #pragma once
 
 #include <array>
@@ -49,14 +49,14 @@ struct GraphFixture {
         graph->UpdateCurves();
     }
 
-    /// A point of the graph's coordinates in the page's, and in window pixels of the frame.
+    /// Converts a point from graph coordinates to the page's and to window pixels of the frame.
     GLPoint OnPage(GLPoint local) const { return {local.x + graph->x, local.y + graph->y}; }
     GLPoint InPixels(GLPoint local) const {
         const GLPoint p = OnPage(local);
         return {(p.x + page.viewRight) / (2.0f * page.viewRight) * page.pageWidth,
                 (page.viewTop - p.y) / (2.0f * page.viewTop) * page.pageHeight};
     }
-    /// Presses in the middle of a handle, or of its marker below the graph.
+    /// Presses the centre of a handle, or its marker below the graph.
     GLPoint PressHandle(int handle) { return Press(handles[static_cast<size_t>(handle)]->Place()); }
     GLPoint PressMarker(int handle) {
         const float x = handles[static_cast<size_t>(handle)]->Place().x;
@@ -75,7 +75,7 @@ struct GraphFixture {
         if (page.capturedView != nullptr) page.capturedView->MouseUp({});
         if (echoes) Echo();
     }
-    /// Reports what was written since the last time.
+    /// Reports the writes since the last call.
     void Echo() {
         for (; echoed < host.calls.size(); ++echoed) {
             const HostCall& call = host.calls[echoed];
@@ -84,7 +84,7 @@ struct GraphFixture {
         graph->UpdateCurves();
     }
 
-    RecordingHost host;  // outlives the handles, which end their gestures in the end
+    RecordingHost host;  // outlives the handles, whose destructors end gestures
     FakePage page;
     GLView_ParametricEQ* graph;
     std::array<GLView_ParametricEQGrabber*, GLView_ParametricEQGrabber::kHandleCount> handles{};

@@ -19,7 +19,7 @@ int Brightness(Pixel p) {
     return p.red + p.green + p.blue;
 }
 
-/// Draws with the graph's centre in the middle of the picture; places are in its coordinates.
+/// Draws with the graph's centre in the middle of the picture, in the graph's coordinates.
 struct GraphPicture : testing::Test, GraphFixture {
     GraphPicture() {
         resourceDirectory = BRINDLE_BUNDLE "/";
@@ -46,7 +46,7 @@ struct GraphPicture : testing::Test, GraphFixture {
         return graph->hw * (2.0f * std::log(freq_hz / 20.0f) / std::log(1000.0f) - 1.0f);
     }
     float M(float count) const { return count * page.pixelSize; }
-    /// Height of the middle of the curve's line in a column.
+    /// Height of the centre of the curve's line in a column.
     float LineHeight(float x) const {
         std::vector<float> heights;
         for (float y = -graph->hh; y < graph->hh; y += 1.0f / kPixelsPerUnit) {
@@ -72,7 +72,7 @@ TEST_F(GraphPicture, TheCurveIsDrawnAtItsHeight) {
     EXPECT_NEAR(LineHeight(X(25.0f)), 6.0f * step, M(1.0f));
     EXPECT_NEAR(LineHeight(X(8000.0f)), -9.0f * step, M(1.0f));
     EXPECT_NEAR(LineHeight(X(2200.0f)), 0.0f, 0.5f * step);
-    // The area reaches from the zero line to the curve and is brightest in between.
+    // The area extends from the zero line to the curve and is brightest in between.
     const Pixel zero = At(X(60.0f), 0.3f * step);
     const Pixel bright = At(X(60.0f), 0.7f * 6.0f * step);
     EXPECT_GT(bright.green, zero.green + 80);
@@ -183,7 +183,7 @@ TEST_F(GraphPicture, KeysStandUnderTheirFrequencies) {
         const float freq_hz = 440.0f * std::exp2(static_cast<float>(note - 69) / 12.0f);
         EXPECT_EQ(isBlackKey(At(X(freq_hz), y)), kBlack[note % 12]) << freq_hz << " Hz";
     }
-    // White keys stand between the black ones' tops and their own lower ends.
+    // White keys fill the space between the black keys' tops and their own lower ends.
     EXPECT_GT(At(X(440.0f), -graph->hh - M(72.0f)).red, 90);
     EXPECT_LT(At(X(440.0f), -graph->hh - M(79.0f)).red, 50);
 }
@@ -202,7 +202,7 @@ TEST_F(GraphPicture, FrameLabelsAndRingsStandAroundWhatTheyBelongTo) {
     EXPECT_EQ(At(0.0f, top + M(1.0f)).red, 255);
     EXPECT_LT(At(0.0f, bottom + M(1.0f)).red, 60);
     EXPECT_EQ(At(0.0f, bottom - M(1.0f)).red, 255);
-    // The bottom of a white key under A4, which stands between black ones.
+    // The bottom of the white key A4, which is between black keys.
     EXPECT_GT(At(X(440.0f), -graph->hh - M(77.5f)).red, 120);  // its border
     EXPECT_LT(At(X(440.0f), -graph->hh - M(78.5f)).red, 60);
 
@@ -264,10 +264,10 @@ TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
     EXPECT_TRUE(isAmber(marker(8)));
     EXPECT_FALSE(isSage(marker(5)));
     EXPECT_FALSE(isAmber(marker(9)));
-    // A bar leads from the selected handle to its marker, from no other one.
+    // A line connects only the selected handle with its marker.
     EXPECT_TRUE(At(handles[3]->Place().x, -graph->hh - M(30.0f)).green > 90);
     EXPECT_FALSE(At(handles[4]->Place().x, -graph->hh - M(30.0f)).green > 90);
-    // So do a note and, below it, a frequency in the foreground colour.
+    // Only the selected handle has a note and, below it, a frequency, in the foreground colour.
     const auto hasText = [&](int handle, float m) {
         int brightest = 0;
         for (float x = -8.0f; x < 8.0f; x += 0.25f) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// The graph's bookkeeping: what is evaluated again, what the sum is, what takes the pointer.
+// Which curves the graph evaluates, how it sums them, and what takes the pointer.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -49,8 +49,8 @@ TEST_F(Graph, TheCurveIsTheSumOfAllThatIsOn) {
     Set(5, {0.0f, 9.0f, 18.0f, 1000.0f, 4.0f});
     EXPECT_NEAR(LevelAt(1000.0f), 6.0f, 1e-4f);
     Set(8, {1.0f, 2.0f, 0.0f, 1000.0f, 1.0f});                 // 24 dB/oct: 3 dB down at its corner
-    Set(9, {1.0f, 5.0f, 0.0f, 1000.0f, 1.0f});                 // 12 dB/oct: so is this one
-    EXPECT_NEAR(LevelAt(1000.0f), 6.0f - 2.0f * 3.01f, 0.2f);  // the grid point lies beside 1 kHz
+    Set(9, {1.0f, 5.0f, 0.0f, 1000.0f, 1.0f});                 // 12 dB/oct: 3 dB down too
+    EXPECT_NEAR(LevelAt(1000.0f), 6.0f - 2.0f * 3.01f, 0.2f);  // the grid point is next to 1 kHz
     Set(3, {0.0f, 9.0f, 9.0f, 1000.0f, 4.0f});
     Set(4, {0.0f, 9.0f, 9.0f, 1000.0f, 4.0f});
     Set(8, {0.0f, 2.0f, 0.0f, 1000.0f, 1.0f});
@@ -92,7 +92,7 @@ TEST_F(Graph, OnlyHandlesAndTheirMarkersTakeThePointer) {
 
     page.Report(Port(6, kEnable), 0.0f);
     EXPECT_FALSE(hit(other, marker));
-    // Beyond its reach the graph asks no handle at all.
+    // Beyond its margin the graph hit-tests no handle.
     Set(7, {1.0f, 9.0f, 0.0f, 20000.0f, 1.0f});
     handles[7]->SetWidth(1.0f);
     EXPECT_TRUE(hit(graph->hw + 0.079f, 0.0f));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// What handles write when they are dragged, scrolled, and searched with.
+// What handles write during drags, wheel steps and searches.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ using testing::ElementsAreArray;
 struct Handles : testing::Test, GraphFixture {
     Handles() { page.eventTime = 100000; }
 
-    /// The writes of a search: everything but the handle's own enable is set to these values.
+    /// The writes of a search: every enable but the handle's own is set to these values.
     static std::vector<HostCall> Enables(uint32_t own, const std::array<float, 10>& values) {
         const uint32_t ports[] = {42, 47, 2, 7, 12, 17, 22, 27, 32, 37};
         std::vector<HostCall> calls;
@@ -159,7 +159,7 @@ TEST_F(Handles, ADragRightAfterASearchGoesOnFromTheGainBeforeIt) {
     EXPECT_NEAR(host.calls.back().value, -6.0f + 0.024f * 36.0f, 1e-4f);
 }
 
-/// However a search ends, everything is as before it.
+/// However a search ends, it restores all values.
 TEST_F(Handles, NoSearchLeavesThePluginMuted) {
     using Ending = void (*)(Handles&);
     const std::pair<const char*, Ending> endings[] = {

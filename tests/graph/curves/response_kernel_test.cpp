@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// The vector loop against the plain one, on every target that this processor runs.
+// Compares the vector loop with the scalar one, on every target that this processor supports.
 #include "graph/curves/response_kernel.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kMostLanes = 8;  // doubles in the widest vector of an x86 processor
 constexpr float kSentinel = 12345.0f;
 
-/// A low-pass of four factors and a bell: products of high powers, and a difference of near equals.
+/// A low-pass of four factors and a bell: high powers, and a difference of nearly equal values.
 std::vector<Response> Responses() {
     const double w0 = 6.283185307179586 * 1000.0;
     Response steep;
@@ -48,7 +48,7 @@ TEST(ResponseKernel, VectorsAgreeWithThePlainLoopOnEveryTarget) {
                     AddResponseScalar(response, hz.data() + shift, plain.data() + 1 + shift, count);
                     AddResponse(response, hz.data() + shift, fast.data() + 1 + shift, count);
                     for (size_t i = 0; i < fast.size(); ++i) {
-                        // One step of single precision at the value's size.
+                        // One float step at the value's magnitude.
                         const float step =
                             std::abs(plain[i]) * std::numeric_limits<float>::epsilon();
                         ASSERT_NEAR(plain[i], fast[i], step) << count << " points, shift " << shift;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// Response curves against complex transfer functions of the analogue prototypes.
+// Compares response curves with complex transfer functions of the analogue prototypes.
 #include "graph/curves/response.h"
 
 #include <gmock/gmock.h>
@@ -24,7 +24,7 @@ using Prototype = std::function<Complex(Complex)>;
 
 constexpr double kPi = std::numbers::pi;
 
-/// Single precision holds the few hundred dB that occur here to better than 2e-5.
+/// Floats represent the few hundred dB that occur here to better than 2e-5.
 constexpr double kToleranceDb = 1e-4;
 
 FrequencyGrid DrawnGrid() {
@@ -33,7 +33,7 @@ FrequencyGrid DrawnGrid() {
     return grid;
 }
 
-/// The polynomial whose roots are Butterworth poles of the order at the corner, 1 at s = 0.
+/// The polynomial with the Butterworth poles of an order and corner as roots; 1 at s = 0.
 Complex Butterworth(int order, Complex s, double corner = 1.0) {
     Complex product = 1.0;
     for (int k = 1; k <= order; ++k) {
@@ -53,7 +53,7 @@ Prototype LowPass(int order) {
 Prototype HighPass(int order) {
     return [=](Complex s) { return 1.0 / Butterworth(order, 1.0 / s); };
 }
-/// Boost: poles at the corner, zeros where the plateau needs them; cut: the reverse of it.
+/// Boost: poles at the corner, zeros where the plateau needs them; cut: the reverse.
 Prototype LowShelf(int order, double plateau_db) {
     const double spread = std::pow(Amplitude(std::abs(plateau_db)), 1.0 / order);
     const double plateau = Amplitude(plateau_db);
@@ -62,11 +62,11 @@ Prototype LowShelf(int order, double plateau_db) {
                                  : plateau * Butterworth(order, s) / Butterworth(order, s, spread);
     };
 }
-/// A high shelf is the low shelf with the frequency axis turned round.
+/// A high shelf is a low shelf with an inverted frequency axis.
 Prototype HighShelf(int order, double plateau_db) {
     return [low = LowShelf(order, plateau_db)](Complex s) { return low(1.0 / s); };
 }
-/// Width: the distance of the points 3 dB below a high peak; of the numerator for a low one.
+/// Width: between the points 3 dB below a high peak; for a low peak, that of the numerator.
 Prototype Bell(double gain_db, double q) {
     const double A = Amplitude(std::abs(gain_db));
     // Solve |H|² = A²/2 at f/f0 − f0/f = 1/q for the numerator's damping.
@@ -104,7 +104,7 @@ std::vector<Case> BandCases(double gain, double q) {
 }
 
 std::vector<Case> SectionCases(double gain, double q) {
-    // 0.3333 and 0.333 of the gain in each of the three parts of a 36 dB/oct shelf: as designed.
+    // A 36 dB/oct shelf has 0.3333 or 0.333 of the gain in each of its three parts, by design.
     return {{1, HighPass(2)},
             {2, HighPass(4)},
             {3, HighPass(6)},
@@ -126,7 +126,7 @@ std::vector<Case> SectionCases(double gain, double q) {
 
 using AddCurve = void (*)(const FrequencyGrid&, Curve&, float, const CurveSettings&);
 
-/// The curves of what type ports hold.
+/// Add the curve for a type port's value.
 void AddBand(const FrequencyGrid& grid, Curve& curve, float type, const CurveSettings& set) {
     AddBandCurve(grid, curve, decode_type<BandType>(type), set);
 }
@@ -216,7 +216,7 @@ TEST(Response, WhatAHostShouldNotSendLeavesTheCurveAlone) {
             ASSERT_THAT(curve, testing::Each(0.0f)) << type << " at " << set.freq_hz;
         }
     }
-    // Extremes that are accepted stay finite, in and beyond the range of the picture.
+    // Extreme valid values give finite levels, inside and outside the graph.
     for (const float freq : {1e-3f, 19.9f, grid.hz[300], 20000.0f, 130000.0f, 1e6f}) {
         for (int type = 0; type < static_cast<int>(kSectionTypes.size()); ++type) {
             Curve curve = {};
