@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// A monkey at several editors of the built bundle at once: what it does to windows, pointer, keys
-// and ports is random, and so are the hosts (docs/testing.md says how to let it play for hours).
+// A monkey uses several editors of the built bundle at once. Its actions on windows, pointer, keys
+// and ports are random, and so are the hosts (docs/testing.md tells how to run it for hours).
 #include <gtest/gtest.h>
 #include <lv2/atom/forge.h>
 #include <lv2/parameters/parameters.h>
@@ -24,7 +24,7 @@ constexpr int kWidth = 1000;
 constexpr int kHeight = 600;
 constexpr size_t kMostEditors = 3;
 
-/// What hosts offer for a control port: least and greatest.
+/// A control port's range: minimum and maximum.
 std::pair<float, float> RangeOf(uint32_t port) {
     if (port == kTrimPort) return {-20.0f, 20.0f};
     const ControlRows& rows = port >= section_port(0) ? kSectionControls : kBandControls;
@@ -34,12 +34,12 @@ std::pair<float, float> RangeOf(uint32_t port) {
 
 bool IsInRange(uint32_t port, float value) {
     const auto [low, high] = RangeOf(port);
-    const float slack = 1e-4f * high;  // logarithmic scales, in single precision
+    const float slack = 1e-4f * high;  // rounding of logarithmic scales
     return value >= low - std::min(slack, 1e-4f) && value <= high + slack;
 }
 
-/// Where controls were found, in pixels of a window of the design size. A monkey that only ever
-/// points anywhere misses most of them.
+/// Positions where controls were found, in pixels of a window of the design size. A monkey that
+/// points at random misses most controls.
 using Spots = std::vector<std::pair<int, int>>;
 
 /// One editor and its host.
@@ -86,7 +86,7 @@ class Cage {
             }
             draw -= habit.share;
         }
-        if (random.one_in(3)) {  // frames take their time, events do not
+        if (random.one_in(3)) {  // frames are slow, events are not
             Idle();
         }
     }
@@ -96,8 +96,8 @@ class Cage {
         TakeWrites();
     }
 
-    /// Closes the editor, its window perhaps gone before, a button perhaps still down. Returns how
-    /// many controls it wrote.
+    /// Closes the editor, possibly after its window is destroyed or with a button still down.
+    /// Returns the number of controls that it wrote.
     size_t Close() {
         if (random.one_in(8)) host.window.Destroy();
         host.Close();
@@ -106,7 +106,7 @@ class Cage {
         return controlWrites;
     }
 
-    /// Whatever was done to it before, at its own size it shows something.
+    /// At its design size the editor shows a picture, whatever happened before.
     void ExpectPicture() {
         host.window.Resize(kWidth, kHeight);
         EXPECT_TRUE(WaitFor([&] { return host.window.HasSize(host.child, kWidth, kHeight); },
@@ -121,7 +121,7 @@ class Cage {
     }
 
   private:
-    // With the pointer.
+    // Actions with the pointer
     void Point() {
         constexpr auto kPixels = [](float points) { return static_cast<int>(0.75f * points); };
         if (!spots.empty() && random.one_in(2)) {
@@ -203,7 +203,7 @@ class Cage {
         host.window.Resize(width, height);
     }
 
-    // Over the ports.
+    // Actions on the ports
     float AnyValue() {
         constexpr float kInf = std::numeric_limits<float>::infinity();
         const float values[] = {0.0f,   1.0f,    -1.0f,    0.4f, 5.0f,  9.0f,
@@ -221,7 +221,7 @@ class Cage {
         host.Report(kMeterInPort, AnyValue());
         host.Report(kMeterOutPort, AnyValue());
     }
-    /// A row as the engine sends it; of any number, with any values.
+    /// Sends a row as the engine does, with any index and any values.
     void DeliverRow() {
         LV2_Atom_Forge forge;
         lv2_atom_forge_init(&forge, host.map.get());
@@ -243,7 +243,7 @@ class Cage {
         host.Deliver(kNotifyPort, host.map(LV2_ATOM__eventTransfer), bytes, forge.offset);
     }
     void DeliverJunk() {
-        // On the heap and no longer than it says: the sanitizers notice who reads on.
+        // On the heap and of exact size: the sanitizers report reads beyond it.
         const uint32_t size = random.below(64);
         const std::unique_ptr<uint32_t[]> words(new uint32_t[size / 4 + 1]);
         for (uint32_t i = 0; i <= size / 4; ++i) {
@@ -254,7 +254,7 @@ class Cage {
                      random.one_in(8) ? nullptr : words.get(), size);
     }
 
-    /// Looks at what the editor has written since; a host that echoes reports it.
+    /// Checks what the editor has written since the last call; a host that echoes reports it.
     void TakeWrites() {
         for (; seen < host.writes.size(); ++seen) {
             const UiWrite write = host.writes[seen];
@@ -286,11 +286,11 @@ class Cage {
     int width = kWidth;
     int height = kHeight;
     unsigned stuck = 0;  // button that is still down
-    int x = 0;           // of the pointer
+    int x = 0;           // the pointer's position
     int y = 0;
-    size_t seen = 0;  // of the host's writes
+    size_t seen = 0;  // number of the host's writes checked
     size_t controlWrites = 0;
-    size_t touchesSeen = 0;  // of its touches
+    size_t touchesSeen = 0;  // number of its touches checked
     std::map<uint32_t, bool> held;
 };
 
@@ -309,7 +309,7 @@ TEST(Monkey, BreaksNothing) {
                 cages.erase(cages.begin() + static_cast<std::ptrdiff_t>(place));
                 continue;
             }
-            // The newest window lies above the others, and is the one that the pointer reaches.
+            // The newest window is on top and gets the pointer.
             (random.one_in(3) ? random.pick(cages) : cages.back())->Act();
         }
         for (const auto& cage : cages) writes += cage->Close();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// The editor of the built bundle, opened as hosts open it.
+// The editor of the built bundle, opened as a host opens it.
 #include <X11/XF86keysym.h>
 #include <gmock/gmock.h>
 #include <lv2/parameters/parameters.h>
@@ -27,7 +27,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
 
-/// What the editor printed meanwhile.
+/// What the editor printed during a call.
 struct Printed {
     std::string out;
     std::string err;
@@ -40,7 +40,7 @@ Printed PrintedBy(Action action) {
     return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
 
-/// The sanitizers keep what was freed, and books of it, and are slow. The address one sees leaks by
+/// Sanitizers keep freed memory and records of it, and are slow. The address sanitizer finds leaks
 /// itself.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kIsSanitized = true;
@@ -51,7 +51,7 @@ constexpr bool kIsSanitized = false;
 /// Resident memory, KiB. 0 with sanitizers.
 long ResidentKib() {
     if (kIsSanitized) return 0;
-    malloc_trim(0);  // what was freed, but is kept for the next time
+    malloc_trim(0);  // returns freed memory to the system
     std::ifstream statm("/proc/self/statm");
     long total = 0;
     long resident = 0;
@@ -98,7 +98,7 @@ TEST(Editor, MapsOptionsThenMessagesInOrder) {
     UiHost host(BuiltEditor());
     ASSERT_TRUE(host.Open());
     auto order = host.map.order();
-    // Forge types stand between, mapped in the order of LV2's own header.
+    // The forge's types are in between, mapped in the order of LV2's own header.
     const std::vector<std::string> options = {LV2_ATOM__Int,
                                               LV2_ATOM__Bool,
                                               LV2_ATOM__Float,
@@ -160,7 +160,7 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
                 "error: Required touch interface extension is not available.\n");
     EXPECT_THAT(host.resizes, IsEmpty());
 
-    // As Carla does where it prefers bridges.
+    // As Carla does if it prefers bridges.
     host.hasTouch = true;
     host.hasFeatureData = false;
     EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err,
@@ -189,13 +189,13 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
                 testing::StartsWith("error: "));
 }
 
-/// All that tells which GL context is current.
+/// Everything that identifies the current GL context.
 auto CurrentContext() {
     return std::tuple(glXGetCurrentDisplay(), glXGetCurrentDrawable(), glXGetCurrentReadDrawable(),
                       glXGetCurrentContext(), eglGetCurrentContext());
 }
 
-/// A context that a host keeps current by GLX, in a window of its own.
+/// A context that a host keeps current with GLX, in its own window.
 struct GlxContext {
     Display* display = XOpenDisplay(nullptr);
 
@@ -256,7 +256,7 @@ TEST(Editor, RefusesABrokenDriver) {
                     testing::EndsWith("error: No window with OpenGL can be opened.\n"));
         unsetenv(name);
     }
-    setenv("MESA_GL_VERSION_OVERRIDE", "1.4", 1);  // all that is asked for is there all the same
+    setenv("MESA_GL_VERSION_OVERRIDE", "1.4", 1);  // all required functions exist nevertheless
     EXPECT_TRUE(host.Open());
     host.IdleTimes(3);
     unsetenv("MESA_GL_VERSION_OVERRIDE");
@@ -290,7 +290,7 @@ TEST(Editor, TellsKeysOnStandardErrorAndPassesThemOn) {
     };
     const Printed printed = PrintedBy(type);
     expectPassed();
-    // The host has put the focus on the editor, and there is a key that Pugl does not know.
+    // The host has set the focus to the editor; one of the keys is unknown to Pugl.
     host.window.MovePointer(-10, -10);
     host.window.Focus(host.child);
     keys.insert(keys.end() - 1, {{XF86XK_AudioPlay, true}, {XF86XK_AudioPlay, false}});
@@ -355,11 +355,11 @@ TEST(Editor, OpensAndClosesWithoutTrace) {
     EXPECT_TRUE(other.window.IsShown(other.child));
 }
 
-/// The trim slider's middle, window pixels.
+/// The trim slider's centre, in window pixels.
 constexpr int kTrimX = 843;
 constexpr int kTrimY = 537;
 
-/// A press of the trim slider.
+/// Presses the trim slider and holds it.
 void HoldTrim(UiHost& host) {
     host.Report(kTrimPort, 0.0f);
     host.IdleTimes(2);
@@ -377,7 +377,7 @@ TEST(Editor, ClosesWhileOthersControlsMove) {
         host->Report(kTrimPort, 0.0f);
         host->IdleTimes(2);
     }
-    UiHost& top = *hosts[2];  // above the others, its trim held
+    UiHost& top = *hosts[2];  // the topmost one; its trim is held
     HoldTrim(top);
     for (int step = 1; step <= 10; ++step) {
         top.window.MovePointer(kTrimX + 3 * step, kTrimY);
@@ -396,7 +396,7 @@ TEST(Editor, ClosesWhileOthersControlsMove) {
         EXPECT_EQ(top.writes[i].port, kTrimPort);
         EXPECT_GT(top.writes[i].AsFloat(), top.writes[i - 1].AsFloat());
     }
-    // Neither the host's late reports nor the pointer make it write again.
+    // Neither late reports from the host nor the pointer cause another write.
     top.Report(kTrimPort, -1.0f);
     WaitFor([] { return false; }, [&] { top.IdleTimes(1); }, std::chrono::milliseconds(700));
     EXPECT_EQ(top.writes.size(), 10u);
@@ -424,16 +424,16 @@ TEST(Editor, ForgetsWhatWasPointedAtWhenThePointerLeaves) {
         host.IdleTimes(2);
         return host.window.GetPixels(host.child, 1000, 600);
     };
-    const auto strips = [&] {  // where nothing pulses
+    const auto strips = [&] {  // the area without pulsing parts
         auto pixels = picture();
         pixels.erase(pixels.begin(), pixels.begin() + 420 * 1000);
         return pixels;
     };
-    host.window.MovePointer(500, 595);  // nothing is there
+    host.window.MovePointer(500, 595);  // no control is there
     host.IdleTimes(2);
     host.window.MovePointer(500, 610);
     const auto untouched = picture();
-    // A handle, a knob, a key and a preset.
+    // A handle, a knob, an on/off button and a preset.
     for (const auto& [x, y] : {std::pair(561, 187), {124, 470}, {124, 440}, {120, 16}}) {
         SCOPED_TRACE(x);
         host.window.MovePointer(x, y);
@@ -441,7 +441,7 @@ TEST(Editor, ForgetsWhatWasPointedAtWhenThePointerLeaves) {
         host.window.MovePointer(-10, y);
         EXPECT_TRUE(picture() == untouched);
     }
-    // What is held stays lit until it is let go outside: a knob, which moves up and down only.
+    // A held knob, which only moves vertically, stays highlighted until it is released outside.
     host.window.MovePointer(124, 470);
     host.window.Press();
     const auto held = strips();
@@ -449,7 +449,7 @@ TEST(Editor, ForgetsWhatWasPointedAtWhenThePointerLeaves) {
     EXPECT_TRUE(strips() == held);
     host.window.Release();
     EXPECT_TRUE(picture() == untouched);
-    // A host that grabs the pointer, as for a menu, takes it from nothing.
+    // A host that grabs the pointer, as for a menu, changes no highlight.
     host.window.MovePointer(124, 470);
     const auto pointed = strips();
     host.window.Grab();
@@ -493,7 +493,7 @@ TEST(Editor, LetsGoOfWhatIsHeldWhereItIsHidden) {
     EXPECT_EQ(host.window.GetPixels(host.child, 1000, 600), before);
 }
 
-/// A bundle's folder with the pictures and letters that are asked for.
+/// A bundle's folder with only the requested pictures and letters.
 struct PartOfBundle {
     std::filesystem::path folder = testing::TempDir() + "brindle_part.lv2";
 
@@ -510,7 +510,7 @@ struct PartOfBundle {
 };
 
 TEST(Editor, TellsTheUserWherePicturesAreMissing) {
-    const std::pair<int, int> clicks[] = {{500, 300}, {120, 16}};  // on the message, and beside it
+    const std::pair<int, int> clicks[] = {{500, 300}, {120, 16}};  // on the message, and outside it
     for (const auto& [x, y] : clicks) {
         SCOPED_TRACE(x);
         const PartOfBundle bundle({"chars"});

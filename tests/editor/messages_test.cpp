@@ -18,11 +18,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-/// A plot message, and what a test makes wrong in it.
+/// A plot message, and the fields that a test makes invalid.
 struct Plot {
     int32_t id = 5;
     uint32_t bins = kPlotBins;
-    LV2_URID type = 0;  // 0 in these stands for the right one
+    LV2_URID type = 0;  // 0 in these means the valid one
     LV2_URID objectType = 0;
     LV2_URID rateType = 0;
     LV2_URID idType = 0;
@@ -33,7 +33,7 @@ struct Plot {
 
 class Messages : public testing::Test {
   protected:
-    /// The message's bytes in memory of exactly its size, so that reading on is seen.
+    /// The message's bytes in memory of exactly its size, so that reads beyond it are detected.
     std::vector<uint64_t> Build(const Plot& plot) {
         alignas(8) uint8_t buffer[4096] = {};
         LV2_Atom_Forge forge;
@@ -42,7 +42,7 @@ class Messages : public testing::Test {
         const auto number = [&](const char* key, LV2_URID type, int32_t value) {
             lv2_atom_forge_key(&forge, map(key));
             lv2_atom_forge_int(&forge, value);
-            // The type of what was just written lies before its padded 4 bytes.
+            // The type just written is before the value's padded 4 bytes.
             *reinterpret_cast<uint32_t*>(buffer + forge.offset - 12) =
                 type != 0 ? type : uris.atom_int;
         };
@@ -52,7 +52,7 @@ class Messages : public testing::Test {
         if (plot.withRate) number(kSampleRateUri, plot.rateType, 48000);
         number(kPlotIdUri, plot.idType, plot.id);
         if (plot.withRow) {
-            std::vector<float> row(plot.bins + 1);  // never null, which may not be copied from
+            std::vector<float> row(plot.bins + 1);  // data() must not be null
             for (size_t i = 0; i < row.size(); ++i) row[i] = -static_cast<float>(i);
             lv2_atom_forge_key(&forge, map(kPlotArrayUri));
             lv2_atom_forge_vector(&forge, sizeof(float),
@@ -128,7 +128,7 @@ TEST(PendingWrites, CountAsReportedAfterAWhileOnly) {
     EXPECT_THAT(take_at(9000), IsEmpty());
 }
 
-/// A host that may report writes at once, from inside the write itself.
+/// A host that can report a write immediately, from inside the write call.
 struct EchoHost {
     std::vector<std::pair<uint32_t, float>> writes;
     HostConnection* connection = nullptr;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// The whole panel in a host: real pointer events at the places where a user sees the controls, and
-/// the engine that hears of them.
+/// The whole panel in a host, with real pointer events at the controls' visible positions, and the
+/// engine that receives its writes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,14 +20,14 @@ namespace brindle {
 
 inline constexpr double kRate = 48000.0;
 inline constexpr double kLn1000 = 6.9077554;
-/// A place on the panel in interface points from its lower left corner.
+/// A position on the panel in interface points from its lower left corner.
 struct Spot {
     float x;
     float y;
 };
 
-/// A host that passes the editor's writes on to the engine and, unless it is a silent one, reports
-/// them back.
+/// A host that passes the editor's writes on to the engine and, if `echoes` is set, reports them
+/// back.
 struct Panel : testing::Test {
     void SetUp() override {
         ASSERT_TRUE(host.Open());
@@ -44,7 +44,7 @@ struct Panel : testing::Test {
         plugin.port(port) = value;
         host.Report(port, value);
     }
-    /// Handles all pointer events that are waiting, then answers what they have led to.
+    /// Handles all waiting pointer events, then answers the resulting writes.
     void Tick() {
         host.IdleTimes(1);
         for (; answered < host.writes.size(); ++answered) {
@@ -58,7 +58,7 @@ struct Panel : testing::Test {
         host.window.MovePointer(static_cast<int>(std::lround(spot.x * 0.75f)),
                                 static_cast<int>(std::lround(600.0f - spot.y * 0.75f)));
     }
-    /// What is written meanwhile.
+    /// The writes during a gesture.
     std::vector<test::UiWrite> During(const std::function<void()>& gesture) {
         host.touches.clear();
         const size_t before = host.writes.size();
@@ -72,7 +72,7 @@ struct Panel : testing::Test {
             host.window.Click();
         });
     }
-    /// Presses close to each other would be a double click.
+    /// Waits before pressing: presses in quick succession would be a double click.
     void PressAt(const Spot& spot) {
         std::this_thread::sleep_for(std::chrono::milliseconds(210));
         MoveTo(spot);
@@ -87,7 +87,7 @@ struct Panel : testing::Test {
             host.window.Release();
         });
     }
-    /// Ports and values of writes to controls.
+    /// Ports and values of control writes.
     static std::vector<std::pair<uint32_t, float>> Values(
         const std::vector<test::UiWrite>& writes) {
         std::vector<std::pair<uint32_t, float>> values;
@@ -109,7 +109,7 @@ struct Panel : testing::Test {
         }
         throw std::logic_error("no graph");
     }
-    /// What the drawn curve says.
+    /// The level of the drawn curve.
     double CurveDb(double hz) {
         const auto heights = Graph().Heights();
         const auto i = static_cast<size_t>(800.0 * std::log(hz / 20.0) / kLn1000);

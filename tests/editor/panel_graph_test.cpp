@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// The graph in the whole panel: its handles, searches and analyser.
+// The graph in the panel: its handles, searches and analyser.
 #include <gmock/gmock.h>
 #include <lv2/atom/util.h>
 
@@ -17,7 +17,7 @@ using testing::ElementsAre;
 using testing::Pair;
 
 struct PanelGraph : Panel {
-    /// Where a handle stands, or its marker below the graph.
+    /// The position of a handle, or of its marker below the graph.
     Spot HandleAt(int number, bool marker = false) {
         GLView* child = Graph().firstChild;
         for (; number > 0; --number) child = child->nextSibling;
@@ -27,7 +27,7 @@ struct PanelGraph : Panel {
         return {(Graph().x + at.x - Root().GetViewLeft()) / s,
                 (Graph().y + at.y - Root().GetViewBottom()) / s};
     }
-    /// Away from Nyquist, which the curve knows nothing of.
+    /// Only far below Nyquist, which has no effect on the curve.
     void ExpectTheSoundThatIsDrawn(double tolerance_db) {
         const auto response = Response();
         for (const double hz : {40.0, 100.0, 300.0, 700.0, 1000.0, 1500.0, 3000.0}) {
@@ -38,11 +38,11 @@ struct PanelGraph : Panel {
 };
 
 TEST_F(PanelGraph, DraggingAHandleSoundsAsTheCurveSays) {
-    // A low shelf is drawn as it sounds; a bell's curve is wider, but has the same peak.
+    // A low shelf is drawn as it sounds; a bell's curve is wider, but has the right peak.
     const uint32_t shelf = band_port(0);
     Report(shelf + kFrequency, 250.0f);
     ExpectTheSoundThatIsDrawn(0.02);
-    // At 0 dB, in the middle of the graph's height, which is 920 pixels wide from 40 on.
+    // At 0 dB: the middle of the graph's height. The graph is 920 pixels wide, from 40 on.
     const double x = 40.0 + 920.0 * std::log(250.0 / 20.0) / kLn1000;
     const Spot handle = {static_cast<float>(x / 0.75), 800.0f - 78.0f - 171.0f};
     EXPECT_EQ(Drag(handle, 60, 60).size(), 2u);
@@ -62,7 +62,7 @@ TEST_F(PanelGraph, HandlesStopAtTheirEndsMoveFinelyWithShiftAndTurnTheirQ) {
     EXPECT_EQ(plugin.port(third + kFrequency), 20000.0f);
     EXPECT_EQ(plugin.port(third + kGain), 18.0f);
     Report(third + kGain, 0.0f);
-    Tick();  // the handle comes down from where the window ends
+    Tick();  // the handle returns from the window's edge
     Drag(HandleAt(3), -1000, -300);
     EXPECT_EQ(plugin.port(third + kFrequency), 20.0f);
     EXPECT_EQ(plugin.port(third + kGain), -18.0f);
@@ -152,10 +152,10 @@ TEST_F(PanelGraph, ShowsTheSpectrumOfItsInputWhileItIsOpen) {
     EXPECT_GT(rows, 30);
     const SpectrumHistory& spectrum = Graph().spectrum;
     const auto& newest = spectrum.rows[static_cast<size_t>(spectrum.newest)];
-    // 20 Hz x 2^(i/24) comes nearest to 1 kHz at i = 135; the loudest bin of a row reads -10 dB.
+    // 20 Hz x 2^(i/24) is nearest to 1 kHz at i = 135; the loudest bin of a row is at -10 dB.
     EXPECT_EQ(std::max_element(newest.begin(), newest.end()) - newest.begin(), 135);
     EXPECT_NEAR(newest[135], -10.0f, 0.01f);
-    // Rows that were there before are kept, those that are still to come are silent.
+    // Earlier rows are kept; rows that have not arrived yet are silent.
     EXPECT_GT(spectrum.rows[static_cast<size_t>(spectrum.newest - 1)][135], -20.0f);
     EXPECT_EQ(spectrum.rows[static_cast<size_t>(spectrum.newest + 1)][135], -120.0f);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// Where the panel's pieces are: apart from each other, inside the panel, and wide enough for what
-// they have to show.
+// The positions of the panel's parts: separate from each other, inside the panel, and wide enough
+// for their content.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index);
 namespace brindle {
 namespace {
 
-/// What a view covers, in page units.
+/// The area that a view covers, in page units.
 struct Piece {
     std::string name;
     float left, right, bottom, top;
@@ -46,7 +46,7 @@ struct PanelLayout : testing::Test {
         Collect(*root);
     }
 
-    /// All views below one, and the pieces that they cover. What is on the graph moves.
+    /// Collects all views below `parent`, with their areas, except those on the graph: they move.
     void Collect(GLView& parent) {
         for (GLView* view = parent.firstChild; view != nullptr; view = view->nextSibling) {
             views.push_back(view);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// The panel's strips, presets and trim: what they write and show, and what comes out of the engine.
+// The panel's strips, presets and trim: what they write and show, and what the engine outputs.
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -10,7 +10,7 @@
 #include "gl/settings.h"
 #include "tests/editor/panel_fixture.h"
 
-// Behind all others: Xlib defines words that they use.
+// Included last: Xlib defines words that the others use.
 #include <GL/glx.h>
 
 namespace brindle {
@@ -21,7 +21,7 @@ using testing::ElementsAre;
 
 constexpr double kLn750 = 6.6200733;
 
-/// Of the strips as a user sees them: 81 wide, 87 apart, a gap of 15 after each group.
+/// A position in a strip: strips are 81 wide, 87 apart, with a gap of 15 after each group.
 Spot InStrip(int strip, float above_middle) {
     const float group = strip < 4 ? 0.0f : strip < 8 ? 1.0f : 2.0f;
     return {125.0f + 87.0f * static_cast<float>(strip) + 15.0f * group + 40.5f,
@@ -39,7 +39,7 @@ Spot PresetAt(int number) {
 constexpr Spot kFlatAll = {2.0f * 800.0f * 5.0f / 6.0f - 23.0f, 778.0f};
 constexpr Spot kTrim = {1124.0f, 84.0f};
 
-/// As a factor: differences far below what is heard count for little.
+/// Gain as a factor: differences far below the audible level count little.
 double Gain(const std::vector<double>& response, double hz) {
     return std::pow(10.0, test::gain_db(response, hz, kRate) / 20.0);
 }
@@ -107,7 +107,7 @@ TEST_F(Panel, EachMenuOffersItsShapesInOrderInsideThePanel) {
         for (size_t entry = 0; entry < shapes.size(); ++entry) {
             SCOPED_TRACE(testing::Message() << strip << ", entry " << entry);
             const Spot shape = ShapeOf(strip);
-            // The entries stack upwards from the key, so that nothing has to give way to an edge.
+            // The entries stack upwards from the button; no edge of the panel moves the menu.
             const Spot place = {shape.x, shape.y + 18.0f * static_cast<float>(entry)};
             const auto writes = During([&] {
                 MoveTo(shape);
@@ -115,7 +115,7 @@ TEST_F(Panel, EachMenuOffersItsShapesInOrderInsideThePanel) {
                 MoveTo(place);
                 host.window.Click();
             });
-            ASSERT_EQ(writes.size(), 2u);  // with the press and the release
+            ASSERT_EQ(writes.size(), 2u);  // one for the press, one for the release
             for (const auto& write : writes) {
                 EXPECT_EQ(write.port, strip_port(strip) + kType);
                 EXPECT_EQ(write.AsFloat(), shapes[entry]);
@@ -221,7 +221,7 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
     themeFlat = false;
 }
 
-// What a view draws beyond its area would stay behind when it changes.
+// Pixels that a view draws outside its area would remain after a redraw.
 TEST_F(Panel, EachViewDrawsInsideItsArea) {
     constexpr int kWidth = 1000;
     constexpr int kHeight = 600;

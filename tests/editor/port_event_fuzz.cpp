@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// What a host may deliver to the editor as an atom: arbitrary bytes, and plot messages with some of
-// their bytes changed or their end cut off.
+// Atoms that a host may send to the editor: arbitrary bytes, and plot messages with some bytes
+// changed or their end cut off.
 #include <lv2/atom/forge.h>
 
 #include <algorithm>
@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<uint8_t> message(data + 1, data + size);
     if (data[0] % 2 == 0) {
         message = valid;
-        // Each three bytes: where, and what. The whole head and all properties are in reach.
+        // Three bytes each: position and value. The whole header and all properties are reachable.
         for (size_t i = 1; i + 2 < size; i += 3) {
             const size_t at = (data[i] | (data[i + 1] & 1u) << 8) % message.size();
             message[at] = data[i + 2];
@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             message.resize((data[1] | data[2] << 8) % (message.size() + 1));
         }
     }
-    // Memory of its own and of exactly this size, so that reading on is seen.
+    // A copy in memory of exactly this size, so that reads beyond it are detected.
     const auto own = std::make_unique<uint8_t[]>(message.size());
     std::copy(message.begin(), message.end(), own.get());
     const auto length = static_cast<uint32_t>(message.size());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// What becomes of a window's frames where drawing fails or its parent goes. Its events are seen in
-// the tests of the root view and of the editor.
+// A window's frames when drawing fails or its parent is destroyed. The tests of the root view and
+// the editor cover its events.
 #include "editor/pugl_window.h"
 
 #include <dlfcn.h>
@@ -14,8 +14,8 @@
 
 namespace {
 
-/// A GL whose swaps wait for the screen until they are told not to, by the one extension that it
-/// offers. Null: the GL that is there.
+/// A GL whose swaps wait for the screen until the only extension that it offers switches that off.
+/// Null: the real GL.
 const char* offeredExtension = nullptr;
 int swapInterval = 1;
 int swaps = 0;
@@ -105,7 +105,7 @@ TEST_F(Frames, AreDrawnWhenAskedForAndFirstAfterTheSize) {
 }
 
 TEST_F(Frames, EndWhenTheParentGoesWhileOneIsDrawn) {
-    root.destroysParent = true;  // the frame is then shown in a window that is no more
+    root.destroysParent = true;  // the frame is shown in a window that no longer exists
     EXPECT_TRUE(DrawFrame());
     root.destroysParent = false;
     for (int idle = 0; idle < 5; ++idle) {

@@ -19,8 +19,8 @@ using testing::ElementsAre;
 using testing::FloatNear;
 using testing::IsEmpty;
 
-/// A view that takes presses and writes down what reaches it. It counts what is drawn, and fills
-/// itself in a colour of its own in one of the passes.
+/// A view that takes presses and records its events. It counts its draws, and in one of the passes
+/// fills itself with its own colour.
 struct Probe : GLView {
     std::vector<std::string> log;
     GLPoint point;       // of the last event, in the parent's coordinates
@@ -70,13 +70,13 @@ struct Probe : GLView {
     }
 };
 
-/// A probe that stays where a press found it, as most widgets do not.
+/// A probe that does not capture the pointer when pressed, unlike most widgets.
 struct Listener : Probe {
     using Probe::Probe;
     void MouseDown(GLPoint, GLPoint) override { log.emplace_back("down"); }
 };
 
-// What real presses are: they come at any pace.
+// A real press may be a double click, depending on its timing.
 const auto kPress = testing::AnyOf("down", "double");
 
 class RootView : public testing::Test {
@@ -129,7 +129,7 @@ class RootView : public testing::Test {
 };
 
 TEST_F(RootView, BringsThePointerToTheTreesCoordinatesAtEverySize) {
-    // Window size, and the frame that must stand in its middle.
+    // Window size, and the frame expected in its middle.
     const struct {
         int width, height, left, top, frameWidth, frameHeight;
     } cases[] = {
@@ -148,7 +148,7 @@ TEST_F(RootView, BringsThePointerToTheTreesCoordinatesAtEverySize) {
         DrawFrame();
         EXPECT_EQ(page->GetPageHeight(), static_cast<float>(c.frameHeight));
         probe->log.clear();
-        // (1, 0.5) lies at 8/10 of the frame's width and a quarter of its height.
+        // (1, 0.5) is at 8/10 of the frame's width and a quarter of its height.
         const int pixelX = c.frameWidth * 8 / 10;
         const int pixelY = c.frameHeight / 4;
         MoveTo(c.left + pixelX, c.top + pixelY);
@@ -168,7 +168,7 @@ TEST_F(RootView, BringsThePointerToTheTreesCoordinatesAtEverySize) {
         Process();
         EXPECT_THAT(probe->log, ElementsAre(kPress, "drag", "up"));
         EXPECT_EQ(page->GetSelectedView(), nullptr);
-        // What is drawn there is the probe too; beside the frame is nothing.
+        // The probe is drawn there too; nothing is drawn beside the frame.
         EXPECT_EQ(Pixel(c.left + pixelX, c.top + pixelY), 0xff0000u);
         EXPECT_EQ(Pixel(c.left + 2, c.top + 2), 0x333333u);
         if (c.left + c.top > 0) {
@@ -268,7 +268,7 @@ TEST_F(RootView, ADialogTakesEveryPressUntilOneBesideItDismissesIt) {
     EXPECT_THAT(below->log, ElementsAre(kPress, "up"));
 
     page->OpenDialog(&dialog);
-    page->OpenDialog(other);  // a second one puts the first away
+    page->OpenDialog(other);  // a second dialog closes the first
     EXPECT_FALSE(dialog.visible);
     page->CloseDialog(false);
     EXPECT_FALSE(other->visible);
@@ -284,7 +284,7 @@ TEST_F(RootView, DrawsWhatStandsStillOnlyWhenItIsOutOfDate) {
     overlay->fill = kBlue;
     Open();
     EXPECT_FALSE(page->redrawNeeded);
-    // How often each pass was drawn since, and what is to be seen of it.
+    // How often each pass has run since, and the visible colour.
     const std::array before = std::to_array(still->drawn);
     const auto expect_drawn = [&](int back, int front, uint32_t leftColor) {
         EXPECT_EQ(still->drawn[0] - before[0], back);

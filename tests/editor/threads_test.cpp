@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-// The plugin as the program runs it: engines on threads of their own, editors on another, and
-// nothing between them but queues. The thread sanitizer looks on when it is built in.
+// The plugin as the program runs it: engines on their own threads, editors on another one, and only
+// queues between them. The thread sanitizer watches if it is built in.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,7 +21,7 @@
 namespace brindle::test {
 namespace {
 
-/// Sets all controls and runs a block, many times over.
+/// Sets all controls and runs a block, many times.
 Audio PlayAlone(uint32_t seed) {
     constexpr size_t kFrames = 1000;
     Random random(seed);
@@ -43,7 +43,7 @@ Audio PlayAlone(uint32_t seed) {
     return all;
 }
 
-// Made, run and freed at the same time; the first ones choose the vector code.
+// Engines are created, run and freed at the same time; the first ones select the vector code.
 TEST(Threads, EnginesDoNotDisturbEachOther) {
     constexpr size_t kEngines = 4;
     std::array<Audio, kEngines> together;
@@ -55,7 +55,7 @@ TEST(Threads, EnginesDoNotDisturbEachOther) {
     for (uint32_t i = 0; i < kEngines; ++i) EXPECT_EQ(together[i], PlayAlone(i)) << "engine " << i;
 }
 
-/// A plugin that plays on an audio thread of its own, with an editor that may be open.
+/// A plugin that runs on its own audio thread, with an editor that may be open.
 class Session {
   public:
     Session() : audioThread([this] { PlayUntilOver(); }) {}
@@ -76,7 +76,7 @@ class Session {
         editor.reset();
         window.reset();
     }
-    /// One turn of the UI thread.
+    /// One iteration of the UI thread.
     void Turn() {
         if (editor) {
             editor->tick();
@@ -92,8 +92,8 @@ class Session {
         }
         return values;
     }
-    /// How many rows the engine sends in some blocks. It hears of the editor in its next block;
-    /// what was under way before is no news.
+    /// The number of rows that the engine sends in some blocks. The engine reads the editor's
+    /// request in its next block; rows from before that are not counted.
     int RowsFromNowOn() {
         WaitForBlocks();
         TakeRows();
@@ -131,7 +131,7 @@ class Session {
     std::thread audioThread;
 };
 
-// The pointer turns and drags whatever is under it, in the editor that was opened last.
+// The pointer scrolls and drags whatever is under it, in the editor opened last.
 TEST(Threads, EnginesAndEditorsMeetInQueuesOnly) {
     live(1, [](Random& random) {
         HostWindow pointer(1, 1);
@@ -155,7 +155,7 @@ TEST(Threads, EnginesAndEditorsMeetInQueuesOnly) {
             pointer.Release(button);
             for (Session& each : sessions) each.Turn();
         }
-        // The window above hides the other from the pointer.
+        // The window on top hides the other one from the pointer.
         EXPECT_TRUE(sessions[0].Controls() != before || sessions[1].Controls() != before);
         for (Session& session : sessions) {
             if (!session.IsOpen()) session.Open();
