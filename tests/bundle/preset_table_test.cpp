@@ -26,8 +26,8 @@ TEST(PresetTable, NamesStandInTheOrderOfTheButtonsAndAllLeaveTheTrim) {
                                             "Push+Pull Tone", "Kick", "Snare"));
 }
 
-// Mains hum at 60 Hz has its overtones at multiples of it: the section takes the fundamental, the
-// bands notch the overtones from the second to the eighth.
+// Mains hum at 60 Hz has overtones at its multiples: the section notches the fundamental, the bands
+// notch the overtones from the second to the eighth.
 TEST(PresetTable, BuzzKillNotchesTheOvertonesOfMainsHum) {
     const Preset& preset = kPresets[2];
     EXPECT_EQ(value(preset, section_port(0) + kType), static_cast<float>(SectionType::WideNotch));
@@ -40,7 +40,7 @@ TEST(PresetTable, BuzzKillNotchesTheOvertonesOfMainsHum) {
     }
 }
 
-// The low end is pushed by one shelf and pulled by another, above it, by the same amount.
+// One shelf boosts the low end, another one above it cuts by the same amount.
 TEST(PresetTable, PushPullBoostsAndCutsTheLowsEqually) {
     const Preset& preset = kPresets[3];
     EXPECT_EQ(value(preset, band_port(0) + kType), static_cast<float>(BandType::LoShelf));

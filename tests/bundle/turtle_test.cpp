@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// What the schema validator does not see: the bundle's data as a host reads it through lilv.
+// What the schema validator does not check: the bundle's data as a host reads it through lilv.
 #include <gmock/gmock.h>
 #include <lilv/lilv.h>
 #include <lv2/atom/atom.h>
@@ -38,8 +38,7 @@ const char* const kShortName = LV2_CORE_PREFIX "shortName";
 const char* const kNotAutomatic = LV2_PORT_PROPS_PREFIX "notAutomatic";
 const char* const kRdfsComment = "http://www.w3.org/2000/01/rdf-schema#comment";
 
-/// Digests of the ports, types and presets of mono and stereo, with the version that they belong
-/// to.
+/// Digests of ports, types and presets of the mono and stereo plugin, and their version.
 constexpr int kDigestedVersion = 4;
 constexpr std::array<uint64_t, 2> kDigests = {2278950431901842535u, 3748194582024893712u};
 
@@ -47,7 +46,7 @@ struct Range {
     float low, normal, high;
 };
 
-/// Symbols in port order, as they are promised to sessions saved with earlier versions.
+/// Symbols in port order. Sessions saved with earlier versions rely on them.
 std::vector<std::string> expected_symbols(bool stereo) {
     std::vector<std::string> symbols = {"control", "notify"};
     for (const char* strip : {"b1", "b2", "b3", "b4", "b5", "b6", "b7", "b8", "seca", "secb"}) {
@@ -86,7 +85,7 @@ class Turtle : public testing::TestWithParam<const char*> {
     void SetUp() override { ASSERT_NE(plugin, nullptr); }
 
     LilvNode* node(const char* uri) { return owned_nodes.emplace_back(lilv_new_uri(world, uri)); }
-    /// Objects of a property of the plugin, as text.
+    /// The values of a plugin property, as text.
     std::vector<std::string> values(const char* property) {
         LilvNodes* found = lilv_plugin_get_value(plugin, node(property));
         return texts(found);
