@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: ISC
-/// Watches what code on the audio thread must not call: a program that uses this has allocation
-/// and locking functions that take the place of the C library's and count their calls.
+/// Counts calls that are forbidden on the audio thread: in programs that link it, allocation and
+/// locking functions replace those of the C library and count their calls.
 #pragma once
 
 namespace brindle::test {
 
-/// Counts the calls made while it lives, one guard at a time. Counts nothing in builds with a
-/// sanitizer, which needs these functions for itself.
+/// Counts the calls during its lifetime, one guard at a time. Counts nothing in sanitizer builds,
+/// which replace these functions themselves.
 class CallGuard {
   public:
     CallGuard();

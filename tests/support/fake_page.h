@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// A root view for tests of views: answers the page services from its fields and records what the
-/// views under test ask of it.
+/// A root view for tests of views: its fields answer the page services, and it records the calls of
+/// the views under test.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@ namespace brindle {
 
 class FakePage : public GLView {
   public:
-    /// The children may still ask for the page's services while they go.
+    /// The children may still call page services while they are destroyed.
     ~FakePage() override { FakePage::DeleteChildren(); }
 
     GLView* Page() override { return this; }
@@ -23,7 +23,7 @@ class FakePage : public GLView {
     float GetParameter(uint32_t index) override {
         return index < parameters.size() ? parameters[index] : 0.0f;
     }
-    /// What the editor does when the host reports a value: keeps it and tells the tree.
+    /// What the editor does when the host reports a value: stores it and tells the tree.
     void Report(uint32_t index, float value) {
         if (index < parameters.size()) parameters[index] = value;
         ParameterChanged(index);
@@ -87,7 +87,7 @@ class FakePage : public GLView {
         if (dialog != nullptr) std::exchange(dialog, nullptr)->SetVisible(false);
     }
 
-    // What the services answer.
+    // What the services return.
     std::array<float, 128> parameters{};
     bool resetPress = false;
     int32_t pressedButton = 0;

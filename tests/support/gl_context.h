@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// An OpenGL context without any window (Mesa's software GL on a surfaceless display, fixed
-/// function included) that draws into a picture whose pixels can be read back.
+/// An OpenGL context without a window (Mesa's software GL on a surfaceless display, with the fixed
+/// function pipeline) that draws into a picture whose pixels can be read back.
 #pragma once
 
 #define EGL_NO_X11
@@ -24,7 +24,7 @@ struct Pixel {
     uint8_t alpha = 0;
 };
 
-/// A picture read back from GL, or put together from others. Row 0 is the top one.
+/// A picture read back from GL, or assembled from others. Row 0 is the top row.
 struct Picture {
     int width = 0;
     int height = 0;
@@ -39,7 +39,7 @@ struct Picture {
 class GLContext {
   public:
     /// Makes a context current, with a target of `width` x `height` pixels. Coordinates are pixels
-    /// with the origin in the middle and y upwards; blending and texturing are on as in the editor.
+    /// from the centre, y upwards; blending and texturing are on as in the editor.
     GLContext(int width, int height) : width_(width), height_(height) {
         setenv("LIBGL_ALWAYS_SOFTWARE", "1", 1);
         display_ = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
@@ -58,12 +58,12 @@ class GLContext {
         glDeleteTextures(1, &texture_);
         eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
         eglDestroyContext(display_, context_);
-        // The display stays: it belongs to the process, and the driver with it.
+        // The display is kept: it and the driver belong to the process.
     }
     GLContext(const GLContext&) = delete;
     GLContext& operator=(const GLContext&) = delete;
 
-    /// Back to the state after construction, all pixels in one opaque grey from 0 to 1.
+    /// Restores the state after construction, with all pixels an opaque grey from 0 to 1.
     void Clear(float grey = 0.0f) {
         glBindFramebuffer(GL_FRAMEBUFFER, framebuffer_);
         glViewport(0, 0, width_, height_);
@@ -91,7 +91,7 @@ class GLContext {
         return picture;
     }
 
-    /// The pixel that holds a point in drawing coordinates.
+    /// The pixel at a point in drawing coordinates.
     Pixel At(float x, float y) const {
         Pixel pixel;
         glReadPixels(static_cast<int>(x + static_cast<float>(width_) / 2.0f),
@@ -100,7 +100,7 @@ class GLContext {
         return pixel;
     }
 
-    /// The colour target, to draw it elsewhere.
+    /// The colour target as a texture.
     GLuint Texture() const { return texture_; }
 
   private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// What the programs share that treat the plugin badly at random: seeds, and how long they go on.
+/// Random seeds and durations of the programs that misuse the plugin at random.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -36,9 +36,9 @@ class Random {
     std::mt19937 engine_;
 };
 
-/// Calls `life(random)` at least `lives` times, each with the next seed, and on until
-/// BRINDLE_SOAK_SECONDS (0) have passed or one has failed. The first seed is BRINDLE_SOAK_SEED (1),
-/// so that a life that failed is lived again alone.
+/// Calls `life(random)` at least `lives` times and until BRINDLE_SOAK_SECONDS (default 0) have
+/// passed, each time with the next seed; stops at the first failure. The first seed is
+/// BRINDLE_SOAK_SEED (default 1), which repeats a failed life alone.
 template <typename Life>
 void live(uint32_t lives, Life life) {
     using Clock = std::chrono::steady_clock;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// A host's side of the screen: the window that an editor is put into, the pointer, and what is to
-/// be seen. Needs an X server without other windows (see with_display).
+/// A host's side of the screen: the editor's parent window, the pointer and the visible pixels.
+/// Needs an X server without other windows (see with_display).
 #pragma once
 
 #include <GL/glx.h>
@@ -17,7 +17,7 @@
 
 namespace brindle {
 
-/// Calls `step` every millisecond until `done` holds; false when `limit` was not enough.
+/// Calls `step` every millisecond until `done` returns true; false if `limit` expires first.
 template <typename Done, typename Step>
 bool WaitFor(Done done, Step step, std::chrono::milliseconds limit = std::chrono::seconds(2)) {
     const auto end = std::chrono::steady_clock::now() + limit;
@@ -30,8 +30,8 @@ bool WaitFor(Done done, Step step, std::chrono::milliseconds limit = std::chrono
 }
 
 #ifdef __SANITIZE_ADDRESS__
-/// Keeps the GL driver loaded for good. Otherwise it goes with the last window, and what it has
-/// left allocated in each of its lives counts as leaked by nobody.
+/// Keeps the GL driver loaded. Otherwise it is unloaded with the last window, and memory that it
+/// did not free is reported as a leak.
 inline void KeepDriver() {
     static Display* const kept = [] {
         Display* display = XOpenDisplay(nullptr);
@@ -66,7 +66,7 @@ class HostWindow {
     uintptr_t GetId() const { return id; }
 
     void Resize(int width, int height) { ResizeWindow(id, width, height); }
-    /// As a host does that sizes its editors itself.
+    /// Resizes a window, like a host that sizes its editors itself.
     void ResizeWindow(Window window, int width, int height) {
         XResizeWindow(display, window, static_cast<unsigned>(width), static_cast<unsigned>(height));
         Sync();
@@ -90,7 +90,7 @@ class HostWindow {
         XTestFakeMotionEvent(display, -1, kLeft + x, kTop + y, CurrentTime);
         Sync();
     }
-    /// Takes the pointer from whatever it is over.
+    /// Grabs the pointer from the window under it.
     void Grab() {
         XGrabPointer(display, id, False, ButtonPressMask, GrabModeAsync, GrabModeAsync, None, None,
                      CurrentTime);
@@ -107,12 +107,12 @@ class HostWindow {
         XTestFakeKeyEvent(display, KeyCode(symbol), press ? True : False, CurrentTime);
         Sync();
     }
-    /// Has keys go to a window, wherever the pointer is.
+    /// Sends keys to a window, wherever the pointer is.
     void Focus(uintptr_t window) {
         XSetInputFocus(display, window, RevertToPointerRoot, CurrentTime);
         Sync();
     }
-    /// Sends a window a key event of its own making, which says so.
+    /// Sends a synthetic key event, marked as sent, to a window.
     void SendKey(uintptr_t window, XKeyEvent key) {
         XEvent event{};
         event.xkey = key;
@@ -120,7 +120,7 @@ class HostWindow {
         XSendEvent(display, window, False, KeyPressMask, &event);
         Sync();
     }
-    /// The keys that the host's window has got since the last call.
+    /// The keys that the host's window has received since the last call.
     std::vector<XKeyEvent> TakeKeys() {
         Sync();
         std::vector<XKeyEvent> keys;
@@ -132,7 +132,7 @@ class HostWindow {
         }
         return keys;
     }
-    /// A press of button 1 that carries the given time, in ms, sent straight to a window.
+    /// Sends a press of button 1 with a time in ms directly to a window.
     void SendPress(uintptr_t window, int x, int y, uint32_t time) {
         XEvent event{};
         event.xbutton.type = ButtonPress;
@@ -147,14 +147,14 @@ class HostWindow {
         Sync();
     }
 
-    /// 0xRRGGBB at a pixel of a window.
+    /// A window's pixel as 0xRRGGBB.
     uint32_t GetPixel(uintptr_t window, int x, int y) {
         XImage* image = XGetImage(display, window, x, y, 1, 1, AllPlanes, ZPixmap);
         const auto pixel = static_cast<uint32_t>(XGetPixel(image, 0, 0));
         XDestroyImage(image);
         return pixel & 0xffffffu;
     }
-    /// The same for all pixels of a window's upper left part, row by row.
+    /// The pixels of a window's upper left part, row by row, as 0xRRGGBB.
     std::vector<uint32_t> GetPixels(uintptr_t window, int width, int height) {
         XImage* image = XGetImage(display, window, 0, 0, static_cast<unsigned>(width),
                                   static_cast<unsigned>(height), AllPlanes, ZPixmap);

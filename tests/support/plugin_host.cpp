@@ -15,7 +15,7 @@
 namespace brindle::test {
 namespace {
 
-// Far above the dither, which the plugin adds to its input.
+// Far above the dither that the plugin adds to its input.
 constexpr float kImpulse = 1e4f;
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The built plugin, loaded and driven as a host does: through its library's entry point alone.
+/// The built plugin, loaded and run like in a host, through its library's entry point only.
 #pragma once
 
 #include <lv2/atom/atom.h>
@@ -16,10 +16,10 @@ namespace brindle::test {
 /// One vector of samples for each channel.
 using Audio = std::vector<std::vector<float>>;
 
-/// The plugin's library, loaded on first use; null when `index` has no descriptor.
+/// A descriptor of the plugin's library, which is loaded on first use; null if there is none.
 const LV2_Descriptor* descriptor(uint32_t index);
 
-/// An instance with all ports connected. Controls start at 0, so that everything is off.
+/// An instance with all ports connected. Controls start at 0, so everything is off.
 class PluginHost {
   public:
     /// `channels` 1 or 2; `rate` in Hz.
@@ -33,14 +33,14 @@ class PluginHost {
     void set_band(int band, int type, float gain_db, float freq_hz, float q);
     void set_section(int section, int type, float gain_db, float freq_hz, float q);
 
-    /// Processes all of `in`, blocks of `block` samples, through buffers of the host's own.
+    /// Processes `in` in blocks of `block` samples, through the host's own buffers.
     Audio process(const Audio& in, uint32_t block = 1024);
-    /// Runs silence until all glides have ended.
+    /// Processes silence until all glides have ended.
     void settle();
-    /// Response to an impulse of `n` samples, on the first channel, after the glides have ended.
+    /// The first channel's impulse response of `n` samples, after the glides have ended.
     std::vector<double> impulse_response(size_t n);
 
-    /// Puts a request of the editor on the control port.
+    /// Writes a request of the editor to the control port.
     void send_request(const char* type);
     /// Deactivates the instance and activates it again.
     void restart();

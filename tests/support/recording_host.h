@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// The host's side of an editor's controls: records control writes and touches in one list, in the
-/// order in which they come.
+/// The host's side of an editor's controls: records control writes and touches in one list, in
+/// order.
 #pragma once
 
 #include <cstdint>

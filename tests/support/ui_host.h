@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: ISC
-/// An editor, opened as a host does: with a parent window, features and options, and records of
-/// all that it asks of its host.
+/// An editor, opened as a host opens it: with parent window, features and options, and records of
+/// its calls to the host.
 #pragma once
 
 #include <dlfcn.h>
@@ -20,7 +20,7 @@
 
 namespace brindle::test {
 
-/// The descriptors of the built bundle's editors, its library loaded on first use.
+/// The built bundle's editor descriptors. The library is loaded on first use.
 inline const LV2UI_Descriptor* BuiltEditor(uint32_t index = 0) {
     static const auto entry = [] {
         void* library = dlopen(BRINDLE_BUNDLE "brindle.so", RTLD_NOW | RTLD_LOCAL);
@@ -45,7 +45,7 @@ struct UiWrite {
 
 class UiHost {
   public:
-    /// Opens nothing yet. `descriptor` is the editor's; `map` may be shared with the plugin's host.
+    /// Does not open the editor. `map` may be shared with the plugin's host.
     explicit UiHost(const LV2UI_Descriptor* newDescriptor, UridMap* sharedMap = nullptr)
         : map(sharedMap != nullptr ? *sharedMap : ownMap), descriptor(newDescriptor) {
         window.Sync();
@@ -54,11 +54,11 @@ class UiHost {
     UiHost& operator=(const UiHost&) = delete;
     ~UiHost() { Close(); }
 
-    // What the host offers; change it before opening.
+    // The host's features; change them before opening.
     bool hasMap = true;
     bool hasParent = true;
     bool hasTouch = true;
-    bool hasFeatureData = true;  ///< without it, features are offered with nothing behind them
+    bool hasFeatureData = true;  ///< without it, features have null data
     bool hasResize = true;
     bool hasOptions = true;
     bool failsWrites = false;  ///< its write function throws
@@ -134,7 +134,7 @@ class UiHost {
     LV2UI_Handle handle = nullptr;
     uintptr_t child = 0;  ///< the editor's X window
 
-    // What the editor asked for, in order.
+    // The editor's calls, in order.
     std::vector<UiWrite> writes;
     std::vector<std::pair<uint32_t, bool>> touches;
     std::vector<std::pair<int, int>> resizes;

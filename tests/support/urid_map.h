@@ -9,8 +9,8 @@
 
 namespace brindle::test {
 
-/// A host's URID map that remembers what was asked for and in which order. Numbers count from 1, so
-/// that they are the same in each run.
+/// A host's URID map that records requests in order. URIDs count from 1, so they are the same in
+/// each run.
 class UridMap {
   public:
     UridMap() = default;
@@ -26,7 +26,7 @@ class UridMap {
     LV2_URID_Map* get() { return &map_; }
     const LV2_Feature* feature() const { return &feature_; }
     const std::vector<std::string>& order() const { return order_; }
-    /// The same with what was asked for again.
+    /// All requests, repeated ones included.
     const std::vector<std::string>& requests() const { return requests_; }
 
   private:
