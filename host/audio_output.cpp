@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "contract/brindle.h"
+
 namespace brindle {
 namespace {
 
@@ -29,7 +31,7 @@ class Device : public AudioOutput {
         output.deviceId = audio_.getDefaultOutputDevice();
         output.nChannels = LivePlugin::kOutputs;
         RtAudio::StreamOptions options;
-        options.streamName = "Brindle Console EQ";
+        options.streamName = kProductName;
         unsigned frames = kDeviceBlock;
         audio_.openStream(&output, nullptr, RTAUDIO_FLOAT32, static_cast<unsigned>(rate_hz),
                           &frames, play, &plugin, &options);

@@ -5,6 +5,7 @@
 #include <string>
 #include <thread>
 
+#include "contract/brindle.h"
 #include "host/audio_output.h"
 #include "host/bundle.h"
 #include "host/command.h"
@@ -30,7 +31,7 @@ struct OpenRequest {
     bool silent = false;  ///< use no sound device
 };
 
-constexpr PixelSize kSize = {1000, 600};
+constexpr PixelSize kSize = {kEditorWidthPx, kEditorHeightPx};
 
 /// The file for the final state, made at the start so that a wrong path shows at once. Only the
 /// state that was loaded may be overwritten.
@@ -64,7 +65,7 @@ void open_editor(const ProgramOptions& options, const OpenRequest& request) {
     const ControlValues values = request.settings.resolve(bundle);
     const std::unique_ptr<SignalSource> source = make_source(request.input, request.signal);
     const std::unique_ptr<OutputFile> state = state_output(request, options.existing());
-    TopWindow window("Brindle Console EQ", kSize, TopWindow::kManaged);
+    TopWindow window(kProductName, kSize, TopWindow::kManaged);
     Plugin plugin(bundle, source->channels(), source->rate(), LivePlugin::kBlock);
     plugin.set(values);
     LivePlugin live(bundle, plugin, *source);

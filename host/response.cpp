@@ -103,7 +103,7 @@ Writer writer_for(const std::string& path) {
 }
 
 std::string title_of(const Bundle& bundle, const Settings& settings) {
-    const std::string name = "Brindle Console EQ";
+    const std::string name = kProductName;
     return settings.preset.empty() ? name
                                    : name + " \u2013 " + bundle.preset_label(settings.preset);
 }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "contract/brindle.h"
 #include "host/bundle.h"
 #include "host/cairo_output.h"
 #include "host/command.h"
@@ -54,7 +55,7 @@ PixelSize size_in(const std::string& text) {
 /// The editor's picture, 0x00RRGGBB by rows.
 std::vector<uint32_t> picture_of_editor(Bundle& bundle, const ControlValues& values,
                                         PixelSize size) {
-    TopWindow window("Brindle Console EQ", size, TopWindow::kBare);
+    TopWindow window(kProductName, size, TopWindow::kBare);
     PinkNoise source;
     Plugin plugin(bundle, source.channels(), source.rate(), LivePlugin::kBlock);
     plugin.set(values);
