@@ -33,7 +33,7 @@ class X11Watch {
     X11Watch(const X11Watch&) = delete;
     X11Watch& operator=(const X11Watch&) = delete;
 
-    /// Reads all that the server has sent, and leaves the queue unchanged.
+    /// Reads everything that the server has sent; all events stay in the queue.
     void ReadAhead();
     /// The oldest input of a type (ButtonPress, ButtonRelease, MotionNotify, KeyPress or
     /// KeyRelease); discards the ones before it. If there is none: the last input again.

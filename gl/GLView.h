@@ -62,7 +62,7 @@ class GLView {
     virtual void SendParameter(uint32_t index, float value);
     /// Tells every child that a control port's value was reported.
     virtual void ParameterChanged(uint32_t index);
-    /// Page service: a control port's last known value, 0 where it has none.
+    /// Page service: a control port's last known value, 0 if there is none.
     virtual float GetParameter(uint32_t index);
 
     /// Closes popups in all children.
