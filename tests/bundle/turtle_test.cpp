@@ -26,6 +26,7 @@
 
 #include "contract/brindle.h"
 #include "contract/presets.h"
+#include "contract/types.h"
 #include "tests/support/urid_map.h"
 
 namespace brindle {
