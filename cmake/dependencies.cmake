@@ -38,6 +38,7 @@ if(BRINDLE_PROGRAM)
     pkg_check_modules(RTAUDIO REQUIRED IMPORTED_TARGET rtaudio)
     pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
     pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
+    pkg_check_modules(CMINPACK REQUIRED IMPORTED_TARGET cminpack)
 endif()
 
 if(BUILD_TESTING)

@@ -16,7 +16,6 @@ namespace {
 
 constexpr double kLowestHz = 20.0;
 constexpr double kHighestHz = 20000.0;
-constexpr double kPointsPerOctave = 192.0;
 /// The excitation's first sample: so far above full scale that the plugin's dither (1e-6) does not
 /// show, since the engine is linear.
 constexpr float kStart = 65536.0f;
@@ -62,11 +61,11 @@ std::vector<float> excite(Plugin& plugin) {
     return result;
 }
 
-std::vector<ResponsePoint> frequency_grid(double rate_hz) {
+std::vector<ResponsePoint> frequency_grid(double rate_hz, double points_per_octave) {
     std::vector<ResponsePoint> grid;
     const double top_hz = std::min(kHighestHz * 1.0001, 0.4999 * rate_hz);
     for (int i = 0;; ++i) {
-        const double freq_hz = kLowestHz * std::exp2(i / kPointsPerOctave);
+        const double freq_hz = kLowestHz * std::exp2(i / points_per_octave);
         if (freq_hz > top_hz) return grid;
         grid.push_back({freq_hz, kFloorDb, 0.0, 0.0});
     }
@@ -115,11 +114,13 @@ void evaluate(const std::vector<float>& samples, double rate_hz, ResponsePoint* 
 
 }  // namespace
 
-std::vector<ResponsePoint> measure_response(Plugin& plugin) {
+std::vector<ResponsePoint> measure_response(Plugin& plugin, double points_per_octave) {
     plugin.settle();
     const std::vector<float> samples = excite(plugin);
-    std::vector<ResponsePoint> points = frequency_grid(plugin.rate());
-    Progress progress("Measuring", static_cast<int64_t>(points.size()));
+    std::vector<ResponsePoint> points = frequency_grid(plugin.rate(), points_per_octave);
+    // A coarse measurement is one of many, and quick.
+    const bool is_fine = points_per_octave >= kFinePointsPerOctave;
+    Progress progress("Measuring", is_fine ? static_cast<int64_t>(points.size()) : 0);
     for (size_t i = 0; i < points.size(); i += kLanes) {
         throw_if_interrupted();
         evaluate(samples, plugin.rate(), &points[i], std::min(kLanes, points.size() - i));

@@ -14,8 +14,11 @@ struct ResponsePoint {
     double delay_ms;   ///< group delay
 };
 
-/// The plugin's response from 20 Hz to 20 kHz (below Nyquist), 192 points an octave, measured by
-/// letting it settle and sending a short broadband signal through it. Takes its first channel.
-std::vector<ResponsePoint> measure_response(Plugin& plugin);
+inline constexpr double kFinePointsPerOctave = 192.0;
+
+/// The plugin's response from 20 Hz to 20 kHz (below Nyquist), measured by letting it settle and
+/// sending a short broadband signal through it. Takes its first channel.
+std::vector<ResponsePoint> measure_response(Plugin& plugin,
+                                            double points_per_octave = kFinePointsPerOctave);
 
 }  // namespace brindle

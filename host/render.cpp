@@ -119,8 +119,8 @@ void render_one(const ProgramOptions& options, const RenderRequest& request) {
     const Job job = {request.files[0], request.files[1]};
     Progress progress("Rendering", frames_of({job}));
     const std::string sound = render(bundle, values, job, {options, request, progress});
-    if (job.output != OutputFile::kStream)
-        say("Wrote %s (%s).\n", job.output.c_str(), sound.c_str());
+    if (job.output == OutputFile::kStream) return;
+    say("Wrote %s (%s).\n", job.output.c_str(), sound.c_str());
 }
 
 std::vector<Job> jobs_into(const RenderRequest& request) {
@@ -130,7 +130,8 @@ std::vector<Job> jobs_into(const RenderRequest& request) {
         const std::string output = fs::path(request.folder) / fs::path(input).filename();
         const auto [other, is_new] = inputs.try_emplace(output, input);
         if (!is_new) {
-            throw UserError(other->second + " and " + input + " would both become " + output + '.');
+            throw UserError(formatted("%s and %s would both become %s.", other->second.c_str(),
+                                      input.c_str(), output.c_str()));
         }
         jobs.push_back({input, output});
     }
@@ -165,6 +166,7 @@ void render_into(const ProgramOptions& options, const RenderRequest& request) {
         }
     };
     std::vector<std::jthread> threads;
+    threads.reserve(bundles.size());
     for (Bundle& bundle : bundles) threads.emplace_back(work, std::ref(bundle));
     threads.clear();  // waits for them
     progress.erase();

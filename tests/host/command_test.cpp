@@ -40,6 +40,7 @@ TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
     std::ofstream(path("text.wav")) << "no sound at all\n";
     std::ofstream(path("there.wav")) << "precious\n";
     std::ofstream(path("there.ttl")) << "<> a <urn:nothing> .\n";
+    std::ofstream(path("list.txt")) << "Filter 1: ON PK Fc 105 Hz Gain 2.5 dB Q 0.70\n";
     std::filesystem::create_directory(path("folder"));
     struct Case {
         const char* arguments;
@@ -91,6 +92,10 @@ TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
         {"open --load .", "cannot read ./state.ttl: No such file or directory."},
         {"open --load there.ttl", "cannot read there.ttl: it holds no state of this plugin."},
         {"open --silent --save s.ttl", "there is no display to open a window on"},
+        {"import none.txt --save s.ttl", "cannot read none.txt: No such file or directory."},
+        {"import text.wav --save s.ttl", "cannot read text.wav: it holds no line such as \"Filter"},
+        {"import list.txt --save none/s.ttl", "cannot write none/s.ttl: "},
+        {"import list.txt", "--save is required;", 2},
         {"screenshot out.jpg", "cannot write out.jpg: its name has to end in .png."},
         {"screenshot none/out.png", "cannot write none/out.png: No such file or directory."},
         {"screenshot out.png --size 1000", "\"1000\" is no size from 500x300 to 7680x4320"},

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: ISC
+// `brindle import`: lists of filters become settings that sound like them.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <complex>
+#include <fstream>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "tests/host/program.h"
+
+namespace brindle::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+struct Listed {
+    char shape;  ///< Peak, Low shelf, High shelf, Rumble filter (high-pass)
+    double freq_hz, gain_db, q;
+};
+
+/// The level of digital filters by the cookbook's formulas, at so high a rate that they are their
+/// analogue models.
+double level_db(const std::vector<Listed>& list, double freq_hz) {
+    constexpr double kRateHz = 6144000.0;
+    double level = 0.0;
+    for (const Listed& filter : list) {
+        const double a = std::pow(10.0, filter.gain_db / 40.0);
+        const double w = 2.0 * std::numbers::pi * filter.freq_hz / kRateHz;
+        const double alpha = std::sin(w) / (2.0 * filter.q);
+        const double c = std::cos(w);
+        const double side = 2.0 * std::sqrt(a) * alpha;
+        double b0 = 1.0 + alpha * a, b1 = -2.0 * c, b2 = 1.0 - alpha * a;
+        double a0 = 1.0 + alpha / a, a1 = -2.0 * c, a2 = 1.0 - alpha / a;
+        if (filter.shape == 'L' || filter.shape == 'H') {
+            const double turn = filter.shape == 'L' ? c : -c;
+            const double sign = filter.shape == 'L' ? 1.0 : -1.0;
+            b0 = a * (a + 1.0 - (a - 1.0) * turn + side);
+            b1 = sign * 2.0 * a * (a - 1.0 - (a + 1.0) * turn);
+            b2 = a * (a + 1.0 - (a - 1.0) * turn - side);
+            a0 = a + 1.0 + (a - 1.0) * turn + side;
+            a1 = sign * -2.0 * (a - 1.0 + (a + 1.0) * turn);
+            a2 = a + 1.0 + (a - 1.0) * turn - side;
+        } else if (filter.shape == 'R') {
+            b0 = b2 = (1.0 + c) / 2.0;
+            b1 = -(1.0 + c);
+            a0 = 1.0 + alpha;
+            a2 = 1.0 - alpha;
+        }
+        const auto z = std::polar(1.0, -2.0 * std::numbers::pi * freq_hz / kRateHz);
+        level +=
+            20.0 * std::log10(std::abs((b0 + b1 * z + b2 * z * z) / (a0 + a1 * z + a2 * z * z)));
+    }
+    return level;
+}
+
+using ImportCommand = ProgramTest;
+
+TEST_F(ImportCommand, TenFiltersSoundAsTheListSays) {
+    struct Case {
+        const char* text;
+        double preamp_db;
+        std::vector<Listed> filters;
+        double tolerance_db;
+    };
+    const Case cases[] = {
+        {"Preamp: -6.2 dB\n"
+         "Filter 1: ON LSC Fc 105 Hz Gain 5.5 dB Q 0.70\n"
+         "Filter 2: ON PK Fc 62 Hz Gain -2.1 dB Q 0.62\n"
+         "Filter 3: ON PK Fc 210 Hz Gain -3.2 dB Q 0.80\n"
+         "Filter 4: ON PK Fc 780 Hz Gain 1.9 dB Q 1.24\n"
+         "Filter 5: ON PK Fc 2100 Hz Gain -4.0 dB Q 2.10\n"
+         "Filter 6: ON PK Fc 3350 Hz Gain 5.1 dB Q 3.00\n"
+         "Filter 7: ON PK Fc 5200 Hz Gain -2.7 dB Q 4.41\n"
+         "Filter 8: ON PK Fc 6900 Hz Gain 3.3 dB Q 5.00\n"
+         "Filter 9: ON PK Fc 8800 Hz Gain -1.5 dB Q 1.41\n"
+         "Filter 10: ON HSC Fc 10000 Hz Gain -3.5 dB Q 0.70\n",
+         -6.2,
+         {{'L', 105, 5.5, 0.7},
+          {'P', 62, -2.1, 0.62},
+          {'P', 210, -3.2, 0.8},
+          {'P', 780, 1.9, 1.24},
+          {'P', 2100, -4, 2.1},
+          {'P', 3350, 5.1, 3},
+          {'P', 5200, -2.7, 4.41},
+          {'P', 6900, 3.3, 5},
+          {'P', 8800, -1.5, 1.41},
+          {'H', 10000, -3.5, 0.7}},
+         0.05},
+        // Windows line ends, commas, a shelf without Q, octaves instead of Q, filters that are off.
+        {"Filter Settings file\r\n\r\nNotes: 105 Hz is the door\r\nEqualiser: Generic\r\n"
+         "Filter  1: ON  PK       Fc    41,50 Hz  Gain -12,4 dB  Q  8,12\r\n"
+         "Filter  2: ON  PK       Fc   63.00 Hz   Gain  -6.0 dB  Q  4.00\r\n"
+         "Filter  3: ON  PK       Fc   124.0 Hz   Gain   3.0 dB  BW Oct 1\r\n"
+         "Filter  4: OFF PK       Fc   124.0 Hz   Gain   9.0 dB  Q  3.00\r\n"
+         "Filter  5: ON  HP       Fc   25.0 Hz\r\n"
+         "Filter  6: ON  None\r\n"
+         "Filter  7: ON  LS       Fc   200.0 Hz   Gain  -3.0 dB\r\n"
+         "Filter  8: ON  PK       Fc   440.0 Hz   Gain  -8.5 dB  Q  2.00\r\n"
+         "Filter  9: ON  HSC      Fc   3.2 kHz    Gain   2.0 dB  Q  0.71\r\n"
+         "Filter 10: ON  PK       Fc   12.50 kHz  Gain  -5.0 dB  Q  3.00\r\n",
+         0.0,
+         {{'P', 41.5, -12.4, 8.12},
+          {'P', 63, -6, 4},
+          {'P', 124, 3, std::numbers::sqrt2},
+          {'R', 25, 0, 1 / std::numbers::sqrt2},
+          {'L', 200, -3, 1 / std::numbers::sqrt2},
+          {'P', 440, -8.5, 2},
+          {'H', 3200, 2, 0.71},
+          {'P', 12500, -5, 3}},
+         0.1},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.text);
+        std::ofstream(path("list.txt")) << each.text;
+        const Outcome outcome = brindle("import list.txt --save s.ttl --force");
+        ASSERT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_THAT(outcome.out, AllOf(HasSubstr("Wrote s.ttl ("), HasSubstr("dB RMS")));
+        ASSERT_EQ(brindle("response r.csv --load s.ttl --force").status, 0);
+        for (const auto& [freq_hz, gain_db] : table("r.csv")) {
+            if (freq_hz > 16000.0) break;
+            ASSERT_NEAR(gain_db, each.preamp_db + level_db(each.filters, freq_hz),
+                        each.tolerance_db)
+                << freq_hz;
+        }
+    }
+}
+
+TEST_F(ImportCommand, WhatDoesNotFitIsToldAndLeftOutOnRequest) {
+    std::ofstream list(path("list.txt"));
+    list << "Preamp: -1 dB\nGraphicEQ: 25 0; 40 -1\nFilter: ON AP Fc 900 Hz Q 1\n"
+            "Filter 1: ON PK Fc 1000 Hz Gain 20 dB Q 1\n";
+    for (int i = 0; i < 8; ++i) list << "Filter: ON PK Fc " << (100 << i) << " Hz Gain 0.1 dB Q 1\n";
+    list << "Filter 12: ON PK Fc 5000 Hz Gain 0.05 dB Q 1\nFilter 13: ON HSC Fc 9 kHz Gain -2 dB\n";
+    list.close();
+    const Outcome refused = brindle("import list.txt --save s.ttl");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.err, AllOf(HasSubstr("left out: GraphicEQ: 25 0; 40 -1\n"),
+                                   HasSubstr("left out: Filter: ON AP Fc 900 Hz Q 1\n"),
+                                   HasSubstr("Q 1 (20 is held at 18)\n"),
+                                   HasSubstr("Filter 12: ON PK Fc 5000 Hz Gain 0.05 dB Q 1 (no"),
+                                   HasSubstr("--partial takes what it can.\n")));
+    EXPECT_THAT(files(), testing::ElementsAre("list.txt"));
+    const Outcome partial = brindle("import --partial --save s.ttl - <list.txt");
+    EXPECT_EQ(partial.status, 0);
+    EXPECT_THAT(partial.err, HasSubstr("left out: GraphicEQ"));
+    brindle("response r.csv --load s.ttl");
+    EXPECT_NEAR(table("r.csv").lower_bound(1000.0)->second, 19.0, 1.0);
+    EXPECT_NEAR(table("r.csv").lower_bound(15000.0)->second, -2.8, 1.0);
+}
+
+}  // namespace
+}  // namespace brindle::test
