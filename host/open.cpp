@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -24,11 +25,16 @@ namespace brindle {
 namespace {
 
 struct OpenRequest {
-    std::string input;            ///< sound file; empty for a built-in signal
+    std::string file;             ///< sound file; empty for a built-in signal
     std::string signal = "pink";  ///< or "sweep"
+    bool live = false;            ///< play the sound device's input instead
+    std::string device;           ///< part of its name; empty for the default
+    unsigned rate_hz = 0;         ///< 0 for the device's own
+    bool no_editor = false;
     Settings settings;
     std::string save;     ///< LV2 state to write at the end; empty for none
     bool silent = false;  ///< use no sound device
+    bool list_devices = false;
 };
 
 constexpr PixelSize kSize = {kEditorWidthPx, kEditorHeightPx};
@@ -42,57 +48,82 @@ std::unique_ptr<OutputFile> state_output(const OpenRequest& request,
     return std::make_unique<OutputFile>(request.save, is_loaded ? OutputFile::kReplace : existing);
 }
 
-void tell(const OpenRequest& request, const SignalSource& source, const AudioOutput& audio) {
-    const std::string built_in = request.signal == "sweep" ? "a sweep" : "pink noise";
-    const std::string& signal = request.input.empty() ? built_in : request.input;
-    say("Playing %s (%s, %.0f Hz) %s. Close the window to end.\n", signal.c_str(),
-        source.channels() == 1 ? "mono" : "stereo", source.rate(), audio.place().c_str());
+std::string played(const OpenRequest& request) {
+    if (request.live) return "the input";
+    if (!request.file.empty()) return request.file;
+    return request.signal == "sweep" ? "a sweep" : "pink noise";
 }
 
-void run_until_closed(Editor& editor, const TopWindow& window) {
+void tell(const OpenRequest& request, const SignalSource& source, const AudioOutput& audio,
+          bool has_window) {
+    const std::string form =
+        formatted("(%s, %.0f Hz) ", source.channels() == 1 ? "mono" : "stereo", source.rate());
+    say("Playing %s %s%s. %s to end.\n", played(request).c_str(), request.live ? "" : form.c_str(),
+        audio.place().c_str(), has_window ? "Close the window" : "Interrupt it (Ctrl-C)");
+}
+
+/// Runs the editor, if there is one, until it is closed, a request to stop comes or the sound
+/// device is lost.
+void run_until_closed(Editor* editor, const TopWindow* window, AudioOutput& audio) {
     using Clock = std::chrono::steady_clock;
     constexpr auto kPeriod = std::chrono::nanoseconds(std::chrono::seconds(1)) / Editor::kTicks;
     auto next = Clock::now();
-    while (editor.tick() && !window.is_closed() && !is_interrupted()) {
+    while (!is_interrupted() && audio.is_alive()) {
+        if (editor != nullptr && (!editor->tick() || window->is_closed())) break;
         // On a slow machine, do not catch up with missed frames.
         next = std::max(next + kPeriod, Clock::now());
         std::this_thread::sleep_until(next);
     }
 }
 
-void open_editor(const ProgramOptions& options, const OpenRequest& request) {
+void open_plugin(const ProgramOptions& options, const OpenRequest& request) {
     Bundle bundle(options.bundle);
     const ControlValues values = request.settings.resolve(bundle);
-    const std::unique_ptr<SignalSource> source = make_source(request.input, request.signal);
+    std::optional<DuplexDevice> device;
+    if (request.live) device = find_duplex_device(request.device, request.rate_hz);
+    const std::unique_ptr<SignalSource> source =
+        device ? std::make_unique<DeviceInput>(*device) : make_source(request.file, request.signal);
     const std::unique_ptr<OutputFile> state = state_output(request, options.existing());
-    TopWindow window(kProductName, kSize, TopWindow::kManaged);
+    const bool has_window = !request.no_editor && (!request.live || TopWindow::has_room({0, 0}));
+    std::optional<TopWindow> window;
+    if (has_window) window.emplace(kProductName, kSize, TopWindow::kManaged);
     Plugin plugin(bundle, source->channels(), source->rate(), LivePlugin::kBlock);
     plugin.set(values);
     LivePlugin live(bundle, plugin, *source);
     std::unique_ptr<AudioOutput> audio;
     const auto finish = [&] {
+        if (request.live && audio) {
+            say("Xruns: %lld.\n", static_cast<long long>(audio->xruns()));
+        }
         audio.reset();
         live.settle_controls();
         if (!state) return;
         save_state(bundle, plugin, *state);
         say_written(request.save);
     };
+    bool is_lost = false;
     {
-        Editor editor(bundle, live, window, source->channels(), source->rate());
-        window.show();
-        audio = start_audio(live, source->rate(), request.silent);
-        TopWindow::on_server_lost([&finish] {
-            warn("the connection to the display was lost.");
-            try {
-                finish();
-            } catch (const UserError& error) {
-                warn("%s", error.what());
-            }
-        });
-        tell(request, *source, *audio);
-        run_until_closed(editor, window);
+        std::optional<Editor> editor;
+        if (window) {
+            editor.emplace(bundle, live, *window, source->channels(), source->rate());
+            window->show();
+            TopWindow::on_server_lost([&finish] {
+                warn("the connection to the display was lost.");
+                try {
+                    finish();
+                } catch (const UserError& error) {
+                    warn("%s", error.what());
+                }
+            });
+        }
+        audio = device ? start_duplex(*device, live, static_cast<DeviceInput&>(*source))
+                       : start_audio(live, source->rate(), request.silent);
+        tell(request, *source, *audio, has_window);
+        run_until_closed(editor ? &*editor : nullptr, window ? &*window : nullptr, *audio);
+        is_lost = !audio->is_alive();
     }
     finish();
+    if (is_lost) throw UserError("the sound device was lost.");
 }
 
 }  // namespace
@@ -101,16 +132,31 @@ void add_open(CLI::App& program, const ProgramOptions& options) {
     CLI::App* command =
         program.add_subcommand("open", "Open the editor in a window over running audio");
     const auto request = std::make_shared<OpenRequest>();
-    CLI::Option* input =
-        command->add_option("FILE", request->input, "Sound file to play over and over");
-    command->add_option("--signal", request->signal, "What is played where no file is given")
-        ->check(CLI::IsMember({"pink", "sweep"}))
-        ->capture_default_str()
-        ->excludes(input);
+    CLI::Option* file =
+        command->add_option("FILE", request->file, "Sound file to play over and over");
+    CLI::Option* signal =
+        command->add_option("--signal", request->signal, "What is played where no file is given")
+            ->check(CLI::IsMember({"pink", "sweep"}))
+            ->capture_default_str()
+            ->excludes(file);
+    CLI::Option* silent = command->add_flag("--silent", request->silent, "Use no sound device");
+    CLI::Option* live = command->add_flag("--input", request->live, "Play the sound device's input")
+                            ->excludes(file)
+                            ->excludes(signal)
+                            ->excludes(silent);
+    command->add_option("--device", request->device, "The device, by a part of its name")
+        ->needs(live);
+    command->add_option("--rate", request->rate_hz, "The device's sample rate [Hz]")->needs(live);
+    command->add_flag("--list-devices", request->list_devices, "List sound devices and end");
+    command->add_flag("--no-editor", request->no_editor, "Open no window; an interruption ends it");
     add_settings(*command, request->settings);
-    command->add_option("--save", request->save, "LV2 state to write when the window is closed");
-    command->add_flag("--silent", request->silent, "Use no sound device");
-    command->callback([request, &options] { open_editor(options, *request); });
+    command->add_option("--save", request->save, "LV2 state to write at the end");
+    command->callback([request, &options] {
+        if (!request->list_devices) return open_plugin(options, *request);
+        const std::string devices = device_list();
+        if (devices.empty()) throw UserError("there is no sound device.");
+        say("%s", devices.c_str());
+    });
 }
 
 }  // namespace brindle

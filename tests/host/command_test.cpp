@@ -117,6 +117,8 @@ TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
         {"render a b --loud", "--loud;", 2},
         {"render a b --preset ''", "--preset: the name is empty;", 2},
         {"response a.csv --rate 7999", "Value 7999 not in range", 2},
+        {"open in.wav --input", "FILE excludes --input;", 2},
+        {"open --device x", "--device requires --input;", 2},
         {"open in.wav --signal sweep", "FILE excludes --signal;", 2},
     };
     const auto before = files();

@@ -133,7 +133,8 @@ TEST_F(ImportCommand, WhatDoesNotFitIsToldAndLeftOutOnRequest) {
     std::ofstream list(path("list.txt"));
     list << "Preamp: -1 dB\nGraphicEQ: 25 0; 40 -1\nFilter: ON AP Fc 900 Hz Q 1\n"
             "Filter 1: ON PK Fc 1000 Hz Gain 20 dB Q 1\n";
-    for (int i = 0; i < 8; ++i) list << "Filter: ON PK Fc " << (100 << i) << " Hz Gain 0.1 dB Q 1\n";
+    for (int i = 0; i < 8; ++i)
+        list << "Filter: ON PK Fc " << (100 << i) << " Hz Gain 0.1 dB Q 1\n";
     list << "Filter 12: ON PK Fc 5000 Hz Gain 0.05 dB Q 1\nFilter 13: ON HSC Fc 9 kHz Gain -2 dB\n";
     list.close();
     const Outcome refused = brindle("import list.txt --save s.ttl");

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: ISC
+// `brindle open --input` between the ports of a JACK server that drives no hardware.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <string>
+
+#include "tests/host/program.h"
+
+namespace brindle::test {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class Input : public ProgramTest {
+  protected:
+    /// Runs commands beside a server of their own, which waits for its clients in each cycle.
+    Outcome with_jack(const std::string& commands) {
+        return shell(
+            "export JACK_DEFAULT_SERVER=brindle-test-$$ JACK_NO_AUDIO_RESERVATION=1; "
+            "unset DISPLAY; jackd -r -S -t 10000 -d dummy -r 48000 -p 1024 >/dev/null 2>&1 & "
+            "jack=$!; trap 'kill -KILL $jack 2>/dev/null' EXIT; "
+            "wait_for() { for i in $(seq 200); do \"$@\" >/dev/null 2>&1 && return; sleep 0.05; "
+            "done; }; wait_for jack_lsp; brindle() { timeout 60 " BRINDLE_PROGRAM " \"$@\"; }; " +
+            commands);
+    }
+};
+
+// The tone goes from one client into the other, as it would from a microphone.
+TEST_F(Input, SoundsLikeAFileThatIsRendered) {
+    save("tone.wav", tone(1000.0, 0.2, 4.0, 48000, 2, SF_FORMAT_WAV | SF_FORMAT_FLOAT));
+    const std::string settings = " --set b5_gain=6 --set trim=-3 ";
+    const Outcome outcome = with_jack(
+        BRINDLE_PROGRAM
+        " open tone.wav --no-editor >player & player=$!; "
+        "wait_for grep -q Playing player; " BRINDLE_PROGRAM " open --input --save s.ttl" +
+        settings +
+        ">live & live=$!; wait_for grep -q Playing live; "
+        "jack_connect 'Brindle Console EQ:outport 0' 'Brindle Console EQ-01:inport 0'; sleep 1; "
+        "jack_rec -f heard.wav -b 32 -d 2 'Brindle Console EQ-01:outport 0' "
+        "'Brindle Console EQ-01:outport 1' >jack_rec.log; "
+        "kill -INT $live $player; wait $live && cat live");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_THAT(outcome.out,
+                AllOf(StartsWith("Playing the input (Jack: system, stereo, 48000 Hz, blocks of "
+                                 "1024 frames, latency "),
+                      HasSubstr("ms). Interrupt it (Ctrl-C) to end.\nXruns: "),
+                      EndsWith("Wrote s.ttl.\n")));
+    ASSERT_EQ(brindle("render tone.wav rendered.wav --load s.ttl").status, 0);
+    const double heard = level_at(load("heard.wav"), 1000.0, 0);
+    EXPECT_NEAR(heard / level_at(load("rendered.wav"), 1000.0, 0), 1.0, 1e-3);
+    EXPECT_NEAR(heard, 0.2 * std::pow(10.0, 3.0 / 20.0), 1e-3);
+    EXPECT_LT(level_at(load("heard.wav"), 1000.0, 1), 1e-5);
+}
+
+TEST_F(Input, ALostOrWrongDeviceIsASentenceAndAnExit) {
+    const Outcome outcome = with_jack(
+        "brindle open --list-devices; brindle open --input --rate 44100; echo status $?; "
+        "brindle open --input --device other; echo status $?; " BRINDLE_PROGRAM
+        " open --input --save s.ttl >live & live=$!; "
+        "wait_for grep -q Playing live; kill -KILL $jack; wait $live; echo status $?");
+    EXPECT_EQ(outcome.out,
+              "Jack      2 in    2 out   48000 Hz  system (default)\n"
+              "status 1\nstatus 1\nstatus 1\n");
+    EXPECT_THAT(
+        outcome.err,
+        AllOf(HasSubstr("brindle: system does not run at 44100 Hz, but at 48000 Hz.\n"),
+              HasSubstr("brindle: there is no sound device \"other\" with input and output"),
+              HasSubstr("brindle: the sound device was lost.\n")));
+    EXPECT_THAT(text_of("s.ttl"), HasSubstr("b1_freq"));
+}
+
+}  // namespace
+}  // namespace brindle::test
