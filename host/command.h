@@ -25,9 +25,11 @@ struct ProgramOptions {
 void add_settings(CLI::App& command, Settings& settings);
 
 // Each adds a command, which runs when the command line has been parsed; `options` must outlive it.
+void add_doctor(CLI::App& program, const ProgramOptions& options);
 void add_import(CLI::App& program, const ProgramOptions& options);
 void add_info(CLI::App& program, const ProgramOptions& options);
 void add_open(CLI::App& program, const ProgramOptions& options);
+void add_pipewire(CLI::App& program, const ProgramOptions& options);
 void add_render(CLI::App& program, const ProgramOptions& options);
 void add_response(CLI::App& program, const ProgramOptions& options);
 void add_screenshot(CLI::App& program, const ProgramOptions& options);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "contract/brindle.h"
@@ -43,11 +45,41 @@ void print_info(const Bundle& bundle) {
     for (const std::string& name : bundle.preset_names()) say("  %s\n", name.c_str());
 }
 
+void print_json(const Bundle& bundle) {
+    // Through text, so that 0.71 does not become 0.7099999785.
+    const auto number = [](float value) { return nlohmann::json::parse(short_number(value)); };
+    nlohmann::ordered_json controls;
+    for (const ControlInfo& control : bundle.controls()) {
+        nlohmann::ordered_json choices = nlohmann::json::array();
+        for (const ControlInfo::Choice& choice : control.choices) {
+            choices.push_back({{"value", number(choice.value)}, {"label", choice.label}});
+        }
+        controls.push_back({{"port", control.index},
+                            {"symbol", control.symbol},
+                            {"name", control.name},
+                            {"minimum", number(control.minimum)},
+                            {"maximum", number(control.maximum)},
+                            {"default", number(control.normal)},
+                            {"unit", control.unit},
+                            {"choices", choices}});
+    }
+    const nlohmann::ordered_json info = {{"mono", kMonoUri},
+                                         {"stereo", kStereoUri},
+                                         {"bundle", bundle.path()},
+                                         {"controls", controls},
+                                         {"presets", bundle.preset_names()}};
+    say("%s\n", info.dump(2).c_str());
+}
+
 }  // namespace
 
 void add_info(CLI::App& program, const ProgramOptions& options) {
-    program.add_subcommand("info", "List controls and presets")->callback([&options] {
-        print_info(Bundle(options.bundle));
+    CLI::App* command = program.add_subcommand("info", "List controls and presets");
+    const auto as_json = std::make_shared<bool>(false);
+    command->add_flag("--json", *as_json, "Print it as JSON");
+    command->callback([as_json, &options] {
+        const Bundle bundle(options.bundle);
+        *as_json ? print_json(bundle) : print_info(bundle);
     });
 }
 

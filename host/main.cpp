@@ -70,8 +70,8 @@ int run(int argc, char** argv) {
     program.add_flag("--force", options.force, "Overwrite files that exist");
     program.add_flag("--verbose", options.verbose, "Show what plugin and libraries print");
     program.parse_complete_callback([&options] { claim_standard_streams(options.verbose); });
-    for (const auto add :
-         {add_open, add_screenshot, add_render, add_response, add_import, add_info}) {
+    for (const auto add : {add_open, add_screenshot, add_render, add_response, add_import,
+                           add_pipewire, add_info, add_doctor}) {
         add(program, options);
     }
     if (argc < 2) {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -27,6 +28,7 @@ struct ResponseRequest {
     std::string output;
     Settings settings;
     int rate_hz = 48000;
+    bool json = false;   ///< on a stream
     bool phase = false;  ///< a plot gets a panel with phase and group delay
     bool drawn = false;  ///< table and plot get the curve that the editor draws
 };
@@ -65,6 +67,19 @@ void write_plain(OutputFile& output, const Result& result) {
     write_text(output, text);
 }
 
+void write_json(OutputFile& output, const Result& result) {
+    nlohmann::ordered_json points;
+    for (const ResponsePoint& point : result.points) {
+        nlohmann::ordered_json row = {{"frequency_hz", point.freq_hz},
+                                      {"gain_db", point.gain_db},
+                                      {"phase_deg", point.phase_deg},
+                                      {"group_delay_ms", point.delay_ms}};
+        if (result.drawn) row["drawn_db"] = result.drawn->level_db(point.freq_hz);
+        points.push_back(std::move(row));
+    }
+    write_text(output, points.dump(1) + '\n');
+}
+
 Plot plot_of(const Result& result) {
     PlotCurve measured = {result.drawn ? "measured" : "", PlotInk::Orange, {}, true};
     PlotCurve drawn = {"drawn by the editor", PlotInk::Blue, {}};
@@ -91,15 +106,19 @@ void write_svg(OutputFile& output, const Result& result) {
 
 using Writer = void (*)(OutputFile&, const Result&);
 
-Writer writer_for(const std::string& path) {
-    if (OutputFile::is_stream(path)) return write_table;
-    constexpr std::pair<const char*, Writer> kWriters[] = {
-        {".csv", write_table}, {".txt", write_plain}, {".png", write_png}, {".svg", write_svg}};
+Writer writer_for(const std::string& path, bool as_json) {
+    if (OutputFile::is_stream(path)) return as_json ? write_json : write_table;
+    constexpr std::pair<const char*, Writer> kWriters[] = {{".csv", write_table},
+                                                           {".txt", write_plain},
+                                                           {".json", write_json},
+                                                           {".png", write_png},
+                                                           {".svg", write_svg}};
     const std::string extension = std::filesystem::path(path).extension();
     for (const auto& [name, writer] : kWriters) {
         if (strcasecmp(name, extension.c_str()) == 0) return writer;
     }
-    throw UserError("cannot write " + path + ": its name has to end in .csv, .txt, .png or .svg.");
+    throw UserError("cannot write " + path +
+                    ": its name has to end in .csv, .txt, .json, .png or .svg.");
 }
 
 std::string title_of(const Bundle& bundle, const Settings& settings) {
@@ -134,7 +153,7 @@ std::string largest_difference(const Result& result, double trim_db) {
 void response(const ProgramOptions& options, const ResponseRequest& request) {
     Bundle bundle(options.bundle);
     const ControlValues values = request.settings.resolve(bundle);
-    const Writer write = writer_for(request.output);
+    const Writer write = writer_for(request.output, request.json);
     OutputFile output(request.output, options.existing());
     Plugin plugin(bundle, 1, request.rate_hz, 1024);
     plugin.set(values);
@@ -164,9 +183,10 @@ void add_response(CLI::App& program, const ProgramOptions& options) {
     const auto request = std::make_shared<ResponseRequest>();
     command
         ->add_option("OUT", request->output,
-                     "File to write: .csv, .txt, .png or .svg, or - for a table on standard output")
+                     "File to write: .csv, .txt, .json, .png or .svg, or - for standard output")
         ->required();
     add_settings(*command, request->settings);
+    command->add_flag("--json", request->json, "Write JSON instead of a table to a stream");
     command->add_flag("--phase", request->phase, "Plot phase and group delay too");
     command->add_flag("--drawn", request->drawn, "Add the curve that the editor draws");
     command->add_option("--rate", request->rate_hz, "Sample rate [Hz]")

@@ -76,7 +76,7 @@ TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
         {"render in.wav out.wav --set b1_freq=21k", "from 20 to 20000 Hz."},
         {"render in.wav out.wav --set b1_type=2.5", "a whole number from 0 to 12 or one of Flat,"},
         {"render in.wav out.wav --set b1_type=Bel", "\"Bel\" is no value for b1_type"},
-        {"response out.pdf", "has to end in .csv, .txt, .png or .svg."},
+        {"response out.pdf", "has to end in .csv, .txt, .json, .png or .svg."},
         {"response none/out.csv", "cannot write none/out.csv: "},
         {"response out.csv --preset ''x", "no preset \"x\""},
         {"--bundle none info", "there is no LV2 bundle at none."},
@@ -198,6 +198,46 @@ TEST_F(Program, TheManualPageAndTheCompletionKnowWhatHelpTells) {
     EXPECT_EQ(completed.out,
               "render response\n--no-settle\nHot\\ Pocket\n"
               "b8_enable= b8_type= b8_gain= b8_freq= b8_q=\n");
+}
+
+TEST_F(Program, JsonTellsTheSame) {
+    const Outcome outcome =
+        shell(BRINDLE_PROGRAM
+              " info --json >info; " BRINDLE_PROGRAM
+              " response - --json --set trim=3 >response; " BRINDLE_PROGRAM
+              " doctor --json >doctor; python3 -c 'import json; "
+              "info = json.load(open(\"info\")); control = info[\"controls\"][3]; "
+              "point = json.load(open(\"response\"))[0]; doctor = json.load(open(\"doctor\")); "
+              "print(info[\"presets\"][1], len(info[\"controls\"]), control[\"symbol\"], "
+              "control[\"default\"], info[\"controls\"][1][\"choices\"][12][\"label\"]); "
+              "print(point[\"frequency_hz\"], round(point[\"gain_db\"], 3)); "
+              "print(*[each[\"subject\"] for each in doctor], sep=\", \")'");
+    EXPECT_EQ(outcome.out,
+              "Dialog 51 b1_freq 63 Notch\n20.0 3.0\n"
+              "plugin, installed bundles, session, display, sound, processor\n")
+        << outcome.err;
+}
+
+TEST_F(Program, TheDoctorFindsDoubledBundlesAndMissingLibraries) {
+    const std::string bundle = "$(dirname " BRINDLE_PROGRAM ")/brindle.lv2";
+    shell("mkdir -p .lv2 other; cp -r " + bundle + " .lv2/; cp -r " + bundle +
+          " other/old.lv2; "
+          "cp -r " +
+          bundle + " broken; echo >broken/brindle.so");
+    const Outcome healthy =
+        brindle("doctor", "export HOME=$PWD LV2_PATH=$PWD/.lv2; unset DISPLAY XDG_SESSION_TYPE");
+    EXPECT_EQ(healthy.status, 0);
+    EXPECT_THAT(healthy.out,
+                AllOf(HasSubstr("good   installed bundles: ~/.lv2/brindle.lv2; hosts take ~/.lv2/"),
+                      HasSubstr("note   display: none. To do: set DISPLAY"),
+                      HasSubstr("good   processor: ")));
+    const Outcome doubled = brindle("doctor", "export HOME=$PWD LV2_PATH=$PWD/.lv2:$PWD/other");
+    EXPECT_THAT(doubled.out,
+                HasSubstr("note   installed bundles: ~/.lv2/brindle.lv2, ~/other/old.lv2"));
+    const Outcome broken = brindle("doctor --bundle broken");
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_THAT(broken.out, HasSubstr("FAULT  plugin: "));
+    EXPECT_EQ(broken.err, "brindle: there is a fault.\n");
 }
 
 TEST_F(Program, ValuesMayBeWrittenAsTheEditorShowsThem) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: ISC
-// `brindle open --input` between the ports of a JACK server that drives no hardware.
+// The plugin between the ports of sound servers that drive no hardware.
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -72,6 +72,39 @@ TEST_F(Input, ALostOrWrongDeviceIsASentenceAndAnExit) {
               HasSubstr("brindle: there is no sound device \"other\" with input and output"),
               HasSubstr("brindle: the sound device was lost.\n")));
     EXPECT_THAT(text_of("s.ttl"), HasSubstr("b1_freq"));
+}
+
+// A headless desktop with one output, which is recorded.
+TEST_F(ProgramTest, PipewirePlaysThroughThePrintedConfiguration) {
+    save("tone.wav", tone(1000.0, 0.2, 12.0, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16));
+    const Outcome outcome = shell(
+        "export XDG_RUNTIME_DIR=$PWD HOME=$PWD LV2_PATH=$PWD/lv2; unset DISPLAY; umask 077; "
+        "folder=.config/pipewire/pipewire.conf.d; mkdir -p $folder lv2; "
+        "ln -s $(dirname " BRINDLE_PROGRAM ")/brindle.lv2 lv2; " BRINDLE_PROGRAM
+        " pipewire --set trim=-4 --set b5_gain=10 >$folder/brindle.conf; "
+        "cat >$folder/sink.conf <<'END'\n"
+        "context.objects = [ { factory = adapter args = { factory.name = support.null-audio-sink "
+        "node.name = nowhere media.class = Audio/Sink object.linger = true audio.position = [ FL "
+        "FR ] } } ]\n"
+        "END\n"
+        "cat >desktop <<'END'\n"
+        "wait_for() { for i in $(seq 200); do eval \"$1\" && return; sleep 0.05; done; }\n"
+        "pipewire & pipewire=$!\n"
+        "wait_for 'pw-cli info 0'\n"
+        "wireplumber & manager=$!\n"
+        "wait_for 'pw-link -l | grep \"> nowhere:playback_FR\"'\n"
+        "pw-cat -p --target brindle_input tone.wav & player=$!\n"
+        "wait_for 'pw-link -l | grep \"> brindle_input:playback_FR\"'\n"
+        "timeout -s INT 4 pw-cat -r --target nowhere -P '{ stream.capture.sink = true }' "
+        "heard.wav\n"
+        "kill $player $manager $pipewire\n"
+        "END\n"
+        "dbus-run-session -- sh desktop >log 2>&1");
+    const Sound heard = load("heard.wav");
+    ASSERT_GT(heard.samples.size(), 2u * 48000u) << text_of("log");
+    EXPECT_NEAR(level_at(heard, 1000.0, 0), 0.2 * std::pow(10.0, 6.0 / 20.0), 2e-3)
+        << text_of("log");
+    EXPECT_NEAR(level_at(heard, 1000.0, 1), 0.2 * std::pow(10.0, 6.0 / 20.0), 2e-3);
 }
 
 }  // namespace
