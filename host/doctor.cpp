@@ -54,8 +54,9 @@ std::string variable(const char* name) {
 /// Folders in which hosts look for bundles.
 std::vector<std::string> search_path() {
     std::string path = variable("LV2_PATH");
-    if (path.empty())
+    if (path.empty()) {
         path = variable("HOME") + "/.lv2:/usr/local/lib/lv2:/usr/lib/lv2:" BRINDLE_LV2_FOLDER;
+    }
     std::vector<std::string> folders;
     std::istringstream parts(path);
     for (std::string folder; std::getline(parts, folder, ':');) folders.push_back(folder);
@@ -159,11 +160,11 @@ Finding sound() {
 Finding processor() {
 #if defined(__x86_64__)
     __builtin_cpu_init();
-    const char* best = __builtin_cpu_supports("avx512f") != 0  ? "AVX-512"
-                       : __builtin_cpu_supports("avx2") != 0   ? "AVX2"
-                       : __builtin_cpu_supports("sse4.2") != 0 ? "SSE4.2"
-                       : __builtin_cpu_supports("ssse3") != 0  ? "SSSE3"
-                                                               : "SSE2";
+    const char* best = __builtin_cpu_supports("avx512f")  ? "AVX-512"
+                       : __builtin_cpu_supports("avx2")   ? "AVX2"
+                       : __builtin_cpu_supports("sse4.2") ? "SSE4.2"
+                       : __builtin_cpu_supports("ssse3")  ? "SSSE3"
+                                                          : "SSE2";
     return {"processor", kGood, std::string("64-bit x86 with ") + best, ""};
 #else
     return {"processor", kGood, "not x86", ""};

@@ -92,9 +92,7 @@ void open_plugin(const ProgramOptions& options, const OpenRequest& request) {
     LivePlugin live(bundle, plugin, *source);
     std::unique_ptr<AudioOutput> audio;
     const auto finish = [&] {
-        if (request.live && audio) {
-            say("Xruns: %lld.\n", static_cast<long long>(audio->xruns()));
-        }
+        if (request.live && audio) say("Xruns: %lld.\n", static_cast<long long>(audio->xruns()));
         audio.reset();
         live.settle_controls();
         if (!state) return;
