@@ -21,9 +21,6 @@ struct ProgramOptions {
     }
 };
 
-/// Adds the options of Settings.
-void add_settings(CLI::App& command, Settings& settings);
-
 // Each adds a command, which runs when the command line has been parsed; `options` must outlive it.
 void add_doctor(CLI::App& program, const ProgramOptions& options);
 void add_import(CLI::App& program, const ProgramOptions& options);

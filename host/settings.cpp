@@ -3,13 +3,13 @@
 
 #include <strings.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <optional>
 
-#include "host/command.h"
 #include "host/state_file.h"
 #include "host/user_error.h"
 

@@ -6,6 +6,10 @@
 
 #include "host/bundle.h"
 
+namespace CLI {
+class App;
+}
+
 namespace brindle {
 
 /// The settings on a command line: a saved state or a preset, then single values over it.
@@ -18,6 +22,9 @@ struct Settings {
     /// range, the name of a choice, or on/off for a switch. Throws UserError for anything unknown.
     [[nodiscard]] ControlValues resolve(Bundle& bundle) const;
 };
+
+/// Adds a command's options for them.
+void add_settings(CLI::App& command, Settings& settings);
 
 /// A number in its shortest form: "0.71", "15000".
 std::string short_number(float value);
