@@ -10,9 +10,8 @@
 
 namespace brindle {
 
-inline constexpr size_t kPresetCount = 6;
 /// A preset sets every control from the first band's enable to the trim, and nothing else.
-inline constexpr uint32_t kFirstPresetPort = 2;
+inline constexpr uint32_t kFirstPresetPort = strip_port(0);
 inline constexpr size_t kPresetValueCount = kTrimPort - kFirstPresetPort + 1;
 
 /// One factory preset; values[i] belongs to port kFirstPresetPort + i, in that port's unit.
@@ -23,7 +22,7 @@ struct Preset {
 
 // clang-format off
 /// In the order of the editor's buttons.
-inline constexpr std::array<Preset, kPresetCount> kPresets = {{
+inline constexpr auto kPresets = std::to_array<Preset>({
     //   on type gain [dB]  freq [Hz]         Q
     {"Dialog",
      {{
@@ -109,7 +108,7 @@ inline constexpr std::array<Preset, kPresetCount> kPresets = {{
          1,  9,   5.472f,  3014.058f,        1,               // section B
          0                                                    // trim
      }}},
-}};
+});
 // clang-format on
 
 }  // namespace brindle

@@ -166,6 +166,7 @@ void GLView_StripEqView::AddPresets() {
     }
     auto& help = Add<GLView_HelpLine>();
     Place(help, layout::kHelpLeft, kMiddle, layout::kHelpWidth, layout::kPresetHeight);
+    // From above: the last bit of a text's height decides how its edges are smoothed.
     help.SetPosition(help.x, viewTop - layout::kHeaderBelowTop * GetInterfaceScale());
 }
 

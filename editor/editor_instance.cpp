@@ -30,6 +30,7 @@ HostFeatures ReadFeatures(EditorInstance& instance, const LV2_Feature* const* fe
     for (; features != nullptr && *features != nullptr; ++features) {
         const char* uri = (*features)->URI;
         void* data = (*features)->data;
+        if (uri == nullptr) continue;
         if (std::strcmp(uri, LV2_UI__parent) == 0) {
             host.parent = data;
         } else if (std::strcmp(uri, LV2_UI__resize) == 0) {
@@ -95,7 +96,8 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
         host.resize->ui_resize(host.resize->handle, kEditorWidthPx, kEditorHeightPx);
     }
     if (host.parent == nullptr) return Fail("error: No parent window provided.\n");
-    *widget = std::bit_cast<LV2UI_Widget>(instance->puglView->GetNativeWindow());
+    if (widget != nullptr)
+        *widget = std::bit_cast<LV2UI_Widget>(instance->puglView->GetNativeWindow());
     instance->puglView->SetRoot(*instance->rootView);
     instance->rootView->EditorOpened();
     return instance.release();

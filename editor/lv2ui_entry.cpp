@@ -46,7 +46,8 @@ int Idle(LV2UI_Handle handle) {
 constexpr LV2UI_Idle_Interface kIdleInterface = {Idle};
 
 const void* ExtensionData(const char* uri) {
-    return std::strcmp(uri, LV2_UI__idleInterface) == 0 ? &kIdleInterface : nullptr;
+    return uri != nullptr && std::strcmp(uri, LV2_UI__idleInterface) == 0 ? &kIdleInterface
+                                                                          : nullptr;
 }
 
 constexpr LV2UI_Descriptor kDescriptor = {kEditorUri, Instantiate, Cleanup, PortEvent,

@@ -209,7 +209,10 @@ uintptr_t PuglWindow::GetNativeWindow() const {
 void PuglWindow::ProcessEvents() {
     const HostContext hostContext;
     impl_->watch->ReadAhead();
-    if (impl_->watch->IsGone()) return;
+    if (impl_->watch->IsGone()) {
+        if (impl_->IsHeld()) impl_->EndHold();
+        return;
+    }
     impl_->watch->FollowParent();
     impl_->ReportSize();
     puglProcessEvents(impl_->view);

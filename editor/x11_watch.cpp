@@ -127,9 +127,11 @@ void X11Watch::Record(const XEvent& event) {
         case MotionNotify:
             RecordInput(event.type, event.xmotion.time, event.xmotion.state);
             break;
-        case EnterNotify:
+        case EnterNotify:  // a grab that ends over the window reports no other
+            if (event.xcrossing.mode != NotifyGrab) left_ = false;
+            break;
         case LeaveNotify:
-            if (event.xcrossing.mode == NotifyNormal) left_ = event.type == LeaveNotify;
+            if (event.xcrossing.mode == NotifyNormal) left_ = true;
             break;
         case DestroyNotify:
             gone_ = gone_ || event.xdestroywindow.window == window_;

@@ -11,33 +11,38 @@
 namespace brindle {
 namespace {
 
-using DesignFunction = Coefficients (*)(const Prototype&) noexcept;
+// How a type's stages are designed.
+struct Design {
+    Coefficients (*function)(const Prototype&) noexcept;
+    double band_damping;
+    bool has_fixed_q;
+};
 
 // Indexed by BandType.
-constexpr auto kDesigns = std::to_array<DesignFunction>({
-    design_flat,
-    design_low_pass6,
-    design_high_pass6,
-    design_low_pass12,
-    design_high_pass12,
-    design_lo_shelf,
-    design_hi_shelf,
-    design_lo_shelf2,
-    design_hi_shelf2,
-    design_bell,
-    design_search,
-    design_sym_lo_shelf,
-    design_notch,
+constexpr auto kDesigns = std::to_array<Design>({
+    {design_flat, -kBandDamping, false},
+    {design_low_pass6, -kBandDamping, false},
+    {design_high_pass6, -kBandDamping, false},
+    {design_low_pass12, -kBandDamping, true},
+    {design_high_pass12, -kBandDamping, true},
+    {design_lo_shelf, kBandDamping, false},
+    {design_hi_shelf, kBandDamping, false},
+    {design_lo_shelf2, kBandDamping, false},
+    {design_hi_shelf2, kBandDamping, false},
+    {design_bell, kBandDamping, false},
+    {design_search, kBandDamping, false},
+    {design_sym_lo_shelf, kBandDamping, false},
+    {design_notch, kBandDamping, false},
 });
 static_assert(kDesigns.size() == kTypeCount<BandType>);
 
-bool has_fixed_q(BandType type) {
-    return type == BandType::LowPass12 || type == BandType::HighPass12;
+const Design& design_of(BandType type) {
+    return kDesigns[type_index(type)];
 }
 
 Coefficients designed(const FilterStage& stage) {
-    return kDesigns[type_index(stage.type)](
-        {stage.gain, stage.freq, stage.q, stage.damping, stage.dt});
+    return design_of(stage.type)
+        .function({stage.gain, stage.freq, stage.q, stage.damping, stage.dt});
 }
 
 // The tiny addend keeps a value that falls toward zero off the denormal numbers.
@@ -46,6 +51,10 @@ void smooth(double& value, double target) {
 }
 
 }  // namespace
+
+double band_damping(BandType type) noexcept {
+    return design_of(type).band_damping;
+}
 
 void init(FilterStage& stage, BandType type, double gain, double freq, double q, double damping,
           double dt) noexcept {
@@ -72,7 +81,7 @@ bool design(FilterStage& stage, const FilterStage* alike) noexcept {
     smooth(stage.gain, stage.gain_target);
     smooth(stage.freq, stage.freq_target);
     smooth(stage.q, stage.q_target);
-    const bool pass = has_fixed_q(stage.type);
+    const bool pass = design_of(stage.type).has_fixed_q;
     if (pass) stage.q = kFixedQ;
 
     FilterStage::Origin origin = {stage.type, stage.gain, stage.freq, stage.q, stage.damping};

@@ -16,6 +16,12 @@ inline constexpr double kMaxFreqShare = 0.499;
 /// The Q of types 3 and 4.
 inline constexpr double kFixedQ = 0.7071;
 
+/// Deliberately not the square root of two.
+inline constexpr double kBandDamping = 1.41213562;
+
+/// The damping of a band of `type`: -kBandDamping up to HighPass12, +kBandDamping above.
+double band_damping(BandType type) noexcept;
+
 /// A second-order section in double precision:
 /// y = b0·x + s1; s1 ← s2 + b1·x + a1·y; s2 ← b2·x + a2·y.
 /// CascadeState holds the states s1 and s2 of all stages.

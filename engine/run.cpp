@@ -175,7 +175,8 @@ bool process_chunk(EqInstance& eq, size_t offset, size_t n) {
 template <size_t kChannels>
 bool audio_connected(const EqInstance& eq) {
     for (size_t channel = 0; channel < kChannels; ++channel) {
-        if (!eq.ports[in_port(channel)] || !eq.ports[out_port(channel)]) return false;
+        if (eq.ports[in_port(channel)] == nullptr) return false;
+        if (eq.ports[out_port(channel)] == nullptr) return false;
     }
     return true;
 }

@@ -75,10 +75,6 @@ std::array<double, kSectionStages> notch_frequencies(float freq, float section_q
 
 }  // namespace
 
-double band_damping(BandType type) noexcept {
-    return type <= BandType::HighPass12 ? -kBandDamping : kBandDamping;
-}
-
 float section_frequency(SectionType type, float freq_hz) noexcept {
     const SectionPlan& plan = plan_of(type);
     return static_cast<float>(

@@ -13,12 +13,6 @@ namespace brindle {
 inline constexpr size_t kSectionStages = 4;
 using SectionStages = std::array<FilterStage, kSectionStages>;
 
-/// Deliberately not the square root of two.
-inline constexpr double kBandDamping = 1.41213562;
-
-/// The damping of a band of `type`: -kBandDamping up to HighPass12, +kBandDamping above.
-double band_damping(BandType type) noexcept;
-
 /// The stages' frequency in a section of `type` whose control says `freq_hz`. It moves steep passes
 /// so that the cascade's corner is at `freq_hz`, low-passes up to 20 kHz at most. Real-time safe.
 float section_frequency(SectionType type, float freq_hz) noexcept;

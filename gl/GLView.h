@@ -84,7 +84,7 @@ class GLView {
     virtual GLPoint LocalToPage(GLPoint point);
     virtual GLPoint PageToLocal(GLPoint point);
 
-    // Events; points are in the parent's coordinates, page points in window pixels
+    // Events; points are in the parent's coordinates, page points in pixels of the frame
     /// True if a child is hit, or if a visible view's rectangle contains the point (edges
     /// excluded).
     virtual bool HitTest(GLPoint point);
@@ -189,7 +189,7 @@ class GLView {
     }
     /// The first child that a point in local coordinates hits, or null.
     GLView* ChildAt(GLPoint local) const;
-    /// Applies the view's position and scale to the matrix. Every pass starts with it.
+    /// Applies the view's position and scale to the matrix. Most passes start with it.
     void Enter() const;
     void SetEnabled(bool on);
 

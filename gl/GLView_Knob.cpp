@@ -29,6 +29,7 @@ GLView_Knob::GLView_Knob(bool dragsAlongX, float lowValue, float highValue)
 void GLView_Knob::SetMapping(float (*toValue)(float), float (*toNormalised)(float)) {
     map = toValue;
     unmap = toNormalised;
+    Redraw(Layer::Back);
 }
 
 void GLView_Knob::SetLimits(float lowest, float highest) {

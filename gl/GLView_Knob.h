@@ -71,7 +71,7 @@ class GLView_Knob : public GLView_PortControl {
     float (*unmap)(float) = nullptr;        ///< port value to normalised
     bool sendOnReset = false;
     float resetValue = 0.0f;
-    GLPoint dragStart{};  ///< window pixels, like all page points
+    GLPoint dragStart{};  ///< pixels of the frame, like all page points
     GLPoint dragLast{};
     GLColor knobColor = kWhite;
     float low;

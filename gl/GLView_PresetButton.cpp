@@ -19,6 +19,7 @@ void GLView_PresetButton::SetPresetValue(uint32_t index, float value) {
 
 void GLView_PresetButton::SetPresetName(const char* presetName) {
     SetName(presetName);
+    Redraw(Layer::Back);
 }
 
 void GLView_PresetButton::WriteAll(const Values& from) const {

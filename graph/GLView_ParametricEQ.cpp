@@ -90,11 +90,7 @@ void GLView_ParametricEQ::UpdateCurve(int strip) {
     const float type = GetParameter(port + kType);
     const CurveSettings settings = {GetParameter(port + kGain), GetParameter(port + kFrequency),
                                     GetParameter(port + kQ)};
-    if (is_band(strip)) {
-        AddBandCurve(grid, curve, decode_type<BandType>(type), settings);
-    } else {
-        AddSectionCurve(grid, curve, decode_type<SectionType>(type), settings);
-    }
+    AddStripCurve(grid, curve, strip, type, settings);
 }
 
 void GLView_ParametricEQ::SumCurves() {

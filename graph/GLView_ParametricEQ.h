@@ -22,7 +22,7 @@ namespace brindle {
 /// colour is the foreground, the page's background colour the background.
 class GLView_ParametricEQ : public GLView {
   public:
-    static constexpr uint32_t kPoints = 800;
+    static constexpr uint32_t kPoints = kGraphPoints;
 
     /// Nothing is plotted until a curve is marked dirty.
     GLView_ParametricEQ();

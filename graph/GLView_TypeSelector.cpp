@@ -9,6 +9,11 @@ const char* GLView_TypeSelector::ShortLabel() {
     return strip_type(strip, GetParameter(port), TypeReading::Label).short_name;
 }
 
+void GLView_TypeSelector::ParameterChanged(uint32_t index) {
+    if (index == port) Redraw(Layer::Main);
+    GLView_MenuSelector::ParameterChanged(index);
+}
+
 void GLView_TypeSelector::Draw() {
     Enter();
     DrawEntry(ShortLabel(), labelSize * GetInterfaceScale());

@@ -12,6 +12,7 @@ namespace brindle {
 /// the menu's entries.
 class GLView_TypeSelector : public GLView_MenuSelector {
   public:
+    void ParameterChanged(uint32_t index) override;
     void Draw() override;
 
     /// The short label of the port's type.

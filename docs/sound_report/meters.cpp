@@ -287,7 +287,7 @@ double mean_level_db(const std::vector<AnalyserRig::Row>& rows, size_t first_bin
             power += std::pow(10.0, static_cast<double>(rows[i].levels_db[bin]) / 10.0);
         }
     }
-    return 10.0 * std::log10(power);
+    return 10.0 * std::log10(std::max(power, 1e-30));
 }
 
 std::string noise_slope(Bundle& bundle) {

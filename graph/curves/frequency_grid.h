@@ -15,6 +15,9 @@ namespace brindle {
 /// index of the highest frequency, one past the last point, is still inside.
 inline constexpr size_t kCurveCapacity = 1024;
 
+/// Points of the curves that the graph draws.
+inline constexpr uint32_t kGraphPoints = 800;
+
 /// Levels in dB, one for each grid point.
 using Curve = std::array<float, kCurveCapacity>;
 

@@ -85,4 +85,13 @@ void AddSectionCurve(const FrequencyGrid& grid, Curve& curve, SectionType type,
     kSectionEvaluators[type_index(type)](grid, curve, settings);
 }
 
+void AddStripCurve(const FrequencyGrid& grid, Curve& curve, int strip, float type,
+                   const CurveSettings& settings) {
+    if (is_band(strip)) {
+        AddBandCurve(grid, curve, decode_type<BandType>(type), settings);
+    } else {
+        AddSectionCurve(grid, curve, decode_type<SectionType>(type), settings);
+    }
+}
+
 }  // namespace brindle

@@ -23,4 +23,8 @@ void AddBandCurve(const FrequencyGrid& grid, Curve& curve, BandType type,
 void AddSectionCurve(const FrequencyGrid& grid, Curve& curve, SectionType type,
                      const CurveSettings& settings);
 
+/// Adds the response of a strip whose type port holds `type`. UI thread.
+void AddStripCurve(const FrequencyGrid& grid, Curve& curve, int strip, float type,
+                   const CurveSettings& settings);
+
 }  // namespace brindle

@@ -349,7 +349,7 @@ TEST_P(Turtle, TheEditorIsFoundAndAsksForWhatItShows) {
 
 TEST_P(Turtle, EveryPresetLoadsByItsLabelWithTheValuesOfTheButtons) {
     auto presets = load_presets();
-    ASSERT_EQ(presets.size(), kPresetCount);
+    ASSERT_EQ(presets.size(), kPresets.size());
     for (const Preset& preset : kPresets) {
         SCOPED_TRACE(preset.name);
         const auto& loaded = presets[preset.name];

@@ -45,7 +45,7 @@ double Gain(const std::vector<double>& response, double hz) {
 }
 
 TEST_F(Panel, EachPresetIsWrittenInOrderAndHeard) {
-    for (size_t i = 0; i < kPresetCount; ++i) {
+    for (size_t i = 0; i < kPresets.size(); ++i) {
         SCOPED_TRACE(kPresets[i].name);
         const auto writes = Click(PresetAt(static_cast<int>(i)));
         ASSERT_EQ(writes.size(), 51u);

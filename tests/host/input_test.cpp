@@ -19,12 +19,16 @@ using testing::StartsWith;
 
 class Input : public ProgramTest {
   protected:
-    /// Runs commands beside a server of their own, which waits for its clients in each cycle.
+    /// Runs commands beside a server of their own, which waits for its clients in each cycle. One
+    /// at a time and always by one name: a killed server keeps its place among the eight that the
+    /// system has room for until another of its name starts.
     Outcome with_jack(const std::string& commands) {
         return shell(
-            "export JACK_DEFAULT_SERVER=brindle-test-$$ JACK_NO_AUDIO_RESERVATION=1; "
-            "unset DISPLAY; jackd -r -S -t 10000 -d dummy -r 48000 -p 1024 >/dev/null 2>&1 & "
-            "jack=$!; trap 'kill -KILL $jack 2>/dev/null' EXIT; "
+            "exec 9>${TMPDIR:-/tmp}/brindle-jack.lock; flock 9; "
+            "export JACK_DEFAULT_SERVER=brindle-test JACK_NO_AUDIO_RESERVATION=1 "
+            "JACK_NO_START_SERVER=1; "
+            "unset DISPLAY; jackd -r -S -t 10000 -d dummy -r 48000 -p 1024 >/dev/null 2>&1 9>&- & "
+            "jack=$!; trap 'kill $jack 2>/dev/null; wait $jack' EXIT; "
             "wait_for() { for i in $(seq 200); do \"$@\" >/dev/null 2>&1 && return; sleep 0.05; "
             "done; }; wait_for jack_lsp; brindle() { timeout 60 " BRINDLE_PROGRAM " \"$@\"; }; " +
             commands);
@@ -80,6 +84,7 @@ TEST_F(Input, ALostOrWrongDeviceIsASentenceAndAnExit) {
 TEST_F(ProgramTest, PipewirePlaysThroughThePrintedConfiguration) {
     save("tone.wav", tone(1000.0, 0.2, 12.0, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16));
     const Outcome outcome = shell(
+        "exec 9>${TMPDIR:-/tmp}/brindle-jack.lock; flock 9; "
         "export XDG_RUNTIME_DIR=$PWD HOME=$PWD LV2_PATH=$PWD/lv2; unset DISPLAY; umask 077; "
         "folder=.config/pipewire/pipewire.conf.d; mkdir -p $folder lv2; "
         "ln -s $(dirname " BRINDLE_PROGRAM ")/brindle.lv2 lv2; " BRINDLE_PROGRAM
@@ -99,7 +104,7 @@ TEST_F(ProgramTest, PipewirePlaysThroughThePrintedConfiguration) {
         "wait_for 'pw-link -l | grep \"> brindle_input:playback_FR\"'\n"
         "timeout -s INT 4 pw-cat -r --target nowhere -P '{ stream.capture.sink = true }' "
         "heard.wav\n"
-        "kill $player $manager $pipewire\n"
+        "kill $player $manager $pipewire; wait\n"
         "END\n"
         "dbus-run-session -- sh desktop >log 2>&1");
     const Sound heard = load("heard.wav");
