@@ -96,8 +96,9 @@ EditorInstance* OpenEditor(const char* pluginUri, const char* bundlePath,
         host.resize->ui_resize(host.resize->handle, kEditorWidthPx, kEditorHeightPx);
     }
     if (host.parent == nullptr) return Fail("error: No parent window provided.\n");
-    if (widget != nullptr)
+    if (widget != nullptr) {
         *widget = std::bit_cast<LV2UI_Widget>(instance->puglView->GetNativeWindow());
+    }
     instance->puglView->SetRoot(*instance->rootView);
     instance->rootView->EditorOpened();
     return instance.release();
