@@ -233,8 +233,8 @@ void GLView_StripEqView::ShowMessage(const char* line1, const char* line2, const
 void GLView_StripEqView::CheckResources() {
     const std::string folder = resourceDirectory + "res";
     if (!textRenderer->HasLetters()) {
-        std::fprintf(stderr, "error: The editor finds no pictures and letters in %s\n",
-                     folder.c_str());
+        std::fprintf(stderr, "error: The editor finds no %sletters in %s\n",
+                     textRenderer->HasPictures() ? "" : "pictures and ", folder.c_str());
     } else if (!textRenderer->HasPictures()) {
         ShowMessage("The editor's pictures are missing. They were looked for in", "",
                     folder.c_str(), "", "Install the plugin's bundle again, with its folders.");

@@ -43,6 +43,9 @@ HostFeatures ReadFeatures(EditorInstance& instance, const LV2_Feature* const* fe
             host.options = static_cast<const LV2_Options_Option*>(data);
         }
     }
+    // A host's object without its function is of no use.
+    if (instance.map != nullptr && instance.map->map == nullptr) instance.map = nullptr;
+    if (instance.touch != nullptr && instance.touch->touch == nullptr) instance.touch = nullptr;
     return host;
 }
 

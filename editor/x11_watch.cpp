@@ -243,8 +243,10 @@ bool CanOpenWindow(Window parent) {
     if (context == nullptr) return false;
     const bool direct = glXIsDirect(display, context) != False;
     glXDestroyContext(display, context);
+    if (!direct || parent == 0) return direct;
     XWindowAttributes attributes{};
-    return direct && (parent == 0 || XGetWindowAttributes(display, parent, &attributes) != 0);
+    return XGetWindowAttributes(display, parent, &attributes) != 0 &&
+           attributes.c_class == InputOutput && XScreenNumberOfScreen(attributes.screen) == screen;
 }
 
 }  // namespace brindle

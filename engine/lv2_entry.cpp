@@ -22,11 +22,12 @@ LV2_Handle instantiate(const LV2_Descriptor* /*descriptor*/, double rate,
                        const char* /*bundle_path*/, const LV2_Feature* const* features) {
     LV2_URID_Map* map = nullptr;
     for (; (features != nullptr) && (*features != nullptr); ++features) {
-        if (std::strcmp((*features)->URI, LV2_URID__map) == 0) {
+        const char* uri = (*features)->URI;
+        if (uri != nullptr && std::strcmp(uri, LV2_URID__map) == 0) {
             map = static_cast<LV2_URID_Map*>((*features)->data);
         }
     }
-    if (map == nullptr) {
+    if (map == nullptr || map->map == nullptr) {
         std::fputs("Brindle error: Host does not support urid:map\n", stderr);
         return nullptr;
     }

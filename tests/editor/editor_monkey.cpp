@@ -71,14 +71,14 @@ class Cage {
             uint32_t share;
             void (Cage::*act)();
         };
-        constexpr Habit kHabits[] = {{8, &Cage::Drag},       {6, &Cage::Click},
-                                     {4, &Cage::Scroll},     {3, &Cage::Wander},
-                                     {1, &Cage::Type},       {1, &Cage::Resize},
-                                     {3, &Cage::ReportAny},  {2, &Cage::ReportAll},
-                                     {4, &Cage::DeliverRow}, {2, &Cage::DeliverJunk}};
+        constexpr Habit kHabits[] = {
+            {8, &Cage::Drag},        {6, &Cage::Click},      {4, &Cage::Scroll},
+            {3, &Cage::Wander},      {1, &Cage::Type},       {1, &Cage::Resize},
+            {1, &Cage::HideAndShow}, {3, &Cage::ReportAny},  {2, &Cage::ReportAll},
+            {4, &Cage::DeliverRow},  {2, &Cage::DeliverJunk}};
         if (width != kWidth && random.one_in(3)) Resize();
         if (random.one_in(2)) ReleaseStuck();
-        uint32_t draw = random.below(34);
+        uint32_t draw = random.below(35);
         for (const Habit& habit : kHabits) {
             if (draw < habit.share) {
                 (this->*habit.act)();
@@ -201,6 +201,13 @@ class Cage {
         width = isOdd ? kWidth : random.pick(sizes)[0];
         height = isOdd ? kHeight : random.pick(sizes)[1];
         host.window.Resize(width, height);
+    }
+    /// The editor's window or its parent, which the host may hide while a button is down.
+    void HideAndShow() {
+        const uintptr_t hidden = random.one_in(2) ? host.child : host.window.GetId();
+        host.window.Hide(hidden);
+        if (random.one_in(2)) Idle();
+        host.window.Show(hidden);
     }
 
     // Actions on the ports

@@ -162,10 +162,10 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
 
     // As Carla does if it prefers bridges.
     host.hasTouch = true;
-    host.hasFeatureData = false;
+    host.hasTouchData = false;
     EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(host.Open()); }).err,
                 "error: Required touch interface extension is not available.\n");
-    host.hasFeatureData = true;
+    host.hasTouchData = true;
     host.Report(kTrimPort, 1.0f);
     EXPECT_EQ(host.Idle(), 0);
     BuiltEditor()->cleanup(nullptr);
@@ -184,9 +184,42 @@ TEST(Editor, RefusesHostsThatLackWhatItNeeds) {
     EXPECT_TRUE(host.Open());
 
     UiHost orphan(BuiltEditor());
+    const auto refuses = [&] {
+        EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(orphan.Open()); }).err,
+                    testing::EndsWith("error: No window with OpenGL can be opened.\n"));
+    };
+    orphan.parent = orphan.window.MakeInvisibleChild();
+    refuses();
+    orphan.parent = 0;
     orphan.window.Destroy();
-    EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(orphan.Open()); }).err,
-                testing::StartsWith("error: "));
+    refuses();
+}
+
+TEST(Editor, IgnoresNullPointersOfTheHost) {
+    HostWindow window;
+    window.Sync();
+    LV2_URID_Map map{};
+    LV2UI_Touch touch{};
+    LV2UI_Resize resize{};
+    const LV2_Feature unknown = {nullptr, nullptr};
+    const LV2_Feature parent = {LV2_UI__parent, reinterpret_cast<void*>(window.GetId())};
+    const LV2_Feature mapFeature = {LV2_URID__map, &map};
+    const LV2_Feature touchFeature = {LV2_UI__touch, &touch};
+    const LV2_Feature resizeFeature = {LV2_UI__resize, &resize};
+    const LV2_Feature* features[] = {&unknown,      &parent,        &mapFeature,
+                                     &touchFeature, &resizeFeature, nullptr};
+    const auto write = [](LV2UI_Controller, uint32_t, uint32_t, uint32_t, const void*) {};
+    const auto open = [&] {
+        return BuiltEditor()->instantiate(BuiltEditor(), nullptr, nullptr, write, nullptr, nullptr,
+                                          features);
+    };
+    EXPECT_EQ(open(), nullptr) << "touches cannot be told";
+    touch.touch = [](LV2UI_Feature_Handle, uint32_t, bool) {};
+    LV2UI_Handle handle = open();
+    ASSERT_NE(handle, nullptr);
+    BuiltEditor()->port_event(handle, kTrimPort, sizeof(float), 0, nullptr);
+    EXPECT_EQ(BuiltEditor()->extension_data(nullptr), nullptr);
+    BuiltEditor()->cleanup(handle);
 }
 
 /// Everything that identifies the current GL context.
@@ -205,11 +238,14 @@ struct GlxContext {
         const Window root = DefaultRootWindow(display);
         XSetWindowAttributes attributes{};
         attributes.colormap = XCreateColormap(display, root, visual->visual, AllocNone);
-        const Window window = XCreateWindow(display, root, 0, 0, 10, 10, 0, visual->depth,
-                                            InputOutput, visual->visual, CWColormap, &attributes);
+        std::array<Window, 2> windows{};  // drawn to, and read from
+        for (Window& window : windows) {
+            window = XCreateWindow(display, root, 0, 0, 10, 10, 0, visual->depth, InputOutput,
+                                   visual->visual, CWColormap, &attributes);
+        }
         GLXContext context = glXCreateContext(display, visual, nullptr, True);
         XFree(visual);
-        glXMakeCurrent(display, window, context);
+        glXMakeContextCurrent(display, windows[0], windows[1], context);
     }
     ~GlxContext() {
         GLXContext context = glXGetCurrentContext();
@@ -236,6 +272,11 @@ TEST(Editor, LeavesTheHostsGlContextCurrent) {
         EXPECT_NE(host.GetPixel(20, 20), 0u);
         host.Close();
         EXPECT_EQ(CurrentContext(), before) << "closed";
+        ASSERT_TRUE(host.Open());
+        host.window.Destroy();
+        host.IdleTimes(2);
+        host.Close();
+        EXPECT_EQ(CurrentContext(), before) << "closed after its parent";
     };
     use("no context");
     {
@@ -454,6 +495,15 @@ TEST(Editor, ForgetsWhatWasPointedAtWhenThePointerLeaves) {
     const auto pointed = strips();
     host.window.Grab();
     EXPECT_TRUE(strips() == pointed);
+    // The grab may end over a control that the pointer was not over before.
+    host.window.Ungrab();
+    host.window.MovePointer(-10, -10);
+    EXPECT_TRUE(picture() == untouched);
+    host.window.Grab();
+    host.window.MovePointer(124, 470);
+    host.window.Ungrab();
+    host.window.MovePointer(124, 471);
+    EXPECT_TRUE(strips() == pointed);
 }
 
 TEST(Editor, LetsGoOfWhatIsHeldWhereItIsHidden) {
@@ -491,6 +541,12 @@ TEST(Editor, LetsGoOfWhatIsHeldWhereItIsHidden) {
     host.window.Show(host.child);
     host.IdleTimes(1);
     EXPECT_EQ(host.window.GetPixels(host.child, 1000, 600), before);
+
+    HoldTrim(host);
+    host.window.Destroy();
+    host.IdleTimes(2);
+    EXPECT_THAT(host.touches, ElementsAre(Pair(kTrimPort, false)));
+    host.window.Release();
 }
 
 /// A bundle's folder with only the requested pictures and letters.

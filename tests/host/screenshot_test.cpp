@@ -123,5 +123,13 @@ TEST_F(ScreenshotTest, OtherSizesAndPresets) {
     EXPECT_NE(start.at(1490, 890), 0u);  // drawn to the last corner
 }
 
+TEST_F(ScreenshotTest, ABrokenDriverIsASentence) {
+    const Outcome outcome =
+        brindle("screenshot picture.png", "unset DISPLAY; export LIBGL_DRIVERS_PATH=/nonexistent");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "brindle: the editor cannot be opened on this display.\n");
+    EXPECT_THAT(files(), testing::IsEmpty());
+}
+
 }  // namespace
 }  // namespace brindle::test

@@ -71,6 +71,13 @@ class HostWindow {
         XResizeWindow(display, window, static_cast<unsigned>(width), static_cast<unsigned>(height));
         Sync();
     }
+    /// A window that takes input but shows nothing.
+    uintptr_t MakeInvisibleChild() {
+        const Window child =
+            XCreateWindow(display, id, 0, 0, 10, 10, 0, 0, InputOnly, nullptr, 0, nullptr);
+        Sync();
+        return child;
+    }
     void Destroy() {
         XDestroyWindow(display, id);
         Sync();
@@ -94,6 +101,10 @@ class HostWindow {
     void Grab() {
         XGrabPointer(display, id, False, ButtonPressMask, GrabModeAsync, GrabModeAsync, None, None,
                      CurrentTime);
+        Sync();
+    }
+    void Ungrab() {
+        XUngrabPointer(display, CurrentTime);
         Sync();
     }
     void Press(unsigned button = 1) { Button(button, True); }

@@ -9,7 +9,6 @@
 #include <lv2/ui/ui.h>
 
 #include <cstring>
-#include <deque>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -58,10 +57,11 @@ class UiHost {
     bool hasMap = true;
     bool hasParent = true;
     bool hasTouch = true;
-    bool hasFeatureData = true;  ///< without it, features have null data
+    bool hasTouchData = true;  ///< without it, the touch feature has null data
     bool hasResize = true;
     bool hasOptions = true;
     bool failsWrites = false;  ///< its write function throws
+    uintptr_t parent = 0;      ///< 0: the host's own window
 
     template <typename Value>
     void AddOption(const char* key, const char* type, Value value, bool ofInstance = true) {
@@ -78,18 +78,19 @@ class UiHost {
     bool Open(const char* bundle = BRINDLE_BUNDLE) {
         for (size_t i = 0; i < options.size(); ++i) options[i].value = values[i].data();
         options.push_back({});
-        const LV2_Feature parent = {LV2_UI__parent, reinterpret_cast<void*>(window.GetId())};
-        const LV2_Feature touchFeature = {LV2_UI__touch, &touch};
+        const LV2_Feature parentFeature = {
+            LV2_UI__parent, reinterpret_cast<void*>(parent != 0 ? parent : window.GetId())};
+        const LV2_Feature touchFeature = {LV2_UI__touch, hasTouchData ? &touch : nullptr};
         const LV2_Feature resizeFeature = {LV2_UI__resize, &resize};
         const LV2_Feature optionsFeature = {LV2_OPTIONS__options, options.data()};
         const LV2_Feature idle = {LV2_UI__idleInterface, nullptr};
         std::vector<const LV2_Feature*> features = {&idle};
         const auto offer = [&](bool has, const LV2_Feature* feature) {
-            if (has) features.push_back(hasFeatureData ? feature : WithoutData(*feature));
+            if (has) features.push_back(feature);
         };
         offer(hasOptions, &optionsFeature);
         offer(hasResize, &resizeFeature);
-        offer(hasParent, &parent);
+        offer(hasParent, &parentFeature);
         offer(hasMap, map.feature());
         offer(hasTouch, &touchFeature);
         features.push_back(nullptr);
@@ -147,15 +148,11 @@ class UiHost {
         const auto* bytes = static_cast<const uint8_t*>(buffer);
         Of(self).writes.push_back({port, protocol, {bytes, bytes + size}});
     }
-    const LV2_Feature* WithoutData(const LV2_Feature& feature) {
-        return &empty.emplace_back(LV2_Feature{feature.URI, nullptr});
-    }
     uint8_t* AddValue() { return values.emplace_back().data(); }
 
     const LV2UI_Descriptor* descriptor;
     std::vector<LV2_Options_Option> options;
     std::vector<std::array<uint8_t, 8>> values;
-    std::deque<LV2_Feature> empty;
     LV2UI_Touch touch = {
         this, [](void* self, uint32_t port, bool on) { Of(self).touches.emplace_back(port, on); }};
     LV2UI_Resize resize = {this, [](void* self, int width, int height) {
