@@ -11,8 +11,9 @@ namespace brindle {
 namespace {
 
 constexpr GLColor kDisplayColor{0.05f, 0.055f, 0.06f};
-constexpr GLColor kKeyColor{0.25f, 0.255f, 0.26f};
+constexpr GLColor kKeyColor{0.215f, 0.22f, 0.225f};
 constexpr GLColor kKeyDownColor{0.13f, 0.132f, 0.135f};
+constexpr GLColor kLitColor{0.5f, 0.9f, 0.65f};
 constexpr GLColor kPopupColor{0.115f, 0.12f, 0.125f};
 constexpr GLColor kIdleColor{0.36f, 0.36f, 0.36f};
 /// Thickness of outlines in design points: slightly more than one pixel at the design size, where
@@ -111,6 +112,13 @@ void DrawKey(const Look& look, float hw, float hh) {
         kEdgeColor.ApplyFaded(look.enabled ? 0.5f : 0.2f);
         DrawOutline(look, hw, hh);
     }
+}
+
+void DrawLitKey(const Look& look, float hw, float hh) {
+    kLitColor.ApplyFaded(0.18f);
+    Fill(look, hw, hh);
+    kLitColor.ApplyFaded(0.9f);
+    DrawOutline(look, hw, hh);
 }
 
 void DrawPopup(const Look& look, float hw, float hh) {

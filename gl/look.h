@@ -44,6 +44,8 @@ GLColor Lightened(const GLColor& color, float share);
 void DrawDisplay(const Look& look, float hw, float hh);
 /// A key: raised from the panel, pressed in while it is held, flush and dull without effect.
 void DrawKey(const Look& look, float hw, float hh);
+/// The light of a key whose values are set; draw it over the key.
+void DrawLitKey(const Look& look, float hw, float hh);
 /// The background of a popup.
 void DrawPopup(const Look& look, float hw, float hh);
 /// The outline of a hovered or held control; drawn on top, in the front pass.

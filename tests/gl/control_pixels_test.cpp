@@ -178,6 +178,23 @@ TEST_F(ControlPixels, TextsTellWhatIsOnAndWhatIsChosen) {
     EXPECT_GT(extremes(selector).second, 450);
     page.parameters[5] = 2.0f;  // no entry has this value
     EXPECT_LT(extremes(selector).second, 300);
+
+    GLView_PresetButton preset;
+    preset.SetSize(60.0f, 30.0f);
+    preset.parent = &page;
+    preset.SetPresetValue(5, 2.0f);
+    preset.SetPresetValue(7, 0.3f);
+    const auto lit_by = [&](uint32_t port, float value) {
+        page.parameters[port] = value;
+        preset.ParameterChanged(port);
+        Show(preset);
+        const Pixel rim = context.At(0.0f, 14.5f);
+        return rim.green > rim.red + 40;
+    };
+    EXPECT_FALSE(lit_by(5, 2.0f));
+    EXPECT_TRUE(lit_by(7, 0.3000002f));  // as a host that rounds reports it
+    EXPECT_TRUE(lit_by(6, 1.0f));        // not part of the preset
+    EXPECT_FALSE(lit_by(5, 2.1f));
 }
 
 TEST_F(ControlPixels, RoundKnobPointsFromLowerLeftOverTheTopToLowerRight) {
