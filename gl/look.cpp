@@ -133,11 +133,15 @@ void DrawPopup(const Look& look, float hw, float hh) {
 }
 
 void DrawOutline(const Look& look, float hw, float hh) {
+    DrawOutline(look, hw, hh, kOutline * look.s);
+}
+
+void DrawOutline(const Look& look, float hw, float hh, float thickness) {
     if (!look.boxy) {
-        DrawRoundFrame(look.resources, hw, hh, look.Corner(hh));  // a quarter of the corner thick
+        DrawRoundFrame(look.resources, hw, hh, std::min(hh, 4.0f * thickness));
         return;
     }
-    const float half = 0.5f * kOutline * look.s;
+    const float half = 0.5f * thickness;
     RectAt(0.0f, hh - half, hw, half);
     RectAt(0.0f, half - hh, hw, half);
     RectAt(half - hw, 0.0f, half, hh - 2.0f * half);

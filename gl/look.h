@@ -50,8 +50,10 @@ void DrawLitKey(const Look& look, float hw, float hh);
 void DrawPopup(const Look& look, float hw, float hh);
 /// The outline of a hovered or held control; drawn on top, in the front pass.
 void DrawStateOutline(const Look& look, float hw, float hh);
-/// The outline of a part in the current colour, visible on each side at the design size.
+/// The outline of a part in the current colour, visible on each side at the design size, or with a
+/// thickness in page units; a round corner's size is four times the thickness.
 void DrawOutline(const Look& look, float hw, float hh);
+void DrawOutline(const Look& look, float hw, float hh, float thickness);
 
 /// A value on a horizontal track, normalised: 0 at the left end, 1 at the right.
 struct TrackValue {
