@@ -245,6 +245,8 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
         host.window.ResizeWindow(host.child, width = newWidth, height = newHeight);
         host.IdleTimes(5);
         before = shown_in_parts();
+        Report(band_port(2) + kType, static_cast<float>(width % 6));
+        EXPECT_TRUE(shown_in_parts() != before);
     }
     themeFlat = true;  // as another editor of the process may set it
     EXPECT_TRUE(shown_in_parts() != before);
