@@ -19,14 +19,14 @@ namespace {
 
 // In points, from the strip's upper or lower edge or its middle.
 constexpr float kToggleBelowTop = 16.0f;
-constexpr float kToggleWidth = 48.0f;
-constexpr float kToggleHeight = 20.0f;
+constexpr float kToggleWidth = 72.0f;
+constexpr float kToggleHeight = 26.0f;
 constexpr float kSelectorAboveBottom = 8.0f;
 constexpr float kSelectorWidth = 75.0f;
-constexpr float kSelectorHeight = 22.0f;
+constexpr float kSelectorHeight = 20.0f;
 constexpr float kKnobWidth = 48.0f;
 constexpr float kKnobHeight = 22.0f;
-constexpr float kKnobLabelSize = 7.0f;
+constexpr float kKnobLabelSize = 7.5f;
 
 struct KnobPlan {
     Control control;

@@ -10,7 +10,7 @@
 namespace brindle {
 namespace {
 
-constexpr GLColor kBoxColor{0.145f, 0.148f, 0.152f};
+constexpr GLColor kBoxColor{0.078f, 0.08f, 0.084f};
 constexpr GLColor kEdgeColor = kGrey60;
 
 }  // namespace

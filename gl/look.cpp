@@ -73,7 +73,18 @@ GLColor Look::Accent(const GLColor& color) const {
 }
 
 float Look::TextAlpha() const {
-    return enabled || captured ? 0.8f : 0.45f;
+    return enabled || captured ? 0.8f : 0.65f;
+}
+
+float Luminance(const GLColor& color) {
+    // A square is close enough to the curve of screens.
+    return 0.2126f * color.red * color.red + 0.7152f * color.green * color.green +
+           0.0722f * color.blue * color.blue;
+}
+
+const GLColor& InkOn(const GLColor& ground) {
+    constexpr float kEqualContrast = 0.18f;
+    return Luminance(ground) > kEqualContrast ? kBlack : kWhite;
 }
 
 GLColor Lightened(const GLColor& color, float share) {

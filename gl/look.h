@@ -37,6 +37,10 @@ struct Look {
     float TextAlpha() const;
 };
 
+/// How bright a colour is on a screen: 0 for black, 1 for white.
+float Luminance(const GLColor& color);
+/// Black or white, whichever stands out more from a ground.
+const GLColor& InkOn(const GLColor& ground);
 /// A colour whose components are moved towards white by `share`, 0 to 1.
 GLColor Lightened(const GLColor& color, float share);
 
