@@ -2,12 +2,16 @@
 // Opening and frames of the editor with software GL. Run it by tests/support/with_display.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
+#include <lv2/atom/util.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
+#include <thread>
 
-#include "editor/GLView_BaseView.h"
+#include "editor/GLView_StripEqView.h"
+#include "editor/editor_instance.h"
 #include "editor/pugl_window.h"
 #include "gl/settings.h"
 #include "tests/support/ui_host.h"
@@ -18,6 +22,11 @@ namespace {
 LV2UI_DescriptorFunction Entry() {
     void* library = dlopen(BRINDLE_BUNDLE "brindle.so", RTLD_NOW | RTLD_LOCAL);
     return reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(library, "lv2ui_descriptor"));
+}
+
+/// The panel of the loaded library; only its data can be reached.
+GLView_BaseView& Root(const test::UiHost& host) {
+    return *static_cast<EditorInstance*>(host.handle)->rootView;
 }
 
 /// From instantiate until the first frame is on the screen, and the shares of window and context,
@@ -39,10 +48,13 @@ void BM_OpenToFirstFrame(benchmark::State& state) {
         timed(first_ms, [&host] { host.Idle(); });
         state.PauseTiming();
         timed(layers_ms, [&host] {
-            host.Report(0, 1.0f);  // a port that the panel does not know redraws everything
+            Root(host).redrawNeeded = true;
             host.Idle();
         });
-        timed(frame_ms, [&host] { host.Idle(); });
+        timed(frame_ms, [&host] {
+            host.Report(kMeterInPort, 0.5f);
+            host.Idle();
+        });
         host.Close();
         state.ResumeTiming();
     }
@@ -75,7 +87,7 @@ BENCHMARK(BM_Frame)->ArgName("dirty")->Arg(0)->Arg(1)->Unit(benchmark::kMillisec
 
 /// A frame of the whole panel at 1000 x 600 with moving meters, until the X server shows it. The
 /// argument says what else changes: nothing (0), a gain (1), a band's switch (2), all switches and
-/// gains, as by a preset (3), or a port that the panel does not know, which redraws everything (4).
+/// gains, as by a preset (3), or everything (4).
 void BM_PanelFrame(benchmark::State& state) {
     test::UiHost host(Entry()(0));
     host.Open();
@@ -98,7 +110,7 @@ void BM_PanelFrame(benchmark::State& state) {
                 host.Report(port + kGain, 0.1f * static_cast<float>(frame % 100));
             }
         } else if (state.range(0) == 4) {
-            host.Report(0, static_cast<float>(frame));
+            Root(host).redrawNeeded = true;
         }
         host.Idle();
         host.GetPixel(0, 0);
@@ -110,6 +122,43 @@ BENCHMARK(BM_PanelFrame)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
+
+/// A host's timer tick in an open editor in which nothing moves: processor time of all threads. The
+/// argument says whether the engine runs silence through meanwhile and its rows and meters arrive.
+void BM_Still(benchmark::State& state) {
+    constexpr auto kTick = std::chrono::milliseconds(33);
+    constexpr double kRate = 48000.0;
+    test::PluginHost plugin(1, kRate);
+    test::UiHost host(Entry()(0), &plugin.map());
+    host.Open();
+    host.Report(kTrimPort, 0.0f);
+    host.IdleTimes(5);
+    plugin.send_request(kEnableUiUri);
+    const test::Audio silence(1, std::vector<float>(static_cast<size_t>(kRate * 0.033)));
+    for ([[maybe_unused]] auto _ : state) {
+        if (state.range(0) != 0) plugin.process(silence, 4096);
+        std::this_thread::sleep_for(kTick);
+        const std::clock_t begin = std::clock();
+        if (state.range(0) != 0) {
+            LV2_ATOM_SEQUENCE_FOREACH(reinterpret_cast<LV2_Atom_Sequence*>(plugin.notify.data()),
+                                      event) {
+                host.Deliver(kNotifyPort, host.map(LV2_ATOM__eventTransfer), &event->body,
+                             lv2_atom_total_size(&event->body));
+            }
+            for (const uint32_t meter : {kMeterInPort, kMeterOutPort}) {
+                host.Report(meter, plugin.port(meter));
+            }
+        }
+        host.Idle();
+        state.SetIterationTime(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
+    }
+}
+BENCHMARK(BM_Still)
+    ->ArgName("silence")
+    ->DenseRange(0, 1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime()
+    ->Iterations(150);
 
 }  // namespace
 }  // namespace brindle

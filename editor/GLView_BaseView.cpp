@@ -232,8 +232,9 @@ LayerArea GLView_BaseView::ToLayer(const GLRect& area) const {
 }
 
 void GLView_BaseView::RedrawArea(const GLRect& area, Layer layer) {
-    // The front pass draws the whole front layer in every frame.
-    if (layer != Layer::Front && parameterIsNews_) layers.Mark(layer, ToLayer(area));
+    if (!parameterIsNews_) return;
+    frontStale_ = true;  // the front pass draws the whole front layer in every frame
+    if (layer != Layer::Front) layers.Mark(layer, ToLayer(area));
 }
 
 bool GLView_BaseView::IsDrawn(const GLRect& area) {
@@ -262,6 +263,20 @@ void GLView_BaseView::SetProjection() const {
     glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE);
 }
 
+GLView_BaseView::Shown GLView_BaseView::WouldShow() {
+    return {{GetBackgroundColor(), GetContrastColor(), IsBoxy(), IsFlat()},
+            focusView,
+            modalDialog,
+            infoTitle,
+            infoText};
+}
+
+bool GLView_BaseView::IsFrameDue() {
+    if (textRenderer == nullptr) return true;
+    PreDraw();
+    return frontStale_ || IsStale() || IsResized() || !(WouldShow() == shown_);
+}
+
 void GLView_BaseView::RenderFrame() {
     if (textRenderer == nullptr) {
         textRenderer = std::make_unique<GLResources>(GetInterfaceScale());
@@ -269,11 +284,14 @@ void GLView_BaseView::RenderFrame() {
         redrawNeeded = true;
     }
     PreDraw();
-    const Looks looks = {GetBackgroundColor(), GetContrastColor(), IsBoxy(), IsFlat()};
-    if (redrawNeeded || !(looks == drawnLooks_)) layers.Mark(Layer::Back, ToLayer(Bounds()));
-    drawnLooks_ = looks;
+    Shown shows = WouldShow();
+    const bool looksChange = !(shows.looks == shown_.looks);
+    if (redrawNeeded || looksChange) layers.Mark(Layer::Back, ToLayer(Bounds()));
+    shown_ = std::move(shows);
+    // Some drivers notice a new size only when a frame has been shown.
+    frontStale_ = IsResized();
     // The layers have a fixed size: a resized window only needs another scaled copy.
-    if (layerWidth != windowWidth || layerHeight != windowHeight) {
+    if (IsResized()) {
         layerWidth = windowWidth;
         layerHeight = windowHeight;
         UpdateLetterbox();

@@ -5,6 +5,7 @@
 #include <bitset>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "editor/frame_layers.h"
 #include "gl/GLResources.h"
@@ -14,7 +15,8 @@ namespace brindle {
 
 /// The root of the editor's tree: routes window events to views, implements the page services and
 /// renders frames. Moving parts are drawn over a picture of the static ones. The picture is redrawn
-/// where views ask for it, and as a whole if `redrawNeeded` is set.
+/// where views ask for it, and as a whole if `redrawNeeded` is set. A frame is due when a view has
+/// asked for it, or when roles, help texts, looks or the window's size have changed.
 ///
 /// Window pixels count from the window's top left corner, frame pixels from that of the letterboxed
 /// frame; the tree's y points upwards. Events are ignored until the first frame. UI thread.
@@ -39,6 +41,8 @@ class GLView_BaseView : public GLView {
     void SpecialKey(bool press, uint32_t code);
     /// Renders a frame into the window of the current GL context and leaves the window bound.
     void RenderFrame();
+    /// Whether a frame would differ from the last one.
+    bool IsFrameDue();
     void SetSampleRate(float rate);
     /// Whether the next frame redraws more than the moving parts.
     bool IsStale() const { return redrawNeeded || layers.IsStale(); }
@@ -135,17 +139,29 @@ class GLView_BaseView : public GLView {
         bool flat = false;
         bool operator==(const Looks&) const = default;
     };
+    /// What a frame shows besides the layers and what views ask for. The views are only compared.
+    struct Shown {
+        Looks looks;
+        const GLView* selected = nullptr;
+        const GLView* dialog = nullptr;
+        std::string title;  ///< help texts
+        std::string text;
+        bool operator==(const Shown&) const = default;
+    };
 
     LayerArea ToLayer(const GLRect& area) const;
     GLPoint PixelToTree(GLPoint framePixel);
     void ClearInfo();
     GLRect Bounds() const { return {viewLeft, viewBottom, viewRight, viewTop}; }
     void UpdateLetterbox();
+    Shown WouldShow();
+    bool IsResized() const { return layerWidth != windowWidth || layerHeight != windowHeight; }
     void UpdateLayers();
     void SetProjection() const;
     void DrawOverlay();
 
-    Looks drawnLooks_;             ///< of the layers as last drawn
+    Shown shown_;                  ///< by the last frame
+    bool frontStale_ = false;      ///< a view asks for another frame
     std::bitset<128> known_;       ///< parameters that have been set
     bool parameterIsNews_ = true;  ///< false while an unchanged value is reported
 };

@@ -4,13 +4,14 @@
 namespace brindle {
 
 /// Runs code that C callers have called: hosts, Pugl and Xlib cannot handle exceptions. An action
-/// that throws is abandoned at that point.
+/// that throws is abandoned at that point. False if it has thrown.
 template <typename Action>
-void Contain(Action action) noexcept {
+bool Contain(Action action) noexcept {
     try {
         action();
+        return true;
     } catch (...) {
-        // Usually out of memory; there is no one to report it to.
+        return false;  // usually out of memory; there is no one to report it to
     }
 }
 

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "editor/GLView_BaseView.h"
 #include "editor/contain.h"
@@ -49,6 +50,7 @@ struct PuglWindow::Impl {
     std::unique_ptr<X11Watch> watch;  ///< null until the first callback
     GLView_BaseView* root = nullptr;
     WindowSize reported;
+    bool frameRequested = false;
     float pointerX = 0.0f;  ///< its last reported position
     float pointerY = 0.0f;
 
@@ -75,6 +77,20 @@ struct PuglWindow::Impl {
     void EndHold() {
         if (!IsHeld()) return;
         Contain([&] { root->MouseButton(root->GetPressedButton(), false, pointerX, pointerY); });
+    }
+
+    void Dispatch() {
+        const HostContext hostContext;
+        puglProcessEvents(view);
+    }
+
+    /// Requests a frame of Pugl if one has been requested of the window and would differ.
+    bool PassRequestOn() {
+        if (!std::exchange(frameRequested, false)) return false;
+        bool isDue = false;
+        Contain([&] { isDue = root->IsFrameDue(); });
+        if (isDue) puglPostRedisplay(view);
+        return isDue;
     }
 
     uint32_t GetModifiers() const { return static_cast<uint32_t>(puglGetModifiers(view)); }
@@ -104,10 +120,11 @@ struct PuglWindow::Impl {
     static void OnDisplay(PuglView* view) {
         Impl& impl = Of(view);
         impl.ReportSize();
-        Contain([&] {
+        const bool isShown = Contain([&] {
             const std::lock_guard lock(drawMutex);
             impl.root->RenderFrame();
         });
+        if (!isShown) impl.root->redrawNeeded = true;
     }
 
     static void OnMotion(PuglView* view, int x, int y) {
@@ -207,23 +224,23 @@ uintptr_t PuglWindow::GetNativeWindow() const {
 }
 
 void PuglWindow::ProcessEvents() {
-    const HostContext hostContext;
-    impl_->watch->ReadAhead();
+    const bool hasEvents = impl_->watch->ReadAhead();
     if (impl_->watch->IsGone()) {
         if (impl_->IsHeld()) impl_->EndHold();
         return;
     }
     impl_->watch->FollowParent();
     impl_->ReportSize();
-    puglProcessEvents(impl_->view);
+    if (hasEvents) impl_->Dispatch();
     impl_->watch->PassKeysOn();
     // A hidden window gets no release.
     if (impl_->IsHeld() && !impl_->watch->IsShown()) impl_->EndHold();
     if (impl_->watch->HasLeft() && !impl_->IsHeld()) impl_->root->PointerLeft();
+    if (impl_->PassRequestOn()) impl_->Dispatch();
 }
 
 void PuglWindow::PostRedisplay() {
-    puglPostRedisplay(impl_->view);
+    impl_->frameRequested = true;
 }
 
 bool PuglWindow::MakeCurrent() {

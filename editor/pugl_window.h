@@ -35,7 +35,8 @@ class PuglWindow {
     /// Dispatches all pending events, then draws if a frame was requested. Keys are passed on to
     /// the parent window. Does nothing once the window is destroyed with its parent.
     void ProcessEvents();
-    /// Requests a frame at the end of the next `ProcessEvents`.
+    /// Requests a frame at the end of the next `ProcessEvents`. It is drawn if it differs from the
+    /// last one; a window that is exposed is drawn in any case.
     void PostRedisplay();
 
     /// Makes the window's GL context current, for GL calls outside of a frame. False if the window

@@ -167,8 +167,8 @@ void X11Watch::RecordOwnSize(WindowSize newSize) {
     }
 }
 
-void X11Watch::ReadAhead() {
-    XPending(display_);
+bool X11Watch::ReadAhead() {
+    return XPending(display_) > 0;
 }
 
 InputEvent X11Watch::Pop(int type) {

@@ -33,8 +33,9 @@ class X11Watch {
     X11Watch(const X11Watch&) = delete;
     X11Watch& operator=(const X11Watch&) = delete;
 
-    /// Reads everything that the server has sent; all events stay in the queue.
-    void ReadAhead();
+    /// Reads everything that the server has sent; all events stay in the queue. False if it is
+    /// empty.
+    bool ReadAhead();
     /// The oldest input of a type (ButtonPress, ButtonRelease, MotionNotify, KeyPress or
     /// KeyRelease); discards the ones before it. If there is none: the last input again.
     InputEvent Pop(int type);

@@ -246,7 +246,6 @@ void GLView::ReleaseAll() {
 
 void GLView::SetHover(bool on) {
     ChangeRole(this, on, &GLView::GetHoverView, &GLView::SetHover, &GLView::SetHoverView);
-    Redraw(Layer::Front);
 }
 
 void GLView::SetCaptured(bool on) {
@@ -256,7 +255,6 @@ void GLView::SetCaptured(bool on) {
 
 void GLView::SetSelected(bool on) {
     ChangeRole(this, on, &GLView::GetSelectedView, &GLView::SetSelected, &GLView::SetSelectedView);
-    Redraw(Layer::Front);
 }
 
 void GLView::SetVisible(bool on) {

@@ -69,7 +69,7 @@ class GLView {
     virtual void Close();
 
     // Drawing
-    virtual void PreDraw() {}   ///< before each frame, on the page
+    virtual void PreDraw() {}   ///< before it is decided whether a frame is due, on the page
     virtual void PrePress() {}  ///< before each press is routed, on the page
     /// The three passes. Each runs over the whole tree before the next one starts. A pass applies
     /// the view's translation and scale, then draws the children. The caller saves the matrix.
@@ -162,7 +162,8 @@ class GLView {
     virtual void LocalToParent(GLPoint& point);
 
     // Redrawing. A view asks for it when its picture changes: when its value is reported, when it
-    // is held, hovered or enabled, or when its look changes.
+    // is held or enabled, or when its look changes. A part that moves by itself asks for the next
+    // frame while it is drawn. The page itself sees which view is selected, and its help texts.
     /// Asks the page to redraw this view in a layer and all layers above. Does nothing without a
     /// page.
     void Redraw(Layer layer);

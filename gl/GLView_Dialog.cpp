@@ -28,7 +28,7 @@ void GLView_Dialog::DrawBack() {}
 void GLView_Dialog::Draw() {
     const Look look(*this);
     Enter();
-    slide.Apply();
+    if (slide.Apply() >= 0.0f) Redraw(Layer::Front);
     DrawPopup(look, hw, hh);
     DrawChildrenBack();
     DrawChildren();

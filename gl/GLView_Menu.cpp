@@ -29,6 +29,7 @@ void GLView_Menu::AddItem(uint32_t port, float value, const char* text) {
     item.SetLabel(text);
     item.SetPosition(0.0f, itemOffset);
     itemOffset += height;
+    ports_.push_back(port);
 }
 
 void GLView_Menu::PlaceAt(GLPoint pagePoint) {
@@ -42,11 +43,7 @@ void GLView_Menu::PlaceAt(GLPoint pagePoint) {
 }
 
 bool GLView_Menu::HasPort(uint32_t port) const {
-    for (GLView* child = firstChild; child != nullptr; child = child->nextSibling) {
-        const auto* item = dynamic_cast<const GLView_Menu_Item*>(child);
-        if (item != nullptr && item->port == port) return true;
-    }
-    return false;
+    return std::ranges::find(ports_, port) != ports_.end();
 }
 
 GLView_Menu_Item* GLView_Menu::PresentItem() {
@@ -65,7 +62,8 @@ bool GLView_Menu::HitTest(GLPoint point) {
 void GLView_Menu::Draw() {
     constexpr float kDarkest = 0.6f;
     constexpr float kFadeStep = 0.02f;
-    if (fade < kDarkest) fade = std::min(fade + kFadeStep, kDarkest);
+    fade = std::min(fade + kFadeStep, kDarkest);
+    if (fade < kDarkest) Redraw(Layer::Front);
     const Look look(*this);
     DimPage(fade);
     Enter();

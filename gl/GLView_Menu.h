@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "gl/GLView_Dialog.h"
 #include "gl/GLView_Menu_Item.h"
@@ -29,6 +30,9 @@ class GLView_Menu : public GLView_Dialog {
 
     float fade = 0.0f;        ///< how much the page is darkened, 0 to 0.6
     float itemOffset = 0.0f;  ///< y of the next entry
+
+  private:
+    std::vector<uint32_t> ports_;  ///< of the entries
 };
 
 }  // namespace brindle

@@ -59,8 +59,10 @@ void GLView_ParametricEQ::SelectHandle(int32_t handle) {
 }
 
 void GLView_ParametricEQ::AddSpectrumRow(int32_t row, const float* levels_db) {
-    std::copy_n(levels_db, kPlotBins, spectrum.rows[static_cast<size_t>(row)].begin());
-    spectrum.newest = row;
+    spectrum.Add(row, levels_db);
+    const SpectrumImage image = MakeSpectrumImage(spectrum);
+    if (image == spectrumImage_) return;  // like the rows before, as in silence
+    spectrumImage_ = image;
     Redraw(Layer::Front);
 }
 
@@ -153,7 +155,7 @@ GLRect GLView_ParametricEQ::DrawnArea() {
 
 void GLView_ParametricEQ::DrawFront() {
     glTranslatef(x, y, 0.0f);
-    DrawSpectrum(spectrum, Look());
+    DrawSpectrum(spectrumImage_, Look());
     DrawChildrenFront();
 }
 

