@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: ISC
 #include "editor/GLView_BandDecorator.h"
 
+#include <algorithm>
+#include <cmath>
 #include <span>
 #include <string>
 
@@ -17,14 +19,14 @@ namespace {
 
 // In points, from the strip's upper or lower edge or its middle.
 constexpr float kToggleBelowTop = 16.0f;
-constexpr float kToggleWidth = 48.0f;
-constexpr float kToggleHeight = 20.0f;
+constexpr float kToggleWidth = 72.0f;
+constexpr float kToggleHeight = 26.0f;
 constexpr float kSelectorAboveBottom = 8.0f;
 constexpr float kSelectorWidth = 75.0f;
-constexpr float kSelectorHeight = 22.0f;
+constexpr float kSelectorHeight = 20.0f;
 constexpr float kKnobWidth = 48.0f;
 constexpr float kKnobHeight = 22.0f;
-constexpr float kKnobLabelSize = 7.0f;
+constexpr float kKnobLabelSize = 7.5f;
 
 struct KnobPlan {
     Control control;
@@ -144,12 +146,27 @@ void GLView_BandDecorator::ShowInfoAt(GLPoint point) {
 
 void GLView_BandDecorator::DrawFront() {
     const Look look(*this);
+    if (graph_.selectedHandle == index) DrawSelection(look);
     Enter();
-    if (graph_.selectedHandle == index) {
-        LampColor(index).ApplyFaded(toggle_->IsOn() ? 0.8f : 0.35f);
-        DrawOutline(look, hw, hh);
-    }
     DrawChildrenFront();
+}
+
+void GLView_BandDecorator::DrawSelection(const Look& look) {
+    // With edges on whole pixels of the window, the outline is equally thick on all sides.
+    constexpr float kThickness = 2.75f;  // points; the corners follow those of the frame
+    const float pixel = (GetViewTop() - GetViewBottom()) / GetPageHeight();
+    const auto snapped = [pixel](float place, float from) {
+        return from + pixel * std::round((place - from) / pixel);
+    };
+    const float left = snapped(x - hw, GetViewLeft());
+    const float right = snapped(x + hw, GetViewLeft());
+    const float bottom = snapped(y - hh, GetViewBottom());
+    const float top = snapped(y + hh, GetViewBottom());
+    const MatrixScope matrix;
+    glTranslatef(0.5f * (left + right), 0.5f * (bottom + top), 0.0f);
+    LampColor(index).ApplyFaded(toggle_->IsOn() ? 0.8f : 0.35f);
+    DrawOutline(look, 0.5f * (right - left), 0.5f * (top - bottom),
+                std::max(snapped(kThickness * look.s, 0.0f), pixel));
 }
 
 }  // namespace brindle

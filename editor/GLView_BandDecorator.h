@@ -14,6 +14,8 @@
 
 namespace brindle {
 
+struct Look;
+
 /// The strip of a band or section: a frame around its on/off button, shape, gain, Q and frequency.
 /// Controls without effect are grey: all but the button while the strip is off, gain and Q while
 /// the type ignores them. The strip and its handle on the graph are highlighted together.
@@ -39,6 +41,8 @@ class GLView_BandDecorator : public GLView_DecoratorBox {
     void AddKnobs(const HostWriter& writer, const LV2UI_Touch* touch);
     void AddSelector();
     void UpdateEffect();
+    /// The outline of the strip whose handle is selected, in page coordinates.
+    void DrawSelection(const Look& look);
 
     GLView_ParametricEQ& graph_;
     GLView_Toggle* toggle_ = nullptr;                ///< a child, like those below

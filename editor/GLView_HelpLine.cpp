@@ -14,7 +14,7 @@ void GLView_HelpLine::DrawFront() {
     color.ApplyFaded(0.9f);
     DrawText(GetResources(), page->infoTitle, kAlignLeft);
     glTranslatef(TextWidth(page->infoTitle) + 1.0f, 0.0f, 0.0f);
-    color.ApplyFaded(0.6f);
+    color.ApplyFaded(0.75f);
     DrawText(GetResources(), page->infoText, kAlignLeft);
 }
 

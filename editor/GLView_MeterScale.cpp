@@ -28,7 +28,7 @@ void GLView_MeterScale::DrawBack() {
     const float height = 2.0f * hh / s;  // in points, so that the levels fall on round numbers
     Enter();
     glTranslatef(alignment == kAlignLeft ? -hw : hw, 0.0f, 0.0f);
-    color.ApplyFaded(0.6f);
+    color.ApplyFaded(0.75f);
     for (const char* level : kLevelsDb) {
         const float share = 0.5f - std::strtof(level, nullptr) / kLowestDb;
         const MatrixScope matrix;

@@ -15,6 +15,7 @@
 #include "gl/GLView_DecoratorBox.h"
 #include "gl/GLView_TrimSlider.h"
 #include "gl/drawing.h"
+#include "gl/look.h"
 #include "gl/settings.h"
 #include "graph/GLView_ParametricEQGrabber.h"
 
@@ -141,7 +142,7 @@ GLView_DB60Meter* GLView_StripEqView::AddMeter(const char* text, float left, int
     Place(plate, left - 0.5f * layout::kMeterNameWidth, layout::kMeterNameMiddle,
           layout::kMeterNameWidth, layout::kMeterNameHeight);
     auto& numbers = Add<GLView_MeterScale>(scaleAlignment);
-    numbers.SetLabelSize(6.5f);
+    numbers.SetLabelSize(7.5f);
     const float beside = scaleAlignment == kAlignLeft
                              ? layout::kMeterScaleGap
                              : -layout::kMeterScaleGap - layout::kMeterScaleWidth;
@@ -214,7 +215,7 @@ void GLView_StripEqView::EditorClosed() {
 }
 
 GLColor GLView_StripEqView::GetBackgroundColor() {
-    constexpr float kBrightest = 0.16f;
+    constexpr float kBrightest = 0.088f;
     GLColor ground = GLView_BaseView::GetBackgroundColor();
     const float peak = std::max({ground.red, ground.green, ground.blue});
     if (peak > kBrightest) {
@@ -222,6 +223,14 @@ GLColor GLView_StripEqView::GetBackgroundColor() {
         ground.Set(ground.red * share, ground.green * share, ground.blue * share, ground.alpha);
     }
     return ground;
+}
+
+GLColor GLView_StripEqView::GetContrastColor() {
+    constexpr float kDarkest = 0.26f;  // luminance
+    constexpr float kStep = 0.05f;
+    GLColor contrast = GLView_BaseView::GetContrastColor();
+    while (Luminance(contrast) < kDarkest) contrast = Lightened(contrast, kStep);
+    return contrast;
 }
 
 void GLView_StripEqView::ShowMessage(const char* line1, const char* line2, const char* line3,

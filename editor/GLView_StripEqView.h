@@ -36,6 +36,8 @@ class GLView_StripEqView : public GLView_BaseView {
 
     /// The panel's background: the host's colour, dark enough for the controls' light texts.
     GLColor GetBackgroundColor() override;
+    /// The host's contrast colour, bright enough to stand out from the panel.
+    GLColor GetContrastColor() override;
     /// Shows the help texts of the held control or else of the hovered one.
     void PreDraw() override;
     /// Shows five lines above the darkened panel, until the next click.

@@ -39,6 +39,8 @@ FrameLayers::~FrameLayers() {
     if (framebuffer != 0) {
         glDeleteFramebuffers(1, &framebuffer);
         glDeleteFramebuffers(1, &shownFramebuffer_);
+        glDeleteFramebuffers(1, &halfFramebuffer_);
+        glDeleteTextures(1, &halfTexture_);
         glDeleteTextures(1, &staticTexture);
         glDeleteTextures(1, &frameTexture);
         glDeleteTextures(1, &shownTexture_);
@@ -67,6 +69,11 @@ void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
     // The layout of window pixels: with alpha as fourth byte, drivers copy them unconverted.
     MakeTexture(shownTexture_, GL_RGBA, shownWidth_, shownHeight_);
     Attach(shownFramebuffer_, shownTexture_);
+    if (IsScaledTwice() && halfFramebuffer_ == 0) {
+        glGenFramebuffers(1, &halfFramebuffer_);
+        MakeTexture(halfTexture_, GL_RGB, width_ / 2, height_ / 2);
+        Attach(halfFramebuffer_, halfTexture_);
+    }
     Mark(Layer::Front, {0, 0, width_, height_});
 }
 
@@ -123,17 +130,31 @@ void FrameLayers::ScaleFrameToShown(const LayerArea& area) const {
     const auto scaled = [](int32_t place, int32_t size, int32_t of) {
         return static_cast<int32_t>(int64_t{place} * size / of);
     };
-    // The filter also reads neighbouring pixels.
-    const int32_t left = scaled(std::max(area.left - 1, 0), shownWidth_, width_);
-    const int32_t right = scaled(area.right + 1, shownWidth_, width_) + 1;
-    const int32_t above = scaled(std::max(height_ - area.top - 1, 0), shownHeight_, height_);
-    const int32_t below = scaled(height_ - area.bottom + 1, shownHeight_, height_) + 1;
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, shownFramebuffer_);
+    // The filter also reads neighbouring pixels, those of the half-size picture if there is one.
+    const int32_t reach = IsScaledTwice() ? 3 : 1;
+    const int32_t left = scaled(std::max(area.left - reach, 0), shownWidth_, width_);
+    const int32_t right = scaled(area.right + reach, shownWidth_, width_) + 1;
+    const int32_t above = scaled(std::max(height_ - area.top - reach, 0), shownHeight_, height_);
+    const int32_t below = scaled(height_ - area.bottom + reach, shownHeight_, height_) + 1;
+    int32_t fromWidth = width_;
+    int32_t fromHeight = height_;
     glEnable(GL_SCISSOR_TEST);
+    if (IsScaledTwice()) {
+        fromWidth /= 2;
+        fromHeight /= 2;
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, halfFramebuffer_);
+        glScissor(area.left / 2, area.bottom / 2, (area.right - area.left) / 2 + 2,
+                  (area.top - area.bottom) / 2 + 2);
+        glBlitFramebuffer(0, 0, width_, height_, 0, 0, fromWidth, fromHeight, GL_COLOR_BUFFER_BIT,
+                          GL_LINEAR);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, halfFramebuffer_);
+    }
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, shownFramebuffer_);
     glScissor(left, above, right - left, below - above);
-    glBlitFramebuffer(0, 0, width_, height_, 0, shownHeight_, shownWidth_, 0, GL_COLOR_BUFFER_BIT,
-                      GL_LINEAR);
+    glBlitFramebuffer(0, 0, fromWidth, fromHeight, 0, shownHeight_, shownWidth_, 0,
+                      GL_COLOR_BUFFER_BIT, GL_LINEAR);
     glDisable(GL_SCISSOR_TEST);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
 }
 
 void FrameLayers::CopyShownToWindow(int32_t x, int32_t y, int32_t areaWidth,

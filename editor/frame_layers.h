@@ -56,6 +56,9 @@ class FrameLayers {
   private:
     using Areas = std::vector<LayerArea>;
 
+    /// Small windows show a copy of a copy at half the size: the filter reads the nearest four
+    /// pixels, and would miss thin strokes between them if the picture shrank more than that.
+    bool IsScaledTwice() const { return 2 * shownWidth_ < width_; }
     static void Attach(GLuint target, GLuint texture);
     void Bind(GLuint texture) const;
     void DrawAreas(const Areas& areas, const std::function<void()>& draw);
@@ -66,6 +69,8 @@ class FrameLayers {
     int32_t height_ = 0;
     GLuint shownTexture_ = 0;
     GLuint shownFramebuffer_ = 0;
+    GLuint halfTexture_ = 0;  ///< 0 until a small window needs it
+    GLuint halfFramebuffer_ = 0;
     int32_t shownWidth_ = 0;
     int32_t shownHeight_ = 0;
     Areas staleStatic_;  ///< areas of each picture that are out of date

@@ -18,8 +18,8 @@ inline constexpr float kFlatAllSize = 26.0f;
 
 /// The graph. Its margins are in design pixels, which puts the keyboard under its frequencies.
 inline constexpr float kGraphMarginPixels = 40.0f;
-inline constexpr float kGraphTop = 78.0f;
-inline constexpr float kGraphHeight = 342.0f;
+inline constexpr float kGraphTop = 80.0f;
+inline constexpr float kGraphHeight = 336.0f;  ///< 21 design pixels for 3 dB
 inline constexpr float kHandleSize = 22.0f;
 
 /// The strips: two groups of four bands, and the two sections.

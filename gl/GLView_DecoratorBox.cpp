@@ -2,13 +2,15 @@
 #include "gl/GLView_DecoratorBox.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 #include "gl/look.h"
 
 namespace brindle {
 namespace {
 
-constexpr GLColor kBoxColor{0.145f, 0.148f, 0.152f};
+constexpr GLColor kBoxColor{0.078f, 0.08f, 0.084f};
 constexpr GLColor kEdgeColor = kGrey60;
 
 }  // namespace
@@ -26,8 +28,16 @@ void GLView_DecoratorBox::DrawBack() {
     const Look look(*this);
     Enter();
     const float corner = std::min(hh, (look.boxy ? 1.0f : 12.0f) * look.s);
+    // The side that is open has no edge.
+    constexpr std::array<GLPoint, 5> kOpenTowards = {
+        {{0.0f, 0.0f}, {0.0f, 1.0f}, {0.0f, -1.0f}, {-1.0f, 0.0f}, {1.0f, 0.0f}}};
+    const GLPoint open = kOpenTowards[style >= 1 && style <= 4 ? static_cast<size_t>(style) : 0];
     const auto layer = [&](float inset) {
-        DrawFramedBox(look.resources, style, hw - inset, hh - inset, corner);
+        const float half = 0.5f * inset;
+        const MatrixScope matrix;
+        glTranslatef(half * open.x, half * open.y, 0.0f);
+        DrawFramedBox(look.resources, style, hw - inset + half * std::abs(open.x),
+                      hh - inset + half * std::abs(open.y), corner);
     };
     kEdgeColor.ApplyFaded(look.flat ? 0.6f : 0.45f);
     layer(0.0f);

@@ -175,7 +175,7 @@ void GLView_Knob::DrawBack() {
     {
         const MatrixScope matrix;
         glTranslatef(0.0f, -LabelBelow(), 0.0f);
-        color.ApplyFaded(look.enabled ? 0.6f : 0.3f);
+        color.ApplyFaded(look.enabled ? 0.6f : 0.5f);
         DrawFittedText(look, label, kAlignCentre, labelSize * look.s, kLabelRoom * hw);
     }
     DrawChildrenBack();

@@ -32,11 +32,11 @@ void GLView_Menu_Item::Draw() {
     const float s = look.s;
     Enter();
     if (look.hovered) {
-        look.contrast.ApplyFaded(0.85f);
+        look.contrast.Apply();
         DrawRoundRect(look.resources, hw, hh - 0.5f * s, look.Corner(hh));
     }
     const bool present = IsPresent();
-    const GLColor ink = look.hovered ? kWhite : color;
+    const GLColor& ink = look.hovered ? InkOn(look.contrast) : color;
     ink.ApplyFaded(present || look.hovered ? 1.0f : 0.75f);
     glTranslatef(-hw, 0.0f, 0.0f);
     if (present) {

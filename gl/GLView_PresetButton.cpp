@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_PresetButton.h"
 
+#include <cmath>
+#include <utility>
+
 #include "gl/look.h"
 
 namespace brindle {
@@ -38,10 +41,29 @@ void GLView_PresetButton::MouseUp(GLPoint /*point*/) {
     SetCaptured(false);
 }
 
+bool GLView_PresetButton::IsSet() {
+    constexpr float kRounding = 1e-5f;  // of hosts that store values with few digits
+    bool hasValues = false;
+    for (uint32_t port = 0; port < values.size(); ++port) {
+        if (values[port] == kNotSet) continue;
+        hasValues = true;
+        const float value = GetParameter(port);
+        if (!(std::abs(value - values[port]) <= kRounding * std::abs(values[port]))) return false;
+    }
+    return hasValues;
+}
+
+void GLView_PresetButton::ParameterChanged(uint32_t index) {
+    GLView::ParameterChanged(index);
+    if (index >= values.size() || values[index] == kNotSet) return;
+    if (std::exchange(lit_, IsSet()) != lit_) Redraw(Layer::Back);
+}
+
 void GLView_PresetButton::DrawBack() {
     const Look look(*this);
     Enter();
     DrawKey(look, hw, hh);
+    if (lit_ && !look.captured) DrawLitKey(look, hw, hh);
     const char* shown = label[0] != '\0' || name == nullptr ? label : name;
     DrawKeyText(look, shown, labelSize * look.s, 2.0f * (hw - 2.0f * look.s), color);
     DrawChildrenBack();

@@ -9,7 +9,7 @@
 
 namespace brindle {
 
-/// A button that writes a stored set of port values.
+/// A button that writes a stored set of port values. It is lit while all these ports have them.
 class GLView_PresetButton : public GLView_Control {
   public:
     /// One value for each port from 0 upwards.
@@ -22,6 +22,7 @@ class GLView_PresetButton : public GLView_Control {
     /// Sets the writer of the values.
     void SetWriter(const HostWriter& hostWriter);
 
+    void ParameterChanged(uint32_t index) override;
     void DrawBack() override;
     /// Writes the values in port order and clears the page's info text.
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
@@ -38,6 +39,12 @@ class GLView_PresetButton : public GLView_Control {
   protected:
     /// Writes the values of the ports that are part of the preset, in port order.
     void WriteAll(const Values& from) const;
+
+  private:
+    /// Whether all ports of the preset have its values, as last reported.
+    bool IsSet();
+
+    bool lit_ = false;
 };
 
 }  // namespace brindle

@@ -2,6 +2,7 @@
 #include "gl/GLView_Toggle.h"
 
 #include "gl/look.h"
+#include "gl/settings.h"
 
 namespace brindle {
 namespace {
@@ -16,22 +17,36 @@ void DrawGlow(const Look& look, const GLColor& color, float hw, float hh) {
     constexpr GLPoint kDiscs[] = {{0.8f, 0.8f}, {0.7f, 0.6f}, {0.6f, 0.5f}, {0.5f, 0.4f}};
     color.ApplyFaded(0.4f);
     for (const GLPoint& disc : kDiscs) DrawDisc(look.resources, disc.x * hw, disc.y * hh);
+    Lightened(color, 0.7f).ApplyFaded(0.4f);
+    for (const GLPoint& disc : kDiscs) DrawDisc(look.resources, disc.x * hw, disc.y * hh);
 }
 
-/// The text is engraved while the lamp is off, and lit on a dark shadow while it is on.
+/// Draws what the face lies on: lit while the lamp is on.
+void DrawGround(const Look& look, const GLColor& color, bool on, float hw, float hh) {
+    color.ApplyDimmed(on ? 0.8f : 0.0f);
+    DrawRoundRect(look.resources, 0.9f * hw, 0.9f * hh, look.Corner(0.9f * hh));
+}
+
+/// Draws the text in the current colour at eight places around its own, `distance` text units away.
+void DrawTextAround(const Look& look, const char* text, float distance) {
+    constexpr GLPoint kDirections[] = {{1.0f, 0.0f},  {0.7f, 0.7f},   {0.0f, 1.0f},  {-0.7f, 0.7f},
+                                       {-1.0f, 0.0f}, {-0.7f, -0.7f}, {0.0f, -1.0f}, {0.7f, -0.7f}};
+    for (const GLPoint& direction : kDirections) {
+        const MatrixScope matrix;
+        glTranslatef(distance * direction.x, distance * direction.y, 0.0f);
+        DrawText(look.resources, text, kAlignCentre);
+    }
+}
+
+/// The text is white while the lamp is on and grey while it is off. The dark outline separates it
+/// from a lit face, the highlight makes up for the gloss.
 void DrawLampText(const Look& look, const char* text, float size, bool on) {
     const MatrixScope matrix;
     glScalef(size, size, 1.0f);
-    {
-        const MatrixScope edge;
-        if (on) {
-            DrawTextShadow(look.resources, text, kAlignCentre);
-        } else if (!look.flat) {
-            glTranslatef(0.1f, -0.12f, 0.0f);
-            kWhite.ApplyFaded(0.2f);
-            DrawText(look.resources, text, kAlignCentre);
-        }
-    }
+    shadeColor.ApplyFaded(on ? 0.6f : 0.25f);
+    DrawTextAround(look, text, 0.22f);
+    kWhite.ApplyFaded(0.35f);
+    DrawTextAround(look, text, 0.04f);
     (on ? kWhite : kBlack).ApplyFaded(on ? 0.7f : 0.4f);
     DrawText(look.resources, text, kAlignCentre);
 }
@@ -87,6 +102,7 @@ void GLView_Toggle::DrawBack() {
                     kGlow.y * hh);
     }
     DrawKey(look, hw, hh);
+    DrawGround(look, look.enabled ? color : kGrey, IsOn(), hw, hh);
     DrawChildrenBack();
 }
 

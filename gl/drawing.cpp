@@ -101,13 +101,6 @@ class OpaqueScope {
     bool switched_ = false;
 };
 
-/// Everything but the corners: the middle over the full height, and both sides between corners.
-void EmitCross(float hw, float hh, float r) {
-    EmitQuad({-hw + r, -hh, hw - r, hh});
-    EmitQuad({-hw, -hh + r, -hw + r, hh - r});
-    EmitQuad({hw - r, -hh + r, hw, hh - r});
-}
-
 /// An inner edge of a sunken shape: shade at the upper edge, light at the lower.
 struct InnerEdge {
     GLRect corners[2];
@@ -165,22 +158,23 @@ void DrawRoundRect(const GLResources* resources, float hw, float hh, float r) {
 
 void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, float r) {
     if (resources == nullptr) return;
-    const auto isSquare = [style](const Corner& corner) {
+    const auto isOpen = [style](const Corner& corner) {
         return (style == 1 && corner.y > 0.0f) || (style == 2 && corner.y < 0.0f) ||
                (style == 3 && corner.x < 0.0f) || (style == 4 && corner.x > 0.0f);
     };
     {
         const TexturedQuads quads(resources->mipTexture150);
         for (const Corner& corner : kCorners) {
-            if (!isSquare(corner)) EmitQuad(CornerArea(corner, hw, hh, r), corner.texture);
+            if (!isOpen(corner)) EmitQuad(CornerArea(corner, hw, hh, r), corner.texture);
         }
     }
+    const float top = style == 1 ? hh - r : hh;
+    const float bottom = style == 2 ? r - hh : -hh;
     const OpaqueScope opaque;
     const PlainQuads quads;
-    EmitCross(hw, hh, r);
-    for (const Corner& corner : kCorners) {
-        if (isSquare(corner)) EmitQuad(CornerArea(corner, hw, hh, r));
-    }
+    EmitQuad({-hw + r, bottom, hw - r, top});
+    if (style != 3) EmitQuad({-hw, -hh + r, -hw + r, hh - r});
+    if (style != 4) EmitQuad({hw - r, -hh + r, hw, hh - r});
 }
 
 void DrawRoundFrame(const GLResources* resources, float hw, float hh, float r) {

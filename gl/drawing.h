@@ -57,8 +57,9 @@ void DrawBar(const GLResources* resources, float hw, float hh);
 
 void DrawRoundRect(const GLResources* resources, float hw, float hh, float r);
 
-/// A rounded rectangle that can adjoin a neighbour: styles 1 to 4 have square corners at the top,
-/// bottom, left and right; all other styles are `DrawRoundRect`.
+/// A rounded rectangle that can be open on one side: styles 1 to 4 leave out the slices with the
+/// corners at the top, bottom, left and right, and end straight, `r` short of that edge. All other
+/// styles are `DrawRoundRect`.
 void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, float r);
 
 /// The outline of a rounded rectangle, r / 4 thick, inside its edge.

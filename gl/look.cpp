@@ -11,8 +11,9 @@ namespace brindle {
 namespace {
 
 constexpr GLColor kDisplayColor{0.05f, 0.055f, 0.06f};
-constexpr GLColor kKeyColor{0.25f, 0.255f, 0.26f};
+constexpr GLColor kKeyColor{0.215f, 0.22f, 0.225f};
 constexpr GLColor kKeyDownColor{0.13f, 0.132f, 0.135f};
+constexpr GLColor kLitColor{0.5f, 0.9f, 0.65f};
 constexpr GLColor kPopupColor{0.115f, 0.12f, 0.125f};
 constexpr GLColor kIdleColor{0.36f, 0.36f, 0.36f};
 /// Thickness of outlines in design points: slightly more than one pixel at the design size, where
@@ -72,7 +73,18 @@ GLColor Look::Accent(const GLColor& color) const {
 }
 
 float Look::TextAlpha() const {
-    return enabled || captured ? 0.8f : 0.45f;
+    return enabled || captured ? 0.8f : 0.65f;
+}
+
+float Luminance(const GLColor& color) {
+    // A square is close enough to the curve of screens.
+    return 0.2126f * color.red * color.red + 0.7152f * color.green * color.green +
+           0.0722f * color.blue * color.blue;
+}
+
+const GLColor& InkOn(const GLColor& ground) {
+    constexpr float kEqualContrast = 0.18f;
+    return Luminance(ground) > kEqualContrast ? kBlack : kWhite;
 }
 
 GLColor Lightened(const GLColor& color, float share) {
@@ -113,6 +125,13 @@ void DrawKey(const Look& look, float hw, float hh) {
     }
 }
 
+void DrawLitKey(const Look& look, float hw, float hh) {
+    kLitColor.ApplyFaded(0.18f);
+    Fill(look, hw, hh);
+    kLitColor.ApplyFaded(0.9f);
+    DrawOutline(look, hw, hh);
+}
+
 void DrawPopup(const Look& look, float hw, float hh) {
     if (!look.flat) {
         shadeColor.ApplyFaded(0.5f);
@@ -125,11 +144,15 @@ void DrawPopup(const Look& look, float hw, float hh) {
 }
 
 void DrawOutline(const Look& look, float hw, float hh) {
+    DrawOutline(look, hw, hh, kOutline * look.s);
+}
+
+void DrawOutline(const Look& look, float hw, float hh, float thickness) {
     if (!look.boxy) {
-        DrawRoundFrame(look.resources, hw, hh, look.Corner(hh));  // a quarter of the corner thick
+        DrawRoundFrame(look.resources, hw, hh, std::min(hh, 4.0f * thickness));
         return;
     }
-    const float half = 0.5f * kOutline * look.s;
+    const float half = 0.5f * thickness;
     RectAt(0.0f, hh - half, hw, half);
     RectAt(0.0f, half - hh, hw, half);
     RectAt(half - hw, 0.0f, half, hh - 2.0f * half);

@@ -37,6 +37,10 @@ struct Look {
     float TextAlpha() const;
 };
 
+/// How bright a colour is on a screen: 0 for black, 1 for white.
+float Luminance(const GLColor& color);
+/// Black or white, whichever stands out more from a ground.
+const GLColor& InkOn(const GLColor& ground);
 /// A colour whose components are moved towards white by `share`, 0 to 1.
 GLColor Lightened(const GLColor& color, float share);
 
@@ -44,12 +48,16 @@ GLColor Lightened(const GLColor& color, float share);
 void DrawDisplay(const Look& look, float hw, float hh);
 /// A key: raised from the panel, pressed in while it is held, flush and dull without effect.
 void DrawKey(const Look& look, float hw, float hh);
+/// The light of a key whose values are set; draw it over the key.
+void DrawLitKey(const Look& look, float hw, float hh);
 /// The background of a popup.
 void DrawPopup(const Look& look, float hw, float hh);
 /// The outline of a hovered or held control; drawn on top, in the front pass.
 void DrawStateOutline(const Look& look, float hw, float hh);
-/// The outline of a part in the current colour, visible on each side at the design size.
+/// The outline of a part in the current colour, visible on each side at the design size, or with a
+/// thickness in page units; a round corner's size is four times the thickness.
 void DrawOutline(const Look& look, float hw, float hh);
+void DrawOutline(const Look& look, float hw, float hh, float thickness);
 
 /// A value on a horizontal track, normalised: 0 at the left end, 1 at the right.
 struct TrackValue {

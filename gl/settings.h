@@ -21,6 +21,6 @@ inline bool themeFlat = false;
 
 /// The colours that embossing, shadows and gloss darken and lighten with.
 inline GLColor shadeColor = kBlack;
-inline GLColor lightColor = kGrey40;
+inline GLColor lightColor{0.25f, 0.25f, 0.25f};
 
 }  // namespace brindle

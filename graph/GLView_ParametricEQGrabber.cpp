@@ -222,6 +222,10 @@ void GLView_ParametricEQGrabber::Draw() {
     DrawDisc(GetResources(), hw + look.m, hw + look.m);
     look.background.Apply();
     DrawDisc(GetResources(), hw - 2.0f * look.m, hw - 2.0f * look.m);
+    DrawLabel(look);
+}
+
+void GLView_ParametricEQGrabber::DrawLabel(const GraphLook& look) {
     look.foreground.Apply();
     glScalef(8.0f * look.m, 8.0f * look.m, 1.0f);
     DrawText(GetResources(), label, kAlignCentre);
@@ -261,8 +265,10 @@ void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint pl
         const MatrixScope matrix;
         glTranslatef(place.x, place.y, 0.0f);
         look.foreground.ApplyFaded(0.2f + 0.2f * Pulse(kPulsePeriodMs));
-        DrawRing(hh, look.m);
+        // The outer ring extends beyond the rim, which has the handle's colour.
+        DrawRing(hh + 2.0f * look.m, 2.0f * look.m);
         DrawRing(hh - 4.0f * look.m, look.m);
+        DrawLabel(look);  // on top of the inner ring
     }
     {
         const float top = place.y - hw - look.m;  // leaves the label visible

@@ -67,6 +67,8 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     void BeginSearch();
     void EndSearch();
     void Restore(uint32_t controlPort, float value);
+    /// Draws the label around the origin; scales the matrix.
+    void DrawLabel(const GraphLook& look);
     void DrawMarkerAt(float placeX, const GraphLook& look);
     void DrawSelection(const GraphLook& look, GLPoint place);
     void DrawReadout(const GraphLook& look, float placeX);

@@ -8,6 +8,7 @@
 #include <numbers>
 
 #include "contract/ports.h"
+#include "gl/GLPoint.h"
 #include "gl/drawing.h"
 #include "gl/gl.h"
 #include "graph/scales.h"
@@ -29,6 +30,9 @@ struct Frequency {
     float hz;
     const char* label;
 };
+/// The lines between them have no label.
+constexpr float kMinorFrequencies[] = {30,  40,  60,  70,   80,   90,   300,  400,  600,
+                                       700, 800, 900, 3000, 4000, 6000, 7000, 8000, 9000};
 constexpr Frequency kFrequencies[] = {{20, "20"},     {50, "50"},    {100, "100"}, {200, "200"},
                                       {500, "500"},   {1000, "1k"},  {2000, "2k"}, {5000, "5k"},
                                       {10000, "10k"}, {20000, "20k"}};
@@ -132,14 +136,31 @@ void DrawFillStrip(std::span<const float> heights, float x0, float dx, float low
     }
 }
 
-/// Emits a piece of a line between glBegin(GL_LINES) and glEnd, extended at both ends by `overlap`:
+/// Emits a piece of a line between glBegin(GL_LINES) and glEnd, extended beyond its start and end:
 /// otherwise the smoothed ends of neighbouring pieces leave a seam.
-void EmitPiece(float x0, float y0, float x1, float y1, float overlap) {
-    const float share = overlap / std::hypot(x1 - x0, y1 - y0);
-    const float extraX = (x1 - x0) * share;
-    const float extraY = (y1 - y0) * share;
-    glVertex2f(x0 - extraX, y0 - extraY);
-    glVertex2f(x1 + extraX, y1 + extraY);
+void EmitPiece(GLPoint from, GLPoint to, float beyondStart, float beyondEnd) {
+    const float length = std::hypot(to.x - from.x, to.y - from.y);
+    const GLPoint along = {(to.x - from.x) / length, (to.y - from.y) / length};
+    glVertex2f(from.x - along.x * beyondStart, from.y - along.y * beyondStart);
+    glVertex2f(to.x + along.x * beyondEnd, to.y + along.y * beyondEnd);
+}
+
+float PlaceOf(float hz, const GraphLook& look) {
+    return (2.0f * PositionOfBandHz(hz) - 1.0f) * look.hw;
+}
+
+/// Draws the frequency scale's lines.
+void DrawFrequencyLines(const GraphLook& look, const GLColor& color, float alpha,
+                        float minorAlpha) {
+    const PlainPrimitives quads(GL_QUADS);
+    const auto emit = [&look](float hz) {
+        const float x = PlaceOf(hz, look);
+        EmitRect(std::max(x - look.m, -look.hw), -look.hh, std::min(x + look.m, look.hw), look.hh);
+    };
+    color.ApplyFaded(alpha);
+    for (const Frequency& frequency : kFrequencies) emit(frequency.hz);
+    color.ApplyFaded(minorAlpha);
+    for (const float hz : kMinorFrequencies) emit(hz);
 }
 
 /// Clips drawing to heights between -hh and hh during a scope.
@@ -245,21 +266,12 @@ void DrawLevelLabels(const GLResources* resources, const GraphLook& look) {
 }
 
 void DrawFrequencyScale(const GLResources* resources, const GraphLook& look) {
-    const auto place = [&](const Frequency& frequency) {
-        return (2.0f * PositionOfBandHz(frequency.hz) - 1.0f) * look.hw;
-    };
-    look.foreground.ApplyFaded(0.13f);
-    {
-        const PlainPrimitives quads(GL_QUADS);
-        for (const Frequency& frequency : kFrequencies) {
-            const float x = place(frequency);
-            EmitRect(x - look.m, -look.hh, x + look.m, look.hh);
-        }
-    }
-    look.foreground.ApplyFaded(0.6f);
+    DrawFrequencyLines(look, look.foreground, 0.25f, 0.1f);
+    look.foreground.ApplyFaded(0.75f);
     for (const Frequency& frequency : kFrequencies) {
         const MatrixScope matrix;
-        glTranslatef(place(frequency), look.hh + 18.0f * look.m, 0.0f);
+        // Above the edge shading, which would cover parts of the first and the last number.
+        glTranslatef(PlaceOf(frequency.hz, look), look.hh + 21.0f * look.m, 0.0f);
         glScalef(7.0f * look.m, 7.0f * look.m, 1.0f);
         DrawText(resources, frequency.label, kAlignCentre);
     }
@@ -272,15 +284,18 @@ void DrawResponse(std::span<const float> heights, const GraphLook& look) {
     // Brightest at 0.7 of the height, darker towards the zero line and the curve.
     DrawFillStrip(heights, x0, dx, 0.0f, 0.3f, 0.7f, 1.5f);
     DrawFillStrip(heights, x0, dx, 0.7f, 1.5f, 1.0f, 0.3f);
+    DrawFrequencyLines(look, kBlack, 0.2f, 0.1f);
 
     glLineWidth(6.0f);
     look.foreground.Apply();
     {
         const PlainPrimitives line(GL_LINES);
         // The line ends one point before the filled area.
-        for (size_t i = 0; i + 2 < heights.size(); ++i) {
+        const size_t last = heights.size() - 3;
+        for (size_t i = 0; i <= last; ++i) {
             const float x = x0 + static_cast<float>(i) * dx;
-            EmitPiece(x, heights[i], x + dx, heights[i + 1], look.m);
+            EmitPiece({x, heights[i]}, {x + dx, heights[i + 1]}, i > 0 ? look.m : 0.0f,
+                      i < last ? look.m : 0.0f);
         }
     }
     glLineWidth(1.0f);

@@ -33,12 +33,13 @@ void DrawLevelLines(const GraphLook& look);
 /// The numbers of these lines, without sign, on both sides.
 void DrawLevelLabels(const GLResources* resources, const GraphLook& look);
 
-/// The frequency scale: lines in steps of 1, 2, 5 behind the curve, and their numbers in Hz above
-/// the graph.
+/// The frequency scale behind the curve: strong lines in steps of 1, 2, 5 with their numbers in Hz
+/// above the graph, and faint lines between them.
 void DrawFrequencyScale(const GLResources* resources, const GraphLook& look);
 
-/// The curve through `heights`, evenly spaced over the width, and the filled area between curve and
-/// zero line, both clipped just inside the upper and lower edge.
+/// The curve through `heights`, three or more evenly spaced over the width, and the filled area
+/// between curve and zero line with the frequency scale's lines on it, all clipped just inside the
+/// upper and lower edge.
 void DrawResponse(std::span<const float> heights, const GraphLook& look);
 
 /// Darkens the graph towards its four edges.

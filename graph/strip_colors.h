@@ -13,7 +13,7 @@ constexpr const GLColor& HandleColor(int strip) {
 
 /// The colour of a strip's button, knobs and outline: lamps, so brighter than handles.
 constexpr GLColor LampColor(int strip) {
-    return is_band(strip) ? GLColor{0.5f, 0.9f, 0.65f} : kAmber;
+    return is_band(strip) ? GLColor{0.5f, 0.9f, 0.65f} : GLColor{1.0f, 0.68f, 0.2f};
 }
 
 }  // namespace brindle

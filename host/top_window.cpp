@@ -5,6 +5,7 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <functional>
@@ -25,6 +26,13 @@ struct ImageFree {
 struct XFreeMemory {
     void operator()(void* memory) const { XFree(memory); }
 };
+
+/// A size, or the screen's where that is smaller.
+PixelSize fitting(Display* display, PixelSize size) {
+    const int screen = DefaultScreen(display);
+    return {std::min(size.width, DisplayWidth(display, screen)),
+            std::min(size.height, DisplayHeight(display, screen))};
+}
 
 Window make_window(Display* display, PixelSize size, bool bare) {
     XSetWindowAttributes attributes{};
@@ -77,7 +85,7 @@ TopWindow::TopWindow(const std::string& title, PixelSize size, Kind kind)
         throw UserError(
             "there is no display to open a window on; \"brindle screenshot\" needs none.");
     }
-    window_ = make_window(display_, size, kind == kBare);
+    window_ = make_window(display_, fitting(display_, size), kind == kBare);
     describe(display_, window_, title);
     Atom delete_atom = XInternAtom(display_, "WM_DELETE_WINDOW", False);
     XSetWMProtocols(display_, window_, &delete_atom, 1);
@@ -96,6 +104,7 @@ void TopWindow::show() {
 }
 
 void TopWindow::resize(PixelSize size) {
+    size = fitting(display_, size);
     XResizeWindow(display_, window_, static_cast<unsigned>(size.width),
                   static_cast<unsigned>(size.height));
     XFlush(display_);

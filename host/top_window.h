@@ -24,7 +24,7 @@ class TopWindow {
         kBare      ///< unframed, on top at the screen's corner
     };
 
-    /// Throws UserError if there is no display.
+    /// The size is limited by the screen. Throws UserError if there is no display.
     TopWindow(const std::string& title, PixelSize size, Kind kind);
     ~TopWindow();
     TopWindow(const TopWindow&) = delete;
@@ -33,6 +33,7 @@ class TopWindow {
     /// The X window.
     [[nodiscard]] uintptr_t id() const { return window_; }
     void show();
+    /// Limited by the screen too.
     void resize(PixelSize size);
     /// Handles waiting events; the window `child`, unless 0, follows the size.
     void process_events(uintptr_t child);

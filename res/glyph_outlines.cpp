@@ -21,7 +21,9 @@ constexpr long kSubpixels = 64;  ///< FreeType units per pixel
 constexpr double kMaxStretch = 0.1;
 
 /// Weight added to all strokes, in text units: small light text on a dark background looks thin.
-constexpr double kExtraWeight = 0.03;
+/// Upright strokes get more of it, as descenders reach down to their pictures' edge.
+constexpr double kExtraWidth = 0.065;
+constexpr double kExtraHeight = 0.03;
 
 void Check(FT_Error error, const std::string& what) {
     if (error != 0) throw std::runtime_error(what);
@@ -62,10 +64,14 @@ Raster GlyphOutlines::Draw(int character) {
     const FT_Matrix widen = {std::lround(stretch * 65536.0), 0, 0, 65536};
     FT_Outline_Transform(&slot->outline, &widen);
     // Emboldening extends an outline to the right and upwards.
-    const long weight = std::lround(kExtraWeight * kGlyphSize / 2.0 * kSubpixels);
-    FT_Outline_Embolden(&slot->outline, weight);
+    const auto subpixels = [](double textUnits) {
+        return std::lround(textUnits * kGlyphSize / 2.0 * kSubpixels);
+    };
+    const long width = subpixels(kExtraWidth);
+    const long height = subpixels(kExtraHeight);
+    FT_Outline_EmboldenXY(&slot->outline, width, height);
     const long left = std::lround((kGlyphSize - advance * stretch) / 2.0 * kSubpixels);
-    FT_Outline_Translate(&slot->outline, left - weight / 2, baseline_ - weight / 2);
+    FT_Outline_Translate(&slot->outline, left - width / 2, baseline_ - height / 2);
     FT_BBox ink;
     FT_Outline_Get_CBox(&slot->outline, &ink);
     if (ink.xMin < 0 || ink.yMin < 0 || ink.xMax > kGlyphSize * kSubpixels ||

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -87,6 +88,16 @@ struct PanelLayout : testing::Test {
     std::vector<GLView*> views;
     std::vector<Piece> pieces;
 };
+
+// Otherwise some of the grid's lines are thicker than others.
+TEST_F(PanelLayout, TheGridsLinesStandOnWholePixels) {
+    const GLView& graph = *root->firstChild->nextSibling;
+    const float pixel = root->GetPixelSize();
+    for (int db = -18; db <= 18; db += 3) {
+        const float place = (graph.y + graph.hh * static_cast<float>(db) / 18.0f) / pixel;
+        EXPECT_NEAR(place, std::round(place), 0.01f) << db;
+    }
+}
 
 TEST_F(PanelLayout, NoTwoPiecesOverlap) {
     const Piece panel = {"panel",

@@ -66,6 +66,36 @@ TEST_F(Panel, EachPresetIsWrittenInOrderAndHeard) {
     }
 }
 
+TEST_F(Panel, ASelectedStripIsOutlinedEquallyOnAllSides) {
+    for (const int width : {1000, 1130, 1500}) {
+        SCOPED_TRACE(width);
+        const float scale = static_cast<float>(width) / 1333.0f;
+        host.window.Resize(width, width * 6 / 10);
+        host.window.ResizeWindow(host.child, width, width * 6 / 10);
+        host.IdleTimes(3);
+        Graph().SelectHandle(1);
+        host.IdleTimes(2);
+        // How many pixels inwards from an edge, given in points of the panel, are green.
+        const auto thickness = [&](float x, float y, int dx, int dy) {
+            int count = 0;
+            for (int step = -3; step < 12; ++step) {
+                const uint32_t rgb = host.GetPixel(static_cast<int>(x * scale) + step * dx,
+                                                   static_cast<int>(y * scale) + step * dy);
+                const bool isGreen = (rgb >> 8 & 255) > (rgb >> 16 & 255) + 60;
+                if (count > 0 && !isGreen) break;
+                count += isGreen ? 1 : 0;
+            }
+            return count;
+        };
+        const float left = 125.0f + 87.0f;
+        const int wanted = thickness(left, 700.0f, 1, 0);
+        EXPECT_GE(wanted, width / 500);
+        EXPECT_EQ(thickness(left + 81.0f, 700.0f, -1, 0), wanted);
+        EXPECT_EQ(thickness(left + 40.0f, 570.0f, 0, 1), wanted);
+        EXPECT_EQ(thickness(left + 40.0f, 762.0f, 0, -1), wanted);
+    }
+}
+
 TEST_F(Panel, FlatAllSwitchesEverythingOff) {
     Click(PresetAt(4));
     Report(kTrimPort, 6.0f);
@@ -287,6 +317,8 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
         host.window.ResizeWindow(host.child, width = newWidth, height = newHeight);
         host.IdleTimes(5);
         before = shown_in_parts();
+        Report(band_port(2) + kType, static_cast<float>(width % 6));
+        EXPECT_TRUE(shown_in_parts() != before);
     }
     themeFlat = true;  // as another editor of the process may set it
     EXPECT_TRUE(shown_in_parts() != before);

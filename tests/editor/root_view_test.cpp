@@ -327,6 +327,28 @@ TEST_F(RootView, DrawsWhatStandsStillOnlyWhenItIsOutOfDate) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
+TEST_F(RootView, ShowsThinLinesInSmallWindowsWhereverTheyFall) {
+    constexpr int kLines = 30;
+    constexpr float kLayerPixel = 1.0f / 600.0f;
+    const auto place = [](int i) { return static_cast<float>(55 * i - 900) * kLayerPixel; };
+    for (int i = 0; i < kLines; ++i) {
+        Add(place(i), 0.0f, 2.0f * kLayerPixel, 1.0f)->fill = kWhite;
+    }
+    Open(700, 420);
+    int faintest = 1000;
+    int strongest = 0;
+    for (int i = 0; i < kLines; ++i) {
+        const int middle = 350 + static_cast<int>(place(i) * 210.0f);
+        int light = 0;
+        for (int x = middle - 3; x <= middle + 3; ++x) {
+            light += static_cast<int>(Pixel(x, 210) & 255u) - 0x33;
+        }
+        faintest = std::min(faintest, light);
+        strongest = std::max(strongest, light);
+    }
+    EXPECT_GT(3 * faintest, 2 * strongest) << faintest << " of " << strongest;
+}
+
 TEST_F(RootView, KeepsParametersAndTellsTheTreeOfAll) {
     auto* probe = Add(0.0f, 0.0f, 1.0f, 1.0f);
     for (const uint32_t port : {127u, 128u, 0xffffffffu}) page->SetParameter(port, 0.5f, false);

@@ -98,12 +98,12 @@ TEST_F(ControlPixels, MeterMarksItsScaleAndFlatStyleHasNoGlass) {
     GLView_DB60Meter meter;
     meter.SetSize(20.0f, 100.0f);
     Show(meter);
-    const int glass = BrightnessAt(0.0f, 53.5f);  // in the well above the scale
+    const int glass = BrightnessAt(0.0f, 53.5f);     // in the well above the scale
+    EXPECT_LT(BrightnessAt(8.0f, -5.0f), 3 * 0x48);  // dark, as no part of it is lit
     for (const float mark_db : {0.0f, -3.0f, -12.0f, -30.0f, -60.0f}) {
         SCOPED_TRACE(mark_db);
         const float y = (mark_db + 60.0f) / 60.0f * 100.0f - 50.0f;
-        const bool at_top = mark_db > -1.0f;  // where the glass shades mark and well alike
-        EXPECT_LT(BrightnessAt(0.0f, y - 0.5f), BrightnessAt(8.0f, y - 0.5f) - (at_top ? 40 : 80));
+        EXPECT_LT(4 * BrightnessAt(0.0f, y - 0.5f), 3 * BrightnessAt(8.0f, y - 0.5f));
     }
     const int below_mark = BrightnessAt(0.0f, -25.0f);  // -45 dB has no mark
     EXPECT_EQ(below_mark, BrightnessAt(8.0f, -25.0f));
@@ -126,8 +126,8 @@ TEST_F(ControlPixels, AToggleThatIsOnGlowsInItsColourAndShrinksWhenPressed) {
         Show(toggle);
         const Pixel on = context.At(0.0f, -5.0f);
         EXPECT_GT(on.green, off.green + 60);
-        EXPECT_LT(on.red, off.red);                                // pure green over the grey
-        EXPECT_GT(on.green, context.At(26.0f, -5.0f).green + 30);  // brightest in the middle
+        EXPECT_LT(2 * on.red, on.green);
+        EXPECT_GT(Brightness(on), BrightnessAt(24.0f, -5.0f) + 50);  // brightest in the middle
         toggle.enabled = false;
         Show(toggle);
         const Pixel without_effect = context.At(0.0f, -5.0f);
@@ -178,6 +178,23 @@ TEST_F(ControlPixels, TextsTellWhatIsOnAndWhatIsChosen) {
     EXPECT_GT(extremes(selector).second, 450);
     page.parameters[5] = 2.0f;  // no entry has this value
     EXPECT_LT(extremes(selector).second, 300);
+
+    GLView_PresetButton preset;
+    preset.SetSize(60.0f, 30.0f);
+    preset.parent = &page;
+    preset.SetPresetValue(5, 2.0f);
+    preset.SetPresetValue(7, 0.3f);
+    const auto lit_by = [&](uint32_t port, float value) {
+        page.parameters[port] = value;
+        preset.ParameterChanged(port);
+        Show(preset);
+        const Pixel rim = context.At(0.0f, 14.5f);
+        return rim.green > rim.red + 40;
+    };
+    EXPECT_FALSE(lit_by(5, 2.0f));
+    EXPECT_TRUE(lit_by(7, 0.3000002f));  // as a host that rounds reports it
+    EXPECT_TRUE(lit_by(6, 1.0f));        // not part of the preset
+    EXPECT_FALSE(lit_by(5, 2.1f));
 }
 
 TEST_F(ControlPixels, RoundKnobPointsFromLowerLeftOverTheTopToLowerRight) {

@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <span>
 #include <string>
 
 #include "gl/GLAnimator.h"
@@ -158,25 +159,23 @@ TEST_F(Drawing, ShapesFillWhatTheySay) {
     }
 }
 
-TEST_F(Drawing, ABoxIsSquareOnItsOpenSideAndShowsNoSeams) {
-    const bool filled[][4] = {{},
-                              {true, true},
-                              {false, false, true, true},
-                              {true, false, true},
-                              {false, true, false, true}};  // top left and right, bottom the same
+TEST_F(Drawing, ABoxLeavesOutItsOpenSideAndShowsNoSeams) {
+    // Which side is open: up, down, left, right.
+    const GLPoint open[] = {{}, {0, 1}, {0, -1}, {-1, 0}, {1, 0}};
     for (int style = 0; style < 5; ++style) {
         SCOPED_TRACE(style);
         context.Clear();
         DrawFramedBox(resources.get(), style, 60, 40, 16);
         EXPECT_GT(Red(0, 0), 200);
-        for (int corner = 0; corner < 4; ++corner) {
-            const float right = corner % 2 == 0 ? -1.0f : 1.0f;
-            const float up = corner < 2 ? 1.0f : -1.0f;
-            if (filled[style][corner]) {
-                EXPECT_GT(Red(59 * right, 39 * up), 200) << corner;
-            } else {
-                EXPECT_LT(Red(57 * right, 37 * up), 55) << corner;
-            }
+        for (const GLPoint& side : std::span(open).subspan(1)) {
+            const bool isOpen = side.x == open[style].x && side.y == open[style].y;
+            EXPECT_EQ(Red(59 * side.x, 39 * side.y) > 200, !isOpen) << side.x << ", " << side.y;
+            // It ends straight, as wide as the box.
+            const GLPoint end = {43 * side.x + 58 * side.y, 23 * side.y + 38 * side.x};
+            EXPECT_TRUE(!isOpen || Red(end.x, end.y) > 200);
+        }
+        for (const GLPoint& corner : {GLPoint{57, 37}, {57, -37}, {-57, 37}, {-57, -37}}) {
+            EXPECT_LT(Red(corner.x, corner.y), 55) << corner.x << ", " << corner.y;
         }
     }
     DrawRoundRect(resources.get(), 60, 40, 16);

@@ -79,6 +79,22 @@ TEST_F(GraphPicture, TheCurveIsDrawnAtItsHeight) {
     EXPECT_LT(Brightness(At(X(60.0f), -1.0f * step)), 150);
 }
 
+TEST_F(GraphPicture, TheLineEndsAtItsLastPointsAndTheScaleShowsOnTheArea) {
+    const GraphLook look = graph->Look();
+    std::vector<float> heights(100, 0.5f * graph->hh);
+    DrawResponse(heights, look);
+    const float dx = 2.0f * graph->hw / 100.0f;
+    const float first = dx / 2.0f - graph->hw;
+    for (const auto& [end, inwards] : {std::pair(first, 1.0f), {first + 98.0f * dx, -1.0f}}) {
+        EXPECT_EQ(At(end + M(0.75f) * inwards, heights[0] + M(1.0f)).red, 204) << end;
+        EXPECT_LT(At(end - M(0.75f) * inwards, heights[0] + M(1.0f)).red, 60) << end;
+    }
+    for (const float hz : {70.0f, 200.0f, 3000.0f}) {
+        const auto area = [&](float besideM) { return At(X(hz) + M(besideM), M(40.0f)).green; };
+        EXPECT_LT(area(0.0f), 0.95f * static_cast<float>(area(4.0f))) << hz;
+    }
+}
+
 TEST_F(GraphPicture, LinesHangBelowTheirLevelsAndEdgesAreShaded) {
     const GraphLook look = graph->Look();
     const float step = graph->hh / 18.0f;
@@ -239,9 +255,11 @@ TEST_F(GraphPicture, FrameLabelsAndRingsStandAroundWhatTheyBelongTo) {
         return Brightness(At(place.x, place.y + handles[3]->hh - M(fromRim)));
     };
     const int ground = Brightness(At(0.0f, graph->hh / 2.0f));
-    EXPECT_GT(ring(0.5f), ground + 40);
+    EXPECT_GT(ring(-1.0f), ground + 40);  // outside of the rim, which is as light
+    EXPECT_EQ(ring(0.5f), ground);
     EXPECT_EQ(ring(2.5f), ground);
     EXPECT_GT(ring(4.5f), ground + 40);
+    EXPECT_GT(Brightness(At(place.x + M(0.9f), place.y)), 400);  // the number, over the inner ring
 }
 
 TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
