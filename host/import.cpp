@@ -11,6 +11,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -134,9 +135,9 @@ class Placer {
     /// Sections first for what they can do: only bands can be bells.
     std::optional<int> free_strip(const ListedFilter& filter) {
         const int section = type_of(filter).section;
-        if (section >= 0 && !taken_[kBandCount + section]) return kBandCount + section;
+        if (section >= 0 && !taken_.contains(kBandCount + section)) return kBandCount + section;
         for (int band = 0; band < kBandCount; ++band) {
-            if (!taken_[band]) return band;
+            if (!taken_.contains(band)) return band;
         }
         return std::nullopt;
     }
@@ -146,7 +147,7 @@ class Placer {
         const bool is_band = strip < kBandCount;
         const uint32_t port = strip_port(strip);
         const float highest_hz = is_band ? kHighestBandHz : kHighestSectionHz;
-        taken_[strip] = true;
+        taken_.insert(strip);
         set(port + kEnable, 1.0f);
         set(port + kType, is_band ? type.band_type : type.section_type);
         set_held(port + kFrequency, strip_freq_hz(filter), kLowestHz, highest_hz, filter.line);
@@ -162,7 +163,7 @@ class Placer {
     }
 
     Placement result_;
-    std::array<bool, kStripCount> taken_ = {};
+    std::set<int> taken_;
 };
 
 /// Largest and root-mean-square deviation, in dB.

@@ -320,7 +320,7 @@ are held. )" +
            R"(
 The numbers count from a full scale square, so that a sine at full scale is at -3 dB. `sox
 in.wav -n stats` tells the true value as `RMS lev dB`; hosts show the meters' ports as numbers
-beside the controls, as power (0.01 for -20 dB).
+beside the controls, as power: 0.01 for -20 dB, so 0.0098 for the first three signals.
 
 )";
 }
