@@ -111,7 +111,7 @@ TEST_F(ProgramTest, PipewirePlaysThroughThePrintedConfiguration) {
     ASSERT_GT(heard.samples.size(), 2u * 48000u) << text_of("log");
     // On a busy machine the desktop's sound has gaps, which the median of ten periods' peaks leaves
     // out.
-    for (const size_t channel : {0, 1}) {
+    for (const size_t channel : {0u, 1u}) {
         std::vector<float> peaks;
         for (size_t i = 48000; i + 960 <= heard.samples.size(); i += 960) {
             float peak = 0.0f;
