@@ -190,9 +190,24 @@ void GLView_StripEqView::ApplyReport(uint32_t port, float value) {
     if (port == kMeterOutPort) outputMeter_->SetLevel(value);
 }
 
-void GLView_StripEqView::AssumeUnreportedWrites() {
-    connection_.ForEachOverdue(HostConnection::Now(),
+void GLView_StripEqView::AssumeUnreportedWrites(int64_t wait_ms) {
+    connection_.ForEachUnshown(wait_ms,
                                [this](uint32_t port, float value) { ApplyReport(port, value); });
+}
+
+void GLView_StripEqView::PrePress() {
+    AssumeUnreportedWrites(0);
+}
+
+void GLView_StripEqView::Scroll(float delta) {
+    AssumeUnreportedWrites(0);
+    GLView_BaseView::Scroll(delta);
+}
+
+void GLView_StripEqView::MouseDragTo(GLPoint pixelPoint) {
+    // A drag continues at its new speed from what it has reached.
+    if (std::exchange(dragModifiers_, modifiers) != modifiers) AssumeUnreportedWrites(0);
+    GLView_BaseView::MouseDragTo(pixelPoint);
 }
 
 void GLView_StripEqView::PointerLeft() {

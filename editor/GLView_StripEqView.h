@@ -25,8 +25,12 @@ class GLView_StripEqView : public GLView_BaseView {
     /// tree and the meters, an analyser row to the graph. All other events are ignored.
     void PortEvent(uint32_t port, uint32_t size, uint32_t format, const void* buffer);
     /// Treats writes as reported if the host has not reported them in time. Call it when idle.
-    void AssumeUnreportedWrites();
+    void AssumeUnreportedWrites(int64_t wait_ms = PendingWrites::kWaitMs);
 
+    // Presses, wheel steps and drags at another speed start from what was written last.
+    void PrePress() override;
+    void Scroll(float delta) override;
+    void MouseDragTo(GLPoint pixelPoint) override;
     /// Deselects the handle and its strip.
     void PointerLeft() override;
     void SendParameter(uint32_t index, float value) override;
@@ -70,6 +74,7 @@ class GLView_StripEqView : public GLView_BaseView {
     GLView_DB60Meter* inputMeter_ = nullptr;
     GLView_DB60Meter* outputMeter_ = nullptr;
     int32_t selectedBand_ = -1;        ///< strip of the selected handle, -1 for none
+    uint32_t dragModifiers_ = 0;       ///< modifier keys at the pointer's last motion
     bool hasReportedControl_ = false;  ///< the host has reported a value
     bool hasCheckedResources_ = false;
 };

@@ -62,8 +62,7 @@ std::optional<float> HostConnection::ReadControl(uint32_t port, uint32_t format,
     if (format != kFloatProtocol || buffer == nullptr || size != sizeof value) return std::nullopt;
     std::memcpy(&value, buffer, sizeof value);
     if (!std::isfinite(value)) return std::nullopt;
-    pending_.Reported(port);
-    return value;
+    return pending_.Reported(port, value, Now());
 }
 
 int64_t HostConnection::Now() {

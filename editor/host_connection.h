@@ -24,8 +24,7 @@ class HostConnection {
 
     /// Writes a control port.
     void Write(uint32_t port, float value);
-    /// The widgets' writer: passes everything on to the host unchanged and records control values
-    /// for `TakeUnreported`.
+    /// The widgets' writer: passes everything on to the host unchanged and records control values.
     HostWriter GetWriter() { return {PassOn, this}; }
 
     /// Ask the engine to send analyser rows, and to stop.
@@ -34,19 +33,20 @@ class HostConnection {
 
     /// The analyser row of a port event; empty if it has none.
     std::optional<PlotMessage> ReadPlot(uint32_t format, const void* buffer, uint32_t size) const;
-    /// The control value of a port event; empty if it has none or is not finite. The port's last
-    /// write then counts as reported.
+    /// The control value to show after a port event: a late report of a write stands for the port's
+    /// newest write (see PendingWrites). Empty if the event has no value or none that is finite.
     std::optional<float> ReadControl(uint32_t port, uint32_t format, const void* buffer,
                                      uint32_t size);
-    /// Calls `assume(port, value)` for writes that the host does not report (see PendingWrites).
+    /// Calls `assume(port, value)` for writes that are not shown after this time (see
+    /// PendingWrites).
     template <typename Assume>
-    void ForEachOverdue(int64_t now_ms, Assume assume) {
-        pending_.ForEachOverdue(now_ms, assume);
+    void ForEachUnshown(int64_t wait_ms, Assume assume) {
+        pending_.ForEachUnshown(Now(), wait_ms, assume);
     }
-    /// Time of the steady clock that writes are stamped with, in ms.
-    static int64_t Now();
 
   private:
+    /// Time of the steady clock that writes are stamped with, in ms.
+    static int64_t Now();
     static void PassOn(LV2UI_Controller connection, uint32_t port, uint32_t size, uint32_t protocol,
                        const void* buffer);
     void Send(LV2_URID request);

@@ -1,46 +1,52 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <vector>
 
 namespace brindle {
 
-/// The editor's writes that the host has not reported yet. Widgets show reported values, but some
-/// hosts do not report the editor's own writes; then a written value counts as reported after a
-/// while. UI thread.
+/// The editor's writes that the host may still report. Widgets show reported values, but hosts
+/// report late, only some values, in another order, or nothing. So the first report of a write
+/// stands for the newest write of its port, and after a while without reports the newest write
+/// counts as reported. A value that was not written is the host's own and always shown. UI thread.
 class PendingWrites {
   public:
     /// Time without a report after which a written value counts as reported.
     static constexpr int64_t kWaitMs = 100;
-    static constexpr uint32_t kPorts = 128;  ///< ports from here on are not recorded
+    /// Time within which a report of a written value is taken for a late one.
+    static constexpr int64_t kMemoryMs = 500;
 
-    /// `now_ms` is the time of a steady clock.
+    /// Adds a write. Times are those of a steady clock.
     void Written(uint32_t port, float value, int64_t now_ms);
-    /// The host has reported the port, with any value.
-    void Reported(uint32_t port);
+    /// The value to show when the host reports `value`: the port's newest write if `value` is one
+    /// of its unreported writes, otherwise `value` itself; then the port's writes are forgotten.
+    float Reported(uint32_t port, float value, int64_t now_ms);
 
-    /// Calls `assume(port, value)` for each port whose first unreported write is 100 ms old, with
-    /// the last value written. These writes then count as reported.
+    /// Calls `assume(port, value)` with the newest write of each port that has an unshown write of
+    /// `wait_ms` ago or earlier. These writes then count as shown.
     template <typename Assume>
-    void ForEachOverdue(int64_t now_ms, Assume assume) {
-        if (count_ == 0) return;
-        for (uint32_t port = 0; port < kPorts; ++port) {
-            if (writes_[port].pending && now_ms - writes_[port].since_ms >= kWaitMs) {
-                Reported(port);
-                assume(port, writes_[port].value);
+    void ForEachUnshown(int64_t now_ms, int64_t wait_ms, Assume assume) {
+        for (const Write& write : writes_) {
+            if (!write.isShown && now_ms - write.since_ms >= wait_ms) {
+                assume(write.port, ShowNewest(write.port));
             }
         }
     }
 
   private:
     struct Write {
-        bool pending = false;
+        uint32_t port = 0;
         float value = 0.0f;
         int64_t since_ms = 0;
+        bool isShown = false;  ///< the tree has been told of this or a later write of the port
+        bool isReported = false;
     };
-    std::array<Write, kPorts> writes_;
-    uint32_t count_ = 0;
+
+    void Forget(int64_t now_ms);
+    float ShowNewest(uint32_t port);
+
+    std::vector<Write> writes_;  ///< in the order in which they were written
 };
 
 }  // namespace brindle

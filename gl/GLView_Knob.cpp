@@ -114,8 +114,8 @@ void GLView_Knob::MouseDown(GLPoint point, GLPoint pagePoint) {
     SetCaptured(true);
     gesture.Begin();
     if (IsResetPress() && sendOnReset) {
+        resetPending_ = true;  // first: the host may report the value before it returns
         writer.Write(port, resetValue);
-        resetPending_ = true;
     }
     activePort = static_cast<int32_t>(port);
 }

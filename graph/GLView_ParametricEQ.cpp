@@ -107,6 +107,7 @@ void GLView_ParametricEQ::SumCurves() {
 }
 
 bool GLView_ParametricEQ::HitTest(GLPoint point) {
+    UpdateCurves();  // handles are hit where their values place them, even before the next frame
     ParentToLocal(point);
     if (std::abs(point.y) - kReachY > hh || std::abs(point.x) - kReachX > hw) return false;
     return ChildAt(point) != nullptr;

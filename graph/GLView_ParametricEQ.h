@@ -9,7 +9,6 @@
 #include "gl/GLView.h"
 #include "graph/curves/frequency_grid.h"
 #include "graph/graph_drawing.h"
-#include "graph/restored_values.h"
 #include "graph/spectrum_history.h"
 
 namespace brindle {
@@ -56,10 +55,7 @@ class GLView_ParametricEQ : public GLView {
     SpectrumHistory spectrum;
     std::array<bool, kBandCount> bandDirty{};
     bool filtersDirty = false;
-    /// Shared by the handles: the handle that the pointer was on last, -1 for none, and the values
-    /// that the last search restored.
-    int32_t selectedHandle = -1;
-    RestoredValues restored;
+    int32_t selectedHandle = -1;  ///< the handle that the pointer was on last, -1 for none
 
   private:
     void UpdateCurve(int strip);

@@ -71,15 +71,16 @@ void GLView_ParametricEQGrabber::SetTouch(const LV2UI_Touch* touch) {
 }
 
 bool GLView_ParametricEQGrabber::IsOn() {
-    return GetParameter(firstPort + kEnable) != 0.0f;
+    return Value(kEnable) != 0.0f;
 }
 
-float GLView_ParametricEQGrabber::KnownValue(uint32_t controlPort) {
-    return graph_.restored.Find(controlPort, GetEventTime()).value_or(GetParameter(controlPort));
+void GLView_ParametricEQGrabber::WriteInRange(Control control, float value) {
+    const ControlRow& range = strip_controls(index)[control];
+    writer.Write(firstPort + control, std::clamp(value, range.minimum, range.maximum));
 }
 
 GLPoint GLView_ParametricEQGrabber::Place() {
-    const float fn = Limit(PositionOfBandHz(GetParameter(firstPort + kFrequency))).position;
+    const float fn = Limit(PositionOfBandHz(Value(kFrequency))).position;
     const auto heights = graph_.Heights();
     const auto last = static_cast<float>(heights.size()) - 1.0f;
     const auto i = static_cast<size_t>(std::clamp(fn * (last + 1.0f), 1.0f, last));
@@ -109,8 +110,6 @@ void GLView_ParametricEQGrabber::MouseDown(GLPoint point, GLPoint pagePoint) {
     const float m = GetPixelSize();
     const bool onMarker =
         point.y > kSearchBottom * m - graph_.hh && point.y < kSearchTop * m - graph_.hh;
-    dragged_hz_ = GetParameter(firstPort + kFrequency);
-    dragged_db_ = KnownValue(firstPort + kGain);
     // A second mouse button must not save the bands that a search muted as the user's settings.
     if (onMarker && GetCapturedView() == nullptr) BeginSearch();
     GLView_Slider::MouseDown(point, pagePoint);
@@ -151,66 +150,51 @@ void GLView_ParametricEQGrabber::MouseDragTo(GLPoint pagePoint) {
 }
 
 void GLView_ParametricEQGrabber::DragFrequency(float pagePointX, float speed) {
-    const float step = speed * (pagePointX - dragLast.x) * 0.3f * (1200.0f / GetPageWidth());
-    const Reached reached = Limit(step + PositionOfBandHz(dragged_hz_));
-    if (reached.inside) {
-        dragLast.x = pagePointX;
-        dragged_hz_ = BandHzAt(reached.position);
-    } else {
-        dragged_hz_ = reached.position > 0.0f ? kHighestBandHz : kLowestHz;
-    }
-    if (!IsBand()) dragged_hz_ = std::min(dragged_hz_, kHighestSectionHz);
-    writer.Write(firstPort + kFrequency, dragged_hz_);
+    const float step = speed * (pagePointX - dragStart.x) * 0.3f * (1200.0f / GetPageWidth());
+    const Reached reached = Limit(step + PositionOfBandHz(Value(kFrequency)));
+    if (reached.inside) dragLast.x = pagePointX;
+    WriteInRange(kFrequency, BandHzAt(reached.position));
 }
 
 void GLView_ParametricEQGrabber::DragGain(float pagePointY, float speed) {
-    const float step = 800.0f / GetPageHeight() * speed * (pagePointY - dragLast.y);
-    const Reached reached = Limit(PositionOfGainDb(dragged_db_) - step);
+    const float step = 800.0f / GetPageHeight() * speed * (pagePointY - dragStart.y);
+    const Reached reached = Limit(PositionOfGainDb(Value(kGain)) - step);
     if (reached.inside) dragLast.y = pagePointY;
-    dragged_db_ = GainDbAt(reached.position);
-    writer.Write(firstPort + kGain, dragged_db_);
+    WriteInRange(kGain, GainDbAt(reached.position));
 }
 
 void GLView_ParametricEQGrabber::Scroll(float delta) {
     const float step = (GetModifiers() & kFineModifiers) != 0 ? 0.005f : 0.05f;
-    const float moved = PositionOfQ(GetParameter(firstPort + kQ)) + step * delta;
-    writer.Write(firstPort + kQ, QAt(Limit(moved).position));
+    WriteInRange(kQ, QAt(Limit(PositionOfQ(Value(kQ)) + step * delta).position));
 }
 
 void GLView_ParametricEQGrabber::BeginSearch() {
     // The port's value as a host rounds it, even if it is outside the types.
-    foundType_ = std::trunc(KnownValue(firstPort + kType) + 0.1f);
-    // Hosts may report any gain, but are only sent values within the port's range.
-    const ControlRow& gain = kBandControls[kGain];
-    search_gain_db_ = std::clamp(KnownValue(firstPort + kGain), gain.minimum, gain.maximum);
+    foundType_ = std::trunc(Value(kType) + 0.1f);
+    search_gain_db_ = Value(kGain);
     if (IsBand()) {
         writer.Write(firstPort + kType, SearchedAs(*foundType_));
         writer.Write(firstPort + kGain, kSearchGainDb);
     }
     for (size_t i = 0; i < kEnablePorts.size(); ++i) {
         if (kEnablePorts[i] == firstPort + kEnable) continue;
-        searchEnables_[i] = KnownValue(kEnablePorts[i]) != 0.0f;
+        searchEnables_[i] = GetParameter(kEnablePorts[i]) != 0.0f;
         writer.Write(kEnablePorts[i], 0.0f);
     }
 }
 
 void GLView_ParametricEQGrabber::EndSearch() {
     if (!IsSearching()) return;
-    graph_.restored.Begin(GetEventTime());
     if (IsBand()) {
-        Restore(firstPort + kType, *foundType_);
-        Restore(firstPort + kGain, search_gain_db_);
+        writer.Write(firstPort + kType, *foundType_);
+        // Hosts may report any gain, but are only sent values within the port's range.
+        WriteInRange(kGain, search_gain_db_);
     }
     for (size_t i = 0; i < kEnablePorts.size(); ++i) {
         if (kEnablePorts[i] == firstPort + kEnable) continue;
-        Restore(kEnablePorts[i], searchEnables_[i] ? 1.0f : 0.0f);
+        writer.Write(kEnablePorts[i], searchEnables_[i] ? 1.0f : 0.0f);
     }
     foundType_.reset();
-}
-
-void GLView_ParametricEQGrabber::Restore(uint32_t controlPort, float value) {
-    graph_.restored.Add(controlPort, value);
-    writer.Write(controlPort, value);
 }
 
 void GLView_ParametricEQGrabber::Draw() {
@@ -284,7 +268,7 @@ void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint pl
 
 void GLView_ParametricEQGrabber::DrawReadout(const GraphLook& look, float placeX) {
     constexpr float kLineStep = 1.7f;
-    const float freq_hz = GetParameter(firstPort + kFrequency);
+    const float freq_hz = Value(kFrequency);
     char number[48];
     std::snprintf(number, sizeof number, "%3.0f", static_cast<double>(freq_hz));
 

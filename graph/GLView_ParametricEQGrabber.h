@@ -59,14 +59,15 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
   private:
     bool IsBand() const { return is_band(index); }
     bool IsOn();
-    /// The value that a control was set to, even if the host has not reported it yet.
-    float KnownValue(uint32_t controlPort);
+    /// The shown value of one of the handle's controls.
+    float Value(Control control) { return GetParameter(firstPort + control); }
+    /// Writes a control, limited to its port's range.
+    void WriteInRange(Control control, float value);
     float DragSpeed();
     void DragFrequency(float pagePointX, float speed);
     void DragGain(float pagePointY, float speed);
     void BeginSearch();
     void EndSearch();
-    void Restore(uint32_t controlPort, float value);
     /// Draws the label around the origin; scales the matrix.
     void DrawLabel(const GraphLook& look);
     void DrawMarkerAt(float placeX, const GraphLook& look);
@@ -75,9 +76,6 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
 
     GLView_ParametricEQ& graph_;
     TouchGesture gainGesture_;
-    /// The values that this drag wrote last. The host reports them too late to continue from.
-    float dragged_hz_ = 0.0f;
-    float dragged_db_ = 0.0f;
     std::optional<float> foundType_;  ///< the type's code before a search; empty without one
     float search_gain_db_ = 0.0f;     ///< the gain before a search
     std::array<bool, kHandleCount> searchEnables_{};

@@ -105,58 +105,50 @@ TEST_F(Messages, IgnoreAllThatIsNotAPlot) {
     EXPECT_TRUE(IsRead({}));
 }
 
-TEST(PendingWrites, CountAsReportedAfterAWhileOnly) {
+TEST(PendingWrites, CountAsShownAfterAWhileOnly) {
     PendingWrites writes;
     std::vector<std::pair<uint32_t, float>> taken;
     const auto take_at = [&](int64_t now_ms) {
         taken.clear();
-        writes.ForEachOverdue(now_ms,
+        writes.ForEachUnshown(now_ms, 100,
                               [&](uint32_t port, float value) { taken.emplace_back(port, value); });
         return taken;
     };
     writes.Written(4, 1.0f, 1000);
     writes.Written(7, 2.0f, 1010);
     writes.Written(4, 1.5f, 1090);
-    writes.Written(128, 9.0f, 1000);
     EXPECT_THAT(take_at(1099), IsEmpty());
     EXPECT_THAT(take_at(1100), ElementsAre(Pair(4u, 1.5f)));
     EXPECT_THAT(take_at(1109), IsEmpty());
-    writes.Reported(7);
+    writes.Reported(7, 0.0f, 1109);
     EXPECT_THAT(take_at(2000), IsEmpty());
     writes.Written(7, 3.0f, 3000);
     EXPECT_THAT(take_at(3100), ElementsAre(Pair(7u, 3.0f)));
     EXPECT_THAT(take_at(9000), IsEmpty());
 }
 
-/// A host that can report a write immediately, from inside the write call.
-struct EchoHost {
-    std::vector<std::pair<uint32_t, float>> writes;
-    HostConnection* connection = nullptr;
-    bool echoes = false;
-
-    static void Write(LV2UI_Controller self, uint32_t port, uint32_t size, uint32_t protocol,
-                      const void* buffer) {
-        auto& host = *static_cast<EchoHost*>(self);
-        host.writes.emplace_back(port, *static_cast<const float*>(buffer));
-        if (host.echoes) host.connection->ReadControl(port, protocol, buffer, size);
-    }
-};
-
-TEST(HostConnection, TakesWritesThatTheHostDoesNotReport) {
-    for (const bool echoes : {false, true}) {
-        SCOPED_TRACE(echoes);
-        UridMap map;
-        EchoHost host;
-        HostConnection connection({EchoHost::Write, &host}, map.get());
-        host.connection = &connection;
-        host.echoes = echoes;
-        connection.GetWriter().Write(44, -3.0f);
-        EXPECT_THAT(host.writes, ElementsAre(Pair(44u, -3.0f)));
-        int taken = 0;
-        connection.ForEachOverdue(HostConnection::Now(), [&](uint32_t, float) { ++taken; });
-        EXPECT_EQ(taken, 0);
-        connection.ForEachOverdue(HostConnection::Now() + 100, [&](uint32_t, float) { ++taken; });
-        EXPECT_EQ(taken, echoes ? 0 : 1);
+TEST(PendingWrites, AreShownAsTheNewestOneUntilTheHostReportsItsOwn) {
+    struct Row {
+        int64_t now_ms;
+        float reported;
+        float shown;
+    };
+    const std::vector<Row> cases[] = {
+        {{10, 1.0f, 3.0f}, {20, 2.0f, 3.0f}, {30, 3.0f, 3.0f}, {40, 1.0f, 1.0f}},  // in order
+        {{10, 3.0f, 3.0f}, {20, 1.0f, 3.0f}, {30, 2.0f, 3.0f}, {40, 3.0f, 3.0f}},  // in another
+        {{10, 1.0f, 3.0f}, {20, 1.0f, 1.0f}, {30, 2.0f, 2.0f}},  // the second is the host's own
+        {{10, 1.5f, 1.5f}, {20, 3.0f, 3.0f}, {30, 1.0f, 1.0f}},
+        {{10, 1.000001f, 3.0f}, {20, 2.0001f, 2.0001f}},  // rounded, and not
+        {{499, 1.0f, 3.0f}, {510, 2.0f, 2.0f}},           // late, and too late
+    };
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        PendingWrites writes;
+        for (const float value : {1.0f, 2.0f, 3.0f}) writes.Written(9, value, 0);
+        writes.Written(8, 1.5f, 0);  // another port
+        for (const Row& row : cases[i]) {
+            EXPECT_EQ(writes.Reported(9, row.reported, row.now_ms), row.shown)
+                << "case " << i << ", " << row.now_ms << " ms";
+        }
     }
 }
 

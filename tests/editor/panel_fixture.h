@@ -11,7 +11,7 @@
 #include "contract/ports.h"
 #include "editor/GLView_StripEqView.h"
 #include "editor/editor_instance.h"
-#include "graph/GLView_ParametricEQ.h"
+#include "graph/GLView_ParametricEQGrabber.h"
 #include "tests/support/ui_host.h"
 
 LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index);
@@ -26,10 +26,26 @@ struct Spot {
     float y;
 };
 
-/// A host that passes the editor's writes on to the engine and, if `echoes` is set, reports them
-/// back.
+/// A position in a strip: strips are 81 wide, 87 apart, with a gap of 15 after each group.
+inline Spot InStrip(int strip, float above_middle) {
+    const float group = strip < 4 ? 0.0f : strip < 8 ? 1.0f : 2.0f;
+    return {125.0f + 87.0f * static_cast<float>(strip) + 15.0f * group + 40.5f,
+            134.0f + above_middle};
+}
+inline Spot KeyOf(int strip) {
+    return InStrip(strip, 80.0f);
+}
+inline Spot ShapeOf(int strip) {
+    return InStrip(strip, -77.0f);
+}
+inline Spot PresetAt(int number) {
+    return {159.0f + 111.0f * static_cast<float>(number), 778.0f};
+}
+
+/// A host that passes the editor's writes on to the engine and reports them at once.
 struct Panel : testing::Test {
     void SetUp() override {
+        host.kind = test::kAtNextIdle;
         ASSERT_TRUE(host.Open());
         host.IdleTimes(2);
         for (int strip = 0; strip < kStripCount; ++strip) {
@@ -47,11 +63,8 @@ struct Panel : testing::Test {
     /// Handles all waiting pointer events, then answers the resulting writes.
     void Tick() {
         host.IdleTimes(1);
-        for (; answered < host.writes.size(); ++answered) {
-            const auto& write = host.writes[answered];
-            if (write.protocol != 0) continue;
-            plugin.port(write.port) = write.AsFloat();
-            if (echoes) host.Report(write.port, write.AsFloat());
+        for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
+            plugin.port(port) = host.held[port];
         }
     }
     void MoveTo(const Spot& spot) {
@@ -109,6 +122,17 @@ struct Panel : testing::Test {
         }
         throw std::logic_error("no graph");
     }
+    /// The position of a handle, or of its marker below the graph.
+    Spot HandleAt(int number, bool marker = false) {
+        Graph().UpdateCurves();
+        GLView* child = Graph().firstChild;
+        for (; number > 0; --number) child = child->nextSibling;
+        GLPoint at = dynamic_cast<GLView_ParametricEQGrabber&>(*child).Place();
+        if (marker) at.y = -Graph().hh - 42.0f * Root().GetPixelSize();
+        const float s = Root().GetInterfaceScale();
+        return {(Graph().x + at.x - Root().GetViewLeft()) / s,
+                (Graph().y + at.y - Root().GetViewBottom()) / s};
+    }
     /// The level of the drawn curve.
     double CurveDb(double hz) {
         const auto heights = Graph().Heights();
@@ -117,8 +141,6 @@ struct Panel : testing::Test {
     }
     test::PluginHost plugin{1, kRate};
     test::UiHost host{lv2ui_descriptor(0), &plugin.map()};
-    bool echoes = true;
-    size_t answered = 0;
 };
 
 }  // namespace brindle

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "graph/GLView_ParametricEQGrabber.h"
 #include "tests/editor/panel_fixture.h"
 
 namespace brindle {
@@ -17,16 +16,6 @@ using testing::ElementsAre;
 using testing::Pair;
 
 struct PanelGraph : Panel {
-    /// The position of a handle, or of its marker below the graph.
-    Spot HandleAt(int number, bool marker = false) {
-        GLView* child = Graph().firstChild;
-        for (; number > 0; --number) child = child->nextSibling;
-        GLPoint at = dynamic_cast<GLView_ParametricEQGrabber&>(*child).Place();
-        if (marker) at.y = -Graph().hh - 42.0f * Root().GetPixelSize();
-        const float s = Root().GetInterfaceScale();
-        return {(Graph().x + at.x - Root().GetViewLeft()) / s,
-                (Graph().y + at.y - Root().GetViewBottom()) / s};
-    }
     /// Only far below Nyquist, which has no effect on the curve.
     void ExpectTheSoundThatIsDrawn(double tolerance_db) {
         const auto response = Response();
@@ -96,6 +85,8 @@ TEST_F(PanelGraph, HoldingAMarkerSearchesUntilItIsReleasedOrTheEditorCloses) {
         Report(band_port(2) + kType, 12.0f);
         Report(band_port(2) + kGain, -3.0f);
         Report(band_port(2) + kFrequency, 400.0f);
+        const float fifth = closes ? 0.0f : 1.0f;  // switched off right after a search
+        Report(band_port(4) + kEnable, fifth);
         Tick();
         const Spot marker = HandleAt(2, true);
         EXPECT_THAT(Values(During([&] { PressAt(marker); })),
@@ -113,7 +104,7 @@ TEST_F(PanelGraph, HoldingAMarkerSearchesUntilItIsReleasedOrTheEditorCloses) {
         if (!closes) Tick();
         EXPECT_THAT(Values({host.writes.begin() + before, host.writes.end()}),
                     ElementsAre(Pair(13, 12), Pair(14, -3), Pair(42, 1), Pair(47, 0), Pair(2, 1),
-                                Pair(7, 1), Pair(17, 1), Pair(22, 1), Pair(27, 1), Pair(32, 1),
+                                Pair(7, 1), Pair(17, 1), Pair(22, fifth), Pair(27, 1), Pair(32, 1),
                                 Pair(37, 1)));
     }
     EXPECT_EQ(host.writes.back().port, kControlPort);  // the analyser is switched off last

@@ -21,21 +21,6 @@ using testing::ElementsAre;
 
 constexpr double kLn750 = 6.6200733;
 
-/// A position in a strip: strips are 81 wide, 87 apart, with a gap of 15 after each group.
-Spot InStrip(int strip, float above_middle) {
-    const float group = strip < 4 ? 0.0f : strip < 8 ? 1.0f : 2.0f;
-    return {125.0f + 87.0f * static_cast<float>(strip) + 15.0f * group + 40.5f,
-            134.0f + above_middle};
-}
-Spot KeyOf(int strip) {
-    return InStrip(strip, 80.0f);
-}
-Spot ShapeOf(int strip) {
-    return InStrip(strip, -77.0f);
-}
-Spot PresetAt(int number) {
-    return {159.0f + 111.0f * static_cast<float>(number), 778.0f};
-}
 constexpr Spot kFlatAll = {2.0f * 800.0f * 5.0f / 6.0f - 23.0f, 778.0f};
 constexpr Spot kTrim = {1124.0f, 84.0f};
 
@@ -372,21 +357,6 @@ TEST_F(Panel, EachViewDrawsInsideItsArea) {
         }
     }
     glXMakeCurrent(glXGetCurrentDisplay(), 0, nullptr);  // as the editor found it
-}
-
-TEST_F(Panel, WorksInAHostThatReportsNothingBack) {
-    echoes = false;
-    const auto wait_for = [&](uint32_t port, float value) {
-        return WaitFor([&] { return std::abs(Root().GetParameter(port) - value) < 1e-3f; },
-                       [&] { Tick(); });
-    };
-    EXPECT_EQ(Click(KeyOf(2)).back().AsFloat(), 0.0f);
-    EXPECT_TRUE(wait_for(band_port(2), 0.0f));
-    EXPECT_EQ(Click(KeyOf(2)).back().AsFloat(), 1.0f);
-    const Spot gain = InStrip(5, 40.0f);
-    EXPECT_NEAR(Drag(gain, 0, 40).back().AsFloat(), 4.32f, 0.01f);
-    EXPECT_TRUE(wait_for(band_port(5) + kGain, 4.32f));
-    EXPECT_NEAR(Drag(gain, 0, 40).back().AsFloat(), 8.64f, 0.01f);
 }
 
 }  // namespace

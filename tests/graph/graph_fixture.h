@@ -69,11 +69,11 @@ struct GraphFixture {
     }
     void Drag(GLPoint pixel) {
         page.capturedView->MouseDragTo(pixel);
-        if (echoes) Echo();
+        Echo();
     }
     void Release() {
         if (page.capturedView != nullptr) page.capturedView->MouseUp({});
-        if (echoes) Echo();
+        Echo();
     }
     /// Reports the writes since the last call.
     void Echo() {
@@ -88,7 +88,6 @@ struct GraphFixture {
     FakePage page;
     GLView_ParametricEQ* graph;
     std::array<GLView_ParametricEQGrabber*, GLView_ParametricEQGrabber::kHandleCount> handles{};
-    bool echoes = true;
     size_t echoed = 0;
 };
 

@@ -16,8 +16,6 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 
 struct Handles : testing::Test, GraphFixture {
-    Handles() { page.eventTime = 100000; }
-
     /// The writes of a search: every enable but the handle's own is set to these values.
     static std::vector<HostCall> Enables(uint32_t own, const std::array<float, 10>& values) {
         const uint32_t ports[] = {42, 47, 2, 7, 12, 17, 22, 27, 32, 37};
@@ -46,30 +44,21 @@ struct Handles : testing::Test, GraphFixture {
 
 TEST_F(Handles, FollowThePointer) {
     for (const float width : {1000.0f, 2000.0f}) {
-        for (const bool late : {false, true}) {
-            SCOPED_TRACE(testing::Message() << width << " wide, host reports late: " << late);
-            page.pageWidth = width;
-            page.pageHeight = 0.6f * width;
-            page.modifiers = 4;  // Alt, which is not fine
-            Set(3, {1.0f, 9.0f, 0.0f, 800.0f, 1.0f});
-            echoes = !late;
-            const GLPoint start = PressHandle(3);
-            GLPoint pixel = start;
-            for (int step = 0; step < 60; ++step) {
-                pixel.x += step < 40 ? 5.0f : -5.0f;
-                pixel.y -= step < 40 ? 1.0f : -1.0f;
-                Drag(pixel);
-                if (late) continue;
-                const GLPoint handle = InPixels(handles[3]->Place());
-                ASSERT_NEAR(handle.x, pixel.x, 2.0f);
-                ASSERT_NEAR(handle.y, pixel.y, 2.0f);
-            }
-            echoes = true;
-            Release();
+        SCOPED_TRACE(width);
+        page.pageWidth = width;
+        page.pageHeight = 0.6f * width;
+        page.modifiers = 4;  // Alt, which is not fine
+        Set(3, {1.0f, 9.0f, 0.0f, 800.0f, 1.0f});
+        GLPoint pixel = PressHandle(3);
+        for (int step = 0; step < 60; ++step) {
+            pixel.x += step < 40 ? 5.0f : -5.0f;
+            pixel.y -= step < 40 ? 1.0f : -1.0f;
+            Drag(pixel);
             const GLPoint handle = InPixels(handles[3]->Place());
-            EXPECT_NEAR(handle.x, start.x + 100.0f, 2.0f);
-            EXPECT_NEAR(handle.y, start.y - 20.0f, 2.0f);
+            ASSERT_NEAR(handle.x, pixel.x, 2.0f);
+            ASSERT_NEAR(handle.y, pixel.y, 2.0f);
         }
+        Release();
     }
 }
 
@@ -96,8 +85,8 @@ TEST_F(Handles, TheWheelStopsAtTheEndsOfQ) {
     for (const float delta : {-1.0f, 1000.0f, -1000.0f}) handles[3]->Scroll(delta);
     ASSERT_EQ(host.calls.size(), 3u);
     EXPECT_NEAR(host.calls[0].value, std::pow(1000.0f, -0.005f), 1e-4f);
-    EXPECT_NEAR(host.calls[1].value, 100.0f, 1e-3f);
-    EXPECT_NEAR(host.calls[2].value, 0.1f, 1e-6f);
+    EXPECT_EQ(host.calls[1].value, 100.0f);
+    EXPECT_EQ(host.calls[2].value, 0.1f);
 }
 
 TEST_F(Handles, ASearchKeepsTypesWithoutACentreAndLeavesSectionsAsTheyAre) {
@@ -108,23 +97,22 @@ TEST_F(Handles, ASearchKeepsTypesWithoutACentreAndLeavesSectionsAsTheyAre) {
     EXPECT_THAT(TakeWrites()[0], Wrote(3, 5.0f));
 
     Set(0, {1.0f, 8.95f, 3.0f, 100.0f, 1.0f});  // a Bell, as the engine reads it
-    page.eventTime += 10000;
     PressMarker(0);
     EXPECT_THAT(TakeWrites()[0], Wrote(3, 10.0f));
     Release();
     EXPECT_THAT(TakeWrites()[0], Wrote(3, 9.0f));
 
-    Set(0, {1.0f, 99.0f, -1e6f, 100.0f, 1.0f});  // outside the ports' ranges
-    page.eventTime += 10000;
-    PressMarker(0);
-    EXPECT_THAT(TakeWrites()[0], Wrote(3, 99.0f));
-    Release();
-    const auto writes = TakeWrites();
-    EXPECT_THAT(writes[0], Wrote(3, 99.0f));
-    EXPECT_THAT(writes[1], Wrote(4, -18.0f));
+    for (const float type : {99.0f, 17.0f}) {  // outside the ports' ranges
+        Set(0, {1.0f, type, -1e6f, 100.0f, 1.0f});
+        PressMarker(0);
+        EXPECT_THAT(TakeWrites()[0], Wrote(3, type));
+        Release();
+        const auto writes = TakeWrites();
+        EXPECT_THAT(writes[0], Wrote(3, type));
+        EXPECT_THAT(writes[1], Wrote(4, -18.0f));
+    }
 
     Set(8, {1.0f, 13.0f, 6.0f, 60.0f, 1.0f});
-    page.eventTime += 10000;
     PressMarker(8);
     EXPECT_THAT(TakeWrites(), ElementsAreArray(Enables(42, kMuted)));
     Release();
@@ -147,18 +135,6 @@ TEST_F(Handles, OnlyTheMiddleOfTheMarkerStripSearches) {
     }
 }
 
-TEST_F(Handles, ADragRightAfterASearchGoesOnFromTheGainBeforeIt) {
-    Set(3, {1.0f, 9.0f, -6.0f, 800.0f, 1.0f});
-    PressMarker(3);
-    Echo();
-    echoes = false;
-    Release();
-    page.eventTime += 90;  // the host still reports the 10 dB of the search
-    const GLPoint start = PressHandle(3);
-    Drag({start.x, start.y - 6.0f});
-    EXPECT_NEAR(host.calls.back().value, -6.0f + 0.024f * 36.0f, 1e-4f);
-}
-
 /// However a search ends, it restores all values.
 TEST_F(Handles, NoSearchLeavesThePluginMuted) {
     using Ending = void (*)(Handles&);
@@ -176,36 +152,20 @@ TEST_F(Handles, NoSearchLeavesThePluginMuted) {
              t.PressMarker(5);
              t.Release();
          }},
-        {"pressed again before the host has reported",
-         [](Handles& t) {
-             t.echoes = false;
-             t.Release();
-             t.page.eventTime += 90;
-             t.PressMarker(2);
-             t.page.eventTime += 90;
-             t.Release();
-             t.page.eventTime += 90;
-             t.PressMarker(5);
-             t.Release();
-         }},
     };
-    for (const bool late : {false, true}) {
-        for (const auto& [name, end] : endings) {
-            SCOPED_TRACE(testing::Message() << name << ", host reports late: " << late);
-            Set(2, {1.0f, 12.0f, -4.5f, 400.0f, 2.0f});
-            Set(8, {1.0f, 2.0f, 0.0f, 30.0f, 1.0f});
-            Set(9, {0.0f, 5.0f, 0.0f, 15000.0f, 1.0f});
-            page.eventTime += 10000;
-            const auto before = page.parameters;
-            echoes = !late;
-            PressMarker(2);
-            if (!late) Echo();
-            EXPECT_TRUE(handles[2]->IsSearching());
-            end(*this);
-            Echo();
-            EXPECT_EQ(page.parameters, before);
-            page.ReleaseAll();
-        }
+    for (const auto& [name, end] : endings) {
+        SCOPED_TRACE(name);
+        Set(2, {1.0f, 12.0f, -4.5f, 400.0f, 2.0f});
+        Set(8, {1.0f, 2.0f, 0.0f, 30.0f, 1.0f});
+        Set(9, {0.0f, 5.0f, 0.0f, 15000.0f, 1.0f});
+        const auto before = page.parameters;
+        PressMarker(2);
+        Echo();
+        EXPECT_TRUE(handles[2]->IsSearching());
+        end(*this);
+        Echo();
+        EXPECT_EQ(page.parameters, before);
+        page.ReleaseAll();
     }
 }
 

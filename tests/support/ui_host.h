@@ -8,12 +8,17 @@
 #include <lv2/options/options.h>
 #include <lv2/ui/ui.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
 #include <cstring>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "contract/brindle.h"
+#include "contract/ports.h"
 #include "tests/support/host_window.h"
 #include "tests/support/plugin_host.h"
 
@@ -40,6 +45,47 @@ struct UiWrite {
         if (bytes.size() == sizeof value) std::memcpy(&value, bytes.data(), sizeof value);
         return value;
     }
+};
+
+/// How a host takes and reports the editor's control writes.
+struct HostKind {
+    enum Reports { Never, InTheWrite, Each, Newest, Reversed };
+
+    const char* name = "never reports";
+    Reports reports = Never;
+    int64_t after_ms = 0;  ///< from the write to its report
+    int64_t every_ms = 1;  ///< a timer's period: reports wait for its next tick
+    float (*takes)(uint32_t port, float held, float wanted) = Accept;  ///< the port's next value
+
+    static float Accept(uint32_t, float, float wanted) { return wanted; }
+    static float Refuse(uint32_t, float held, float) { return held; }
+    /// Holds gains at 12 dB.
+    static float Hold(uint32_t port, float, float wanted) {
+        return port % kControlCount == band_port(0) + kGain ? std::min(wanted, 12.0f) : wanted;
+    }
+    /// Keeps gains as factors.
+    static float Round(uint32_t port, float, float wanted) {
+        const bool isGain = port % kControlCount == band_port(0) + kGain;
+        return isGain ? 20.0f * std::log10(std::pow(10.0f, wanted / 20.0f)) : wanted;
+    }
+};
+inline constexpr HostKind kAtNextIdle = {"reports at the next idle call", HostKind::Each};
+inline const HostKind kHostKinds[] = {
+    {},
+    kAtNextIdle,
+    {"reports inside the write", HostKind::InTheWrite},
+    {"reports after 10 ms", HostKind::Each, 10},
+    {"reports after 30 ms", HostKind::Each, 30},
+    {"reports after 200 ms", HostKind::Each, 200},
+    {"rounds and reports late", HostKind::Each, 30, 1, HostKind::Round},
+    {"reports all by a timer", HostKind::Each, 0, 30},
+    {"reports the newest by a timer", HostKind::Newest, 0, 30},
+    {"reports the newest late", HostKind::Newest, 150, 50},
+    {"reports in another order", HostKind::Reversed, 20, 60},
+    {"refuses at once", HostKind::InTheWrite, 0, 1, HostKind::Refuse},
+    {"refuses late", HostKind::Each, 50, 1, HostKind::Refuse},
+    {"holds at once", HostKind::InTheWrite, 0, 1, HostKind::Hold},
+    {"holds late", HostKind::Each, 50, 1, HostKind::Hold},
 };
 
 class UiHost {
@@ -106,11 +152,21 @@ class UiHost {
             descriptor->cleanup(handle);
             handle = nullptr;
         }
+        reports.clear();
     }
+    /// Idles, then reports what is due.
     int Idle() {
         const auto* idle = static_cast<const LV2UI_Idle_Interface*>(
             descriptor->extension_data(LV2_UI__idleInterface));
-        return idle->idle(handle);
+        const int ended = idle->idle(handle);
+        const int64_t now = Now();
+        const auto later = std::stable_partition(reports.begin(), reports.end(),
+                                                 [&](const auto& each) { return each.due <= now; });
+        std::vector<Waiting> due(reports.begin(), later);
+        reports.erase(reports.begin(), later);
+        if (kind.reports == HostKind::Reversed) std::ranges::reverse(due);
+        for (const auto& report : due) Send(report.port, report.value);
+        return ended;
     }
     void IdleTimes(int times) {
         for (int i = 0; i < times; ++i) {
@@ -118,8 +174,10 @@ class UiHost {
             window.Sync();
         }
     }
+    /// Reports a value of the host's own.
     void Report(uint32_t port, float value) {
-        descriptor->port_event(handle, port, sizeof value, 0, &value);
+        if (port < held.size()) held[port] = value;
+        Send(port, value);
     }
     void Deliver(uint32_t port, uint32_t format, const void* buffer, uint32_t size) {
         descriptor->port_event(handle, port, size, format, buffer);
@@ -140,13 +198,43 @@ class UiHost {
     std::vector<std::pair<uint32_t, bool>> touches;
     std::vector<std::pair<int, int>> resizes;
 
+    HostKind kind;
+    std::array<float, 128> held{};  ///< the ports' values
+    struct Waiting {
+        uint32_t port;
+        float value;
+        int64_t due;
+    };
+    std::vector<Waiting> reports;  ///< to come
+
   private:
+    static int64_t Now() {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+    }
+    void Send(uint32_t port, float value) {
+        descriptor->port_event(handle, port, sizeof value, 0, &value);
+    }
+    void Take(uint32_t port, float value) {
+        value = held[port] = kind.takes(port, held[port], value);
+        if (kind.reports == HostKind::InTheWrite) Send(port, value);
+        if (kind.reports == HostKind::Never || kind.reports == HostKind::InTheWrite) return;
+        const int64_t due =
+            (Now() + kind.after_ms + kind.every_ms - 1) / kind.every_ms * kind.every_ms;
+        if (kind.reports == HostKind::Newest) {
+            std::erase_if(reports,
+                          [&](const auto& each) { return each.port == port && each.due == due; });
+        }
+        reports.push_back({port, value, due});
+    }
     static UiHost& Of(void* self) { return *static_cast<UiHost*>(self); }
     static void Write(LV2UI_Controller self, uint32_t port, uint32_t size, uint32_t protocol,
                       const void* buffer) {
         if (Of(self).failsWrites) throw std::runtime_error("a write fails");
         const auto* bytes = static_cast<const uint8_t*>(buffer);
         Of(self).writes.push_back({port, protocol, {bytes, bytes + size}});
+        const float value = Of(self).writes.back().AsFloat();
+        if (protocol == 0 && port < Of(self).held.size()) Of(self).Take(port, value);
     }
     uint8_t* AddValue() { return values.emplace_back().data(); }
 
