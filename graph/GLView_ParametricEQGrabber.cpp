@@ -30,6 +30,12 @@ constexpr std::array<uint32_t, GLView_ParametricEQGrabber::kHandleCount> kEnable
     section_port(0), section_port(1), band_port(0), band_port(1), band_port(2),
     band_port(3),    band_port(4),    band_port(5), band_port(6), band_port(7)};
 
+/// A band's type code as hosts round it; a code outside the types is left as it is.
+float TypeCode(float value) {
+    const float code = value + 0.1f;
+    return code >= 0.0f && code < kLastType<BandType> + 1.0f ? std::trunc(code) : value;
+}
+
 /// The type of a band during a search: types with a centre are heard best as a band-pass.
 float SearchedAs(float code) {
     const auto type = decode_type<BandType>(code);
@@ -113,7 +119,8 @@ void GLView_ParametricEQGrabber::MouseDown(GLPoint point, GLPoint pagePoint) {
     // A second mouse button must not save the bands that a search muted as the user's settings.
     if (onMarker && GetCapturedView() == nullptr) BeginSearch();
     GLView_Slider::MouseDown(point, pagePoint);
-    gainGesture_.Begin();
+    // Hosts record the values of touched controls. A search moves only the frequency by hand.
+    if (!IsSearching()) gainGesture_.Begin();
 }
 
 void GLView_ParametricEQGrabber::MouseUp(GLPoint point) {
@@ -169,8 +176,7 @@ void GLView_ParametricEQGrabber::Scroll(float delta) {
 }
 
 void GLView_ParametricEQGrabber::BeginSearch() {
-    // The port's value as a host rounds it, even if it is outside the types.
-    foundType_ = std::trunc(Value(kType) + 0.1f);
+    foundType_ = TypeCode(Value(kType));
     search_gain_db_ = Value(kGain);
     if (IsBand()) {
         writer.Write(firstPort + kType, SearchedAs(*foundType_));

@@ -93,6 +93,7 @@ TEST_F(PanelGraph, HoldingAMarkerSearchesUntilItIsReleasedOrTheEditorCloses) {
                     ElementsAre(Pair(13, 10), Pair(14, 10), Pair(42, 0), Pair(47, 0), Pair(2, 0),
                                 Pair(7, 0), Pair(17, 0), Pair(22, 0), Pair(27, 0), Pair(32, 0),
                                 Pair(37, 0)));
+        EXPECT_THAT(host.touches, ElementsAre(Pair(15, true)));  // not the gain
         const auto moved = During([&] { MoveTo({marker.x + 80.0f / 0.75f, marker.y + 50.0f}); });
         ASSERT_EQ(moved.size(), 1u);
         EXPECT_EQ(moved[0].port, 15u);

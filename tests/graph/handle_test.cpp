@@ -102,7 +102,7 @@ TEST_F(Handles, ASearchKeepsTypesWithoutACentreAndLeavesSectionsAsTheyAre) {
     Release();
     EXPECT_THAT(TakeWrites()[0], Wrote(3, 9.0f));
 
-    for (const float type : {99.0f, 17.0f}) {  // outside the ports' ranges
+    for (const float type : {99.75f, -3.0f}) {  // outside the ports' ranges
         Set(0, {1.0f, type, -1e6f, 100.0f, 1.0f});
         PressMarker(0);
         EXPECT_THAT(TakeWrites()[0], Wrote(3, type));
