@@ -107,6 +107,7 @@ void GLView_BandDecorator::AddKnobs(const HostWriter& writer, const LV2UI_Touch*
         knob.SetTouch(touch, port);
         knob.SetUnit(plan.unit);
         knob.SetSensitivity(plan.sensitivity);
+        knob.SetLimits(range.minimum, range.maximum);  // the scales' ends are rounded
         knob.SetResetValue(strip_row(index).defaults[plan.control]);
         knob.SetInfoTitle(TitleOf(index, plan.title).c_str());
         knob.SetLabel(plan.label);

@@ -162,6 +162,10 @@ TEST_F(Panel, EachKnobMovesItsControlByItsMeasure) {
             EXPECT_EQ(writes.back().port, port);
             EXPECT_NEAR(static_cast<double>(writes.back().AsFloat()), row.moved, 1e-3 * row.moved);
             EXPECT_THAT(host.touches, ElementsAre(std::pair(port, true), std::pair(port, false)));
+            if (strip % kBandCount != 0) continue;
+            const float maximum = strip_controls(strip)[row.control].maximum;
+            Report(port, 0.999f * maximum);
+            EXPECT_EQ(Drag(InStrip(strip, row.above), 0, kUp).back().AsFloat(), maximum);
         }
     }
     const auto trim = Drag(kTrim, 50, 0);
