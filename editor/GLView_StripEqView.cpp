@@ -204,7 +204,13 @@ void GLView_StripEqView::Scroll(float delta) {
     GLView_BaseView::Scroll(delta);
 }
 
+void GLView_StripEqView::MouseDown(GLPoint point, GLPoint pixelPoint) {
+    GLView_BaseView::MouseDown(point, pixelPoint);
+    presetChosen_ = dynamic_cast<GLView_PresetButton*>(captureView) != nullptr;
+}
+
 void GLView_StripEqView::MouseDragTo(GLPoint pixelPoint) {
+    presetChosen_ = false;
     // A drag continues at its new speed from what it has reached.
     if (std::exchange(dragModifiers_, modifiers) != modifiers) AssumeUnreportedWrites(0);
     GLView_BaseView::MouseDragTo(pixelPoint);
@@ -268,8 +274,11 @@ void GLView_StripEqView::CheckResources() {
 void GLView_StripEqView::PreDraw() {
     if (!std::exchange(hasCheckedResources_, true)) CheckResources();
     selectedBand_ = graph_->selectedHandle;
-    if (GLView* told = captureView != nullptr ? captureView : focusView) {
+    const GLView* told = captureView != nullptr ? captureView : focusView;
+    if (told != nullptr && !presetChosen_) {
         ShowInfo(told->infoTitle, told->infoText);
+    } else {
+        ShowInfo("", "");  // not the control that the host has reported last
     }
 }
 

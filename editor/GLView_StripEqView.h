@@ -29,6 +29,7 @@ class GLView_StripEqView : public GLView_BaseView {
 
     // Presses, wheel steps and drags at another speed start from what was written last.
     void PrePress() override;
+    void MouseDown(GLPoint point, GLPoint pixelPoint) override;
     void Scroll(float delta) override;
     void MouseDragTo(GLPoint pixelPoint) override;
     /// Deselects the handle and its strip.
@@ -42,7 +43,8 @@ class GLView_StripEqView : public GLView_BaseView {
     GLColor GetBackgroundColor() override;
     /// The host's contrast colour, bright enough to stand out from the panel.
     GLColor GetContrastColor() override;
-    /// Shows the help texts of the held control or else of the hovered one.
+    /// Shows the help texts of the held control or else of the hovered one. A preset's click clears
+    /// the help line until the pointer moves or another control is pressed.
     void PreDraw() override;
     /// Shows five lines above the darkened panel, until the next click.
     void ShowMessage(const char* line1, const char* line2, const char* line3, const char* line4,
@@ -75,6 +77,7 @@ class GLView_StripEqView : public GLView_BaseView {
     GLView_DB60Meter* outputMeter_ = nullptr;
     int32_t selectedBand_ = -1;        ///< strip of the selected handle, -1 for none
     uint32_t dragModifiers_ = 0;       ///< modifier keys at the pointer's last motion
+    bool presetChosen_ = false;        ///< by the last press, and the pointer has not moved since
     bool hasReportedControl_ = false;  ///< the host has reported a value
     bool hasCheckedResources_ = false;
 };

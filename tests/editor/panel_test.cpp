@@ -30,10 +30,17 @@ double Gain(const std::vector<double>& response, double hz) {
 }
 
 TEST_F(Panel, EachPresetIsWrittenInOrderAndHeard) {
+    EXPECT_STREQ(Root().infoTitle, "");  // nothing is touched yet
+    MoveTo(PresetAt(0));
+    Tick();
+    EXPECT_STREQ(Root().infoTitle, "Preset");
     for (size_t i = 0; i < kPresets.size(); ++i) {
         SCOPED_TRACE(kPresets[i].name);
         const auto writes = Click(PresetAt(static_cast<int>(i)));
         ASSERT_EQ(writes.size(), 51u);
+        Tick();
+        EXPECT_STREQ(Root().infoTitle, "");  // until the pointer moves
+        EXPECT_STREQ(Root().infoText, "");
         PluginHost wanted(1, kRate);
         for (uint32_t n = 0; n < 51; ++n) {
             EXPECT_EQ(writes[n].port, 2 + n);
