@@ -18,15 +18,6 @@ if(BRINDLE_COVERAGE)
     target_link_options(brindle_options INTERFACE --coverage)
 endif()
 
-# Product code: options above, and clang-tidy beside the compiler when it was asked for.
-function(brindle_product target)
-    target_link_libraries(${target} PRIVATE brindle_options)
-    if(BRINDLE_TIDY)
-        set_target_properties(
-            ${target} PROPERTIES CXX_CLANG_TIDY "clang-tidy;--quiet;--extra-arg=-Wno-unknown-warning-option")
-    endif()
-endfunction()
-
 # A program that the build runs. BRINDLE_GENERATORS names a folder with ready ones, which a build for
 # another processor takes from one for the machine at hand (generators/ of its build folder).
 function(brindle_generator target)
@@ -37,7 +28,7 @@ function(brindle_generator target)
     endif()
     cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${target} ${arg_SOURCES})
-    brindle_product(${target})
+    target_link_libraries(${target} PRIVATE brindle_options)
     target_link_libraries(${target} PRIVATE ${arg_LIBS})
     set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/generators)
 endfunction()
@@ -46,7 +37,7 @@ endfunction()
 function(brindle_library target)
     add_library(${target} STATIC ${ARGN})
     target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
-    brindle_product(${target})
+    target_link_libraries(${target} PRIVATE brindle_options)
 endfunction()
 
 # What the sanitizers have to know of the GL driver, for a program that draws.
@@ -56,21 +47,26 @@ function(brindle_sanitizer_settings target)
     endif()
 endfunction()
 
-# A GoogleTest program, each of its tests known to ctest by name.
-function(brindle_test target)
+# A GoogleTest program. Those of one kind share a precompiled header, which programs with other
+# compile options could not read.
+function(brindle_test_program target)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
     add_executable(${target} ${arg_SOURCES})
     target_link_libraries(${target} PRIVATE brindle_options ${arg_LIBS} GTest::gmock GTest::gtest_main)
+    target_compile_options(${target} PRIVATE -pthread) # as the header
+    target_precompile_headers(${target} REUSE_FROM brindle_test_headers)
     brindle_sanitizer_settings(${target})
+endfunction()
+
+# Each of its tests is known to ctest by name.
+function(brindle_test target)
+    brindle_test_program(${target} ${ARGN})
     gtest_discover_tests(${target} PROPERTIES TIMEOUT 300)
 endfunction()
 
 # A GoogleTest program that needs a display: one ctest entry with an X server of its own.
 function(brindle_display_test target)
-    cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
-    add_executable(${target} ${arg_SOURCES})
-    target_link_libraries(${target} PRIVATE brindle_options ${arg_LIBS} GTest::gmock GTest::gtest_main)
-    brindle_sanitizer_settings(${target})
+    brindle_test_program(${target} ${ARGN})
     add_test(NAME ${target} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with_display
                                     $<TARGET_FILE:${target}>)
     set_tests_properties(${target} PROPERTIES TIMEOUT 600)
