@@ -8,11 +8,12 @@
 #include <cstring>
 #include <limits>
 #include <memory>
-#include <random>
 #include <vector>
 
 #include "engine/analyser.h"
 #include "tests/engine/reference_analyser.h"
+#include "tests/support/hard_treatment.h"
+#include "tests/support/plugin_host.h"
 
 namespace brindle {
 namespace {
@@ -58,10 +59,9 @@ class AnalyserBits : public testing::TestWithParam<int64_t> {
 
 /// Feeds `signal` to both analysers, to the product in blocks of random length, often one sample.
 void feed(SpectrumAnalyser& product, reference::Analyser& plain, const std::vector<float>& signal,
-          std::mt19937& random) {
-    std::uniform_int_distribution<size_t> any_length(0, 700);
+          test::Random& random) {
     for (size_t at = 0; at < signal.size();) {
-        const size_t wanted = random() % 3 == 0 ? 1 : any_length(random);
+        const size_t wanted = random.one_in(3) ? 1 : random.below(701);
         const size_t length = std::min(wanted, signal.size() - at);
         analyse(product, signal.data() + at, static_cast<uint32_t>(length));
         at += length;
@@ -69,25 +69,18 @@ void feed(SpectrumAnalyser& product, reference::Analyser& plain, const std::vect
     for (float x : signal) plain.add(x);
 }
 
-std::vector<float> loud_noise(size_t length, float peak, std::mt19937& random) {
-    std::uniform_real_distribution<float> level(-peak, peak);
-    std::vector<float> signal(length);
-    std::generate(signal.begin(), signal.end(), [&] { return level(random); });
-    return signal;
-}
-
 TEST_P(AnalyserBits, AreThoseOfThePlainAnalyser) {
-    std::mt19937 random(17);
+    test::Random random(17);
     for (double rate : {22050.0, 44100.0, 64000.9, 64001.0, 192000.0}) {
         SCOPED_TRACE(rate);
         auto product = make(rate);
         reference::Analyser plain(rate);
         for (float peak : {1.0f, 0.0f, 3e38f, 1e-30f}) {
-            feed(*product, plain, loud_noise(5000, peak, random), random);
+            feed(*product, plain, test::noise(1, 5000, random.below(1000), peak)[0], random);
             ASSERT_TRUE(same_bits(*product, plain)) << "peak " << peak;
         }
         product->normalise = plain.normalise = false;
-        feed(*product, plain, loud_noise(5000, 0.1f, random), random);
+        feed(*product, plain, test::noise(1, 5000, random.below(1000), 0.1f)[0], random);
         ASSERT_TRUE(same_bits(*product, plain));
     }
 }
@@ -95,26 +88,26 @@ TEST_P(AnalyserBits, AreThoseOfThePlainAnalyser) {
 /// The counter wraps after 65536 samples. There, oscillators that have lost their magnitude
 /// restart, and the others continue.
 TEST_P(AnalyserBits, StayTheSameWhereTheCounterWraps) {
-    std::mt19937 random(18);
+    test::Random random(18);
     auto product = make(48000.0);
     reference::Analyser plain(48000.0);
-    feed(*product, plain, loud_noise(65000, 0.5f, random), random);
+    feed(*product, plain, test::noise(1, 65000, random.below(1000), 0.5f)[0], random);
     for (size_t bin : {0u, 100u, 240u}) {
         product->bins.re[bin] = plain.bins[bin].re = 0.1;
         product->bins.im[bin] = plain.bins[bin].im = -0.1;
     }
-    feed(*product, plain, loud_noise(537, 0.5f, random), random);
+    feed(*product, plain, test::noise(1, 537, random.below(1000), 0.5f)[0], random);
     EXPECT_EQ(product->bins.re[100], 1.0);
     EXPECT_EQ(product->bins.im[100], 0.0);
-    feed(*product, plain, loud_noise(3000, 0.5f, random), random);
+    feed(*product, plain, test::noise(1, 3000, random.below(1000), 0.5f)[0], random);
     EXPECT_TRUE(same_bits(*product, plain));
 }
 
 TEST_P(AnalyserBits, SamplesThatAreNotFiniteCountAsSilence) {
-    std::mt19937 random(19);
+    test::Random random(19);
     auto product = make(48000.0);
     reference::Analyser plain(48000.0);
-    std::vector<float> signal = loud_noise(6000, 0.5f, random);
+    std::vector<float> signal = test::noise(1, 6000, random.below(1000), 0.5f)[0];
     const float bad[] = {std::numeric_limits<float>::quiet_NaN(),
                          std::numeric_limits<float>::infinity(),
                          -std::numeric_limits<float>::infinity()};

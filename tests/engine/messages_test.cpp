@@ -14,50 +14,14 @@
 
 #include "contract/brindle.h"
 #include "tests/engine/reference_analyser.h"
+#include "tests/support/atom_sequence.h"
 #include "tests/support/plugin_host.h"
 
 namespace brindle::test {
 namespace {
 
-using Words = std::vector<uint32_t>;
+using Words = AtomSequence::Words;
 constexpr uint32_t kJunk = 0xdeadbeef;
-
-/// A sequence as 32-bit words, whose events may be wrong in any way.
-class Sequence {
-  public:
-    /// Adds an event with a body of `words`. The size in its head, 4 bytes a word unless given, may
-    /// be wrong.
-    Sequence& event(LV2_URID type, const Words& words, std::optional<uint32_t> size = {}) {
-        const auto real_size = static_cast<uint32_t>(4 * words.size());
-        words_.insert(words_.end(), {0, 0, size.value_or(real_size), type});
-        words_.insert(words_.end(), words.begin(), words.end());
-        words_.resize((words_.size() + 1) / 2 * 2);
-        return *this;
-    }
-    /// Removes the last `count` bytes.
-    Sequence& cut(size_t count) {
-        cut_ = count;
-        return *this;
-    }
-    Sequence& unit(uint32_t unit) {
-        words_[2] = unit;
-        return *this;
-    }
-    /// The sequence, `shift` bytes off alignment, at the end of its memory, so that sanitizers
-    /// detect reads beyond it.
-    std::unique_ptr<uint8_t[]> bytes(LV2_URID type, size_t shift) const {
-        const size_t size = 4 * words_.size() - cut_;
-        const LV2_Atom head = {static_cast<uint32_t>(size - sizeof(LV2_Atom)), type};
-        std::unique_ptr<uint8_t[]> memory(new uint8_t[shift + size]);
-        std::memcpy(memory.get() + shift, words_.data(), size);
-        std::memcpy(memory.get() + shift, &head, sizeof head);
-        return memory;
-    }
-
-  private:
-    Words words_ = {0, 0, 0, 0};
-    size_t cut_ = 0;
-};
 
 struct RowMessage {
     int32_t sample_rate;
@@ -68,35 +32,36 @@ struct RowMessage {
 /// A host with an editor. It processes noise in place and decodes the plugin's messages.
 class EditorHost : public PluginHost {
   public:
-    EditorHost(int channels, double rate)
-        : PluginHost(channels, rate), audio_(static_cast<size_t>(channels)) {}
+    using PluginHost::PluginHost;
 
     LV2_URID urid(const std::string& uri) { return map()(uri); }
-    Sequence request(const char* uri) {
-        return Sequence().event(urid(LV2_ATOM__Object), {1, urid(uri)});
-    }
+    AtomSequence sequence() { return AtomSequence(map()); }
+    AtomSequence request(const char* uri) { return sequence().request(uri); }
 
-    /// Runs `n` samples, different in each channel; returns the first channel's input.
-    std::vector<float> play(uint32_t n, const Sequence& requests = {}, size_t shift = 0) {
-        for (size_t c = 0; c < audio_.size(); ++c) {
-            audio_[c].resize(n);
-            std::generate(audio_[c].begin(), audio_[c].end(), [&] { return level_(random_); });
+    /// Runs `n` samples, different in each channel; returns the first channel's input. Requests lie
+    /// `shift` bytes off alignment at the end of their memory, so that sanitizers detect reads
+    /// beyond it.
+    std::vector<float> play(uint32_t n, const AtomSequence& requests, size_t shift = 0) {
+        Audio audio = noise(channels(), n, seed_++, 0.5f);
+        std::vector<float> first = audio[0];
+        for (size_t c = 0; c < audio.size(); ++c) {
             const auto number = kFirstAudioPort + 2 * static_cast<uint32_t>(c);
-            connect(number, audio_[c].data());
-            connect(number + 1, audio_[c].data());
+            connect(number, audio[c].data());
+            connect(number + 1, audio[c].data());
         }
-        std::vector<float> first = audio_[0];
         const Words room(notify.size() / 4, kJunk);
         std::memcpy(notify.data(), room.data(), notify.size());
         std::memcpy(notify.data(), &notify_capacity, sizeof notify_capacity);
-        const auto control_bytes = requests.bytes(urid(LV2_ATOM__Sequence), shift);
-        connect(kControlPort, control_bytes.get() + shift);
+        const std::unique_ptr<uint8_t[]> memory(new uint8_t[shift + requests.size()]);
+        requests.write(memory.get() + shift);
+        connect(kControlPort, memory.get() + shift);
         run(n);
         connect(kControlPort, nullptr);
         return first;
     }
+    void play(uint32_t n) { play(n, sequence()); }
     /// Whether rows come after `requests`, with rows coming before or not.
-    bool rows_after(const Sequence& requests, bool before, size_t shift = 0) {
+    bool rows_after(const AtomSequence& requests, bool before, size_t shift = 0) {
         play(1, request(before ? kEnableUiUri : kDisableUiUri));
         play(512, requests, shift);
         return message().has_value();
@@ -129,9 +94,7 @@ class EditorHost : public PluginHost {
     }
 
   private:
-    Audio audio_;
-    std::mt19937 random_{5};
-    std::uniform_real_distribution<float> level_{-0.5f, 0.5f};
+    uint32_t seed_ = 5;
 };
 
 TEST(Requests, SwitchRowsOnAndOff) {
@@ -143,15 +106,15 @@ TEST(Requests, SwitchRowsOnAndOff) {
         SCOPED_TRACE(shift);
         for (const char* type : {LV2_ATOM__Object, LV2_ATOM__Blank}) {
             const LV2_URID urid = host.urid(type);
-            EXPECT_TRUE(host.rows_after(Sequence().event(urid, enable), false, shift));
-            EXPECT_FALSE(host.rows_after(Sequence().event(urid, disable), true, shift));
+            EXPECT_TRUE(host.rows_after(host.sequence().event(urid, enable), false, shift));
+            EXPECT_FALSE(host.rows_after(host.sequence().event(urid, disable), true, shift));
         }
-        const auto on_off = Sequence().event(object, enable).event(object, disable);
+        const auto on_off = host.sequence().event(object, enable).event(object, disable);
         EXPECT_FALSE(host.rows_after(on_off, false, shift));
-        const auto off_on = Sequence().event(object, disable).event(object, enable);
+        const auto off_on = host.sequence().event(object, disable).event(object, enable);
         EXPECT_TRUE(host.rows_after(off_on, true, shift));
         // Foreign events of any length lie between requests; properties may follow the type.
-        const auto among_others = Sequence()
+        const auto among_others = host.sequence()
                                       .event(host.urid(LV2_ATOM__Int), {7})
                                       .event(77, {0x00643c90}, 3)
                                       .event(object, {1, host.urid(kEnableUiUri), 5, 0, 4, 2, 1})
@@ -159,7 +122,7 @@ TEST(Requests, SwitchRowsOnAndOff) {
                                       .event(77, {1, 2, 3});
         EXPECT_TRUE(host.rows_after(among_others, false, shift));
     }
-    EXPECT_TRUE(host.rows_after(Sequence().unit(99).event(object, enable), false))
+    EXPECT_TRUE(host.rows_after(host.sequence().unit(99).event(object, enable), false))
         << "the time of a request does not matter, whatever its unit";
 }
 
@@ -168,21 +131,23 @@ TEST(Requests, ThatAreMalformedChangeNothing) {
     const LV2_URID object = host.urid(LV2_ATOM__Object);
     const Words enable = {1, host.urid(kEnableUiUri)};
     const Words disable = {1, host.urid(kDisableUiUri)};
-    std::vector<std::pair<Sequence, Sequence>> cases = {
-        {Sequence(), Sequence()},
-        {Sequence().event(host.urid(LV2_ATOM__Vector), enable), Sequence().event(0, disable)},
-        {Sequence().event(object, {enable[1], 0}), Sequence().event(object, {disable[1], 0})},
+    std::vector<std::pair<AtomSequence, AtomSequence>> cases = {
+        {host.sequence(), host.sequence()},
+        {host.sequence().event(host.urid(LV2_ATOM__Vector), enable),
+         host.sequence().event(0, disable)},
+        {host.sequence().event(object, {enable[1], 0}),
+         host.sequence().event(object, {disable[1], 0})},
         // Events after a broken one are not read: their place is unknown.
-        {Sequence().event(77, {}, 4096).event(object, enable),
-         Sequence().event(77, {}, 4096).event(object, disable)}};
+        {host.sequence().event(77, {}, 4096).event(object, enable),
+         host.sequence().event(77, {}, 4096).event(object, disable)}};
     // Too short for a type, one byte past the end, and as far past the end as a size can say.
     for (uint32_t size : {4u, 9u, 0xfffffff9u, 0xffffffffu}) {
-        cases.emplace_back(Sequence().event(object, enable, size),
-                           Sequence().event(object, disable, size));
+        cases.emplace_back(host.sequence().event(object, enable, size),
+                           host.sequence().event(object, disable, size));
     }
     for (size_t cut = 1; cut <= 32; ++cut) {
-        cases.emplace_back(Sequence().event(object, enable).cut(cut),
-                           Sequence().event(object, disable).cut(cut));
+        cases.emplace_back(host.sequence().event(object, enable).cut(cut),
+                           host.sequence().event(object, disable).cut(cut));
     }
     for (size_t i = 0; i < cases.size(); ++i) {
         SCOPED_TRACE(i);

@@ -11,18 +11,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cmath>
 #include <csignal>
 #include <cstddef>
 #include <cstring>
 #include <functional>
 #include <mutex>
-#include <random>
 #include <vector>
 
 #include "contract/brindle.h"
 #include "tests/support/call_guard.h"
+#include "tests/support/hard_treatment.h"
 #include "tests/support/plugin_host.h"
 
 namespace brindle::test {
@@ -77,12 +75,8 @@ class RealTime : public testing::TestWithParam<int> {};
 TEST_P(RealTime, RunAllocatesLocksAndCallsNothing) {
     constexpr uint32_t kBlock = 700;
     PluginHost host(GetParam(), 48000.0);
-    std::mt19937 random(23);
-    std::uniform_real_distribution<float> level(-1.0f, 1.0f);
-    std::vector<std::vector<float>> buffers(4, std::vector<float>(kBlock));
-    for (auto& buffer : buffers) {
-        std::generate(buffer.begin(), buffer.end(), [&] { return level(random); });
-    }
+    Random random(23);
+    Audio buffers = noise(4, kBlock, 23);
     for (uint32_t i = 0; i < 4; ++i) host.connect(kFirstAudioPort + i, buffers[i].data());
     host.send_request(kEnableUiUri);
 
@@ -91,10 +85,7 @@ TEST_P(RealTime, RunAllocatesLocksAndCallsNothing) {
         const int verdict = verdict_on([&] {
             for (int block = 0; block < 200; ++block) {
                 for (uint32_t port = 2; turning && port <= kTrimPort; ++port) {
-                    const float values[] = {1.0f, static_cast<float>(block % 19),
-                                            level(random) * 18, 2000.0f + level(random) * 1900,
-                                            1.0f + level(random) / 2};
-                    host.port(port) = port == kTrimPort ? 0.0f : values[(port - 2) % 5];
+                    host.port(port) = any_value(random, port);
                 }
                 host.run(kBlock - static_cast<uint32_t>(block));
             }

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: ISC
-/// Random seeds and durations of the programs that misuse the plugin at random.
+/// Random values, seeds and durations of the programs that misuse the plugin at random.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <random>
+
+#include "contract/brindle.h"
 
 namespace brindle::test {
 
@@ -35,6 +38,27 @@ class Random {
   private:
     std::mt19937 engine_;
 };
+
+/// A value that a host may give an input port: within its range, often at an end, with fractions of
+/// switches and types and with types that do not exist. Frequencies reach up to `top_hz`.
+inline float any_value(Random& random, uint32_t port, float top_hz = 20000.0f) {
+    constexpr float kFractions[] = {0.0f, 0.0f, 0.0f, 0.85f, 0.9f, 0.95f};  // 0.9f is below 0.9
+    const float share =
+        random.one_in(10) ? static_cast<float>(random.below(2)) : random.real(0.0f, 1.0f);
+    if (port == kTrimPort) return -20.0f + 40.0f * share;
+    switch ((port - 2) % kControlCount) {
+        case kEnable:
+            return static_cast<float>(random.below(2)) + random.pick(kFractions);
+        case kType:
+            return static_cast<float>(random.between(-2, 19)) + random.pick(kFractions);
+        case kGain:
+            return random.one_in(6) ? 0.0f : -18.0f + 36.0f * share;
+        case kFrequency:
+            return 20.0f * std::pow(top_hz / 20.0f, share);
+        default:
+            return 0.1f * std::pow(1000.0f, share);
+    }
+}
 
 /// Calls `life(random)` at least `lives` times and until BRINDLE_SOAK_SECONDS (default 0) have
 /// passed, each time with the next seed; stops at the first failure. The first seed is

@@ -8,9 +8,11 @@
 #include <complex>
 #include <cstring>
 #include <numbers>
+#include <random>
 #include <stdexcept>
 
 #include "contract/brindle.h"
+#include "tests/support/atom_sequence.h"
 
 namespace brindle::test {
 namespace {
@@ -29,6 +31,16 @@ const LV2_Descriptor* descriptor(uint32_t index) {
     return entry(index);
 }
 
+Audio noise(int channels, size_t n, uint32_t seed, float peak) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> level(-peak, peak);
+    Audio audio(static_cast<size_t>(channels), std::vector<float>(n));
+    for (auto& channel : audio) {
+        std::generate(channel.begin(), channel.end(), [&] { return level(random); });
+    }
+    return audio;
+}
+
 PluginHost::PluginHost(int channels, double rate)
     : channels_(channels),
       rate_(rate),
@@ -40,7 +52,8 @@ PluginHost::PluginHost(int channels, double rate)
     connect(kControlPort, control.data());
     connect(kNotifyPort, notify.data());
     for (uint32_t number = 2; number < ports_.size(); ++number) connect(number, &ports_[number]);
-    prepare_sequences();
+    AtomSequence(map_).write(control.data());
+    make_room();
     descriptor_->activate(handle_);
 }
 
@@ -59,24 +72,13 @@ void PluginHost::set_section(int section, int type, float gain_db, float freq_hz
     std::copy(std::begin(values), std::end(values), &ports_[section_port(section)]);
 }
 
-void PluginHost::prepare_sequences() {
-    const LV2_Atom_Sequence empty = {{sizeof(LV2_Atom_Sequence_Body), map_(LV2_ATOM__Sequence)},
-                                     {0, 0}};
-    std::memcpy(control.data(), &empty, sizeof empty);
+void PluginHost::make_room() {
     const LV2_Atom room = {notify_capacity, map_(LV2_ATOM__Chunk)};
     std::memcpy(notify.data(), &room, sizeof room);
 }
 
 void PluginHost::send_request(const char* type) {
-    struct {
-        LV2_Atom_Sequence head;
-        LV2_Atom_Event event;
-        LV2_Atom_Object_Body body;
-    } message{};
-    message.head.atom = {sizeof message - sizeof(LV2_Atom), map_(LV2_ATOM__Sequence)};
-    message.event.body = {sizeof message.body, map_(LV2_ATOM__Object)};
-    message.body.otype = map_(type);
-    std::memcpy(control.data(), &message, sizeof message);
+    AtomSequence(map_).request(type).write(control.data());
 }
 
 void PluginHost::restart() {
@@ -93,8 +95,7 @@ Audio PluginHost::process(const Audio& in, uint32_t block) {
             connect(number, input[c].data() + at);
             connect(number + 1, output[c].data() + at);
         }
-        const LV2_Atom room = {notify_capacity, map_(LV2_ATOM__Chunk)};
-        std::memcpy(notify.data(), &room, sizeof room);
+        make_room();
         run(static_cast<uint32_t>(std::min<size_t>(block, in[0].size() - at)));
     }
     return output;

@@ -16,6 +16,9 @@ namespace brindle::test {
 /// One vector of samples for each channel.
 using Audio = std::vector<std::vector<float>>;
 
+/// Noise within ±`peak`, different in each channel and for each seed.
+Audio noise(int channels, size_t n, uint32_t seed, float peak = 1.0f);
+
 /// A descriptor of the plugin's library, which is loaded on first use; null if there is none.
 const LV2_Descriptor* descriptor(uint32_t index);
 
@@ -42,6 +45,8 @@ class PluginHost {
 
     /// Writes a request of the editor to the control port.
     void send_request(const char* type);
+    /// States the notify port's capacity, as before each block.
+    void make_room();
     /// Deactivates the instance and activates it again.
     void restart();
 
@@ -58,8 +63,6 @@ class PluginHost {
     uint32_t notify_capacity = 8192 - 8;
 
   private:
-    void prepare_sequences();
-
     int channels_;
     double rate_;
     UridMap map_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include <lv2/core/lv2.h>
 #include <lv2/urid/urid.h>
 
 #include <map>
