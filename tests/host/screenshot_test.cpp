@@ -4,10 +4,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -67,38 +65,6 @@ double difference(const Screenshot& a, const Screenshot& b, int left, int top, i
         for (int x = left; x < right; ++x) count += a.at(x, y) != b.at(x, y) ? 1 : 0;
     }
     return static_cast<double>(count) / ((right - left) * (bottom - top));
-}
-
-// The graph of the design size: 20 Hz to 20 kHz from x = 41 to 958, 0 dB at y = 187, 7.13 pixels
-// to a dB.
-int graph_x(double freq_hz) {
-    return static_cast<int>(std::lround(41.0 + 917.0 / 3.0 * std::log10(freq_hz / 20.0)));
-}
-double graph_y(double gain_db) {
-    return 187.0 - 7.13 * gain_db;
-}
-/// Row of the curve in a column where it lies above 0 dB: the topmost pixel as bright as no grid
-/// line is.
-int curve_y(const Screenshot& picture, int x) {
-    int y = 50;
-    while (y < 320 && (picture.at(x, y) >> 16) < 150) ++y;
-    return y;
-}
-
-TEST_F(ScreenshotTest, TheCurveStandsWhereTheMeasuredResponseIs) {
-    const std::string settings = " --set b1_type='Lo Shelf' --set b1_freq=1000 --set b1_gain=10";
-    const Screenshot flat = take("");
-    const Screenshot shelf = take(settings);
-    ASSERT_EQ(flat.width, 1000);
-    ASSERT_EQ(flat.height, 600);
-    brindle("response shelf.csv" + settings);
-    const std::map<double, double> gains = table("shelf.csv");
-    for (const double freq_hz : {170.0, 350.0, 700.0, 1400.0, 2800.0}) {
-        SCOPED_TRACE(freq_hz);
-        const double gain_db = gains.lower_bound(freq_hz)->second;
-        EXPECT_NEAR(curve_y(flat, graph_x(freq_hz)), graph_y(0.0), 3.0);
-        EXPECT_NEAR(curve_y(shelf, graph_x(freq_hz)), graph_y(gain_db), 3.0);
-    }
 }
 
 TEST_F(ScreenshotTest, AudioMovesTheMeters) {
