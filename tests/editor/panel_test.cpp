@@ -59,7 +59,7 @@ TEST_F(Panel, EachPresetIsWrittenInOrderAndHeard) {
 }
 
 TEST_F(Panel, ASelectedStripIsOutlinedEquallyOnAllSides) {
-    for (const int width : {1000, 1130, 1500}) {
+    for (const int width : {1000, 1090, 1210, 1500}) {
         SCOPED_TRACE(width);
         const float scale = static_cast<float>(width) / 1333.0f;
         host.window.Resize(width, width * 6 / 10);
