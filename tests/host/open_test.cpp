@@ -2,6 +2,7 @@
 // `brindle open` on a real display: the window, a user's hands on it, and the state that is left.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -96,6 +97,15 @@ TEST_F(Open, ADraggedKnobChangesItsControlAndNothingElse) {
     before.erase("b3_gain");
     after.erase("b3_gain");
     EXPECT_EQ(before, after);
+}
+
+TEST_F(Open, StartsAtItsDesignSizeOrTheScreensWhereThatIsSmaller) {
+    auto run = start("");
+    OpenedWindow window(kTitle);
+    const auto [width, height] = window.screen_size();
+    EXPECT_EQ(window.size(), std::pair(std::min(width, 1000), std::min(height, 600)));
+    window.close();
+    EXPECT_EQ(run.get().status, 0);
 }
 
 TEST_F(Open, ARequestToStopEndsItLikeAClosedWindow) {

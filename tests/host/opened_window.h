@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace brindle::test {
 
@@ -52,6 +53,10 @@ class OpenedWindow {
         rest();
     }
 
+    /// Width and height of the window, and those of the screen.
+    std::pair<int, int> size() { return size_of(window_); }
+    std::pair<int, int> screen_size() { return size_of(DefaultRootWindow(display_)); }
+
     /// Resizes the window and waits until the editor in it has the same size; false if it never
     /// has.
     bool resize(int width, int height) {
@@ -65,6 +70,12 @@ class OpenedWindow {
     }
 
   private:
+    std::pair<int, int> size_of(Window window) {
+        XWindowAttributes attributes{};
+        XGetWindowAttributes(display_, window, &attributes);
+        return {attributes.width, attributes.height};
+    }
+
     template <typename Done>
     static bool wait_for(Done done) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
