@@ -16,14 +16,27 @@ void MakeTexture(GLuint& texture, GLint components, int32_t width, int32_t heigh
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
 }
 
-/// Adds an area to a list of disjoint areas, merged with the areas that it touches.
+int64_t Size(const LayerArea& area) {
+    return int64_t{area.right - area.left} * (area.top - area.bottom);
+}
+
+LayerArea Join(const LayerArea& a, const LayerArea& b) {
+    return {std::min(a.left, b.left), std::min(a.bottom, b.bottom), std::max(a.right, b.right),
+            std::max(a.top, b.top)};
+}
+
+/// Adds an area to a list of disjoint areas, merged with those that it touches or nearly touches:
+/// some more pixels take less time than another pass over the tree.
 void AddArea(std::vector<LayerArea>& areas, LayerArea area) {
+    constexpr int64_t kPixelsOfAPass = 8000;
     if (area.left >= area.right || area.bottom >= area.top) return;
-    const auto touches = [&](const LayerArea& other) { return area.Touches(other); };
-    for (auto other = std::ranges::find_if(areas, touches); other != areas.end();
-         other = std::ranges::find_if(areas, touches)) {
-        area = {std::min(area.left, other->left), std::min(area.bottom, other->bottom),
-                std::max(area.right, other->right), std::max(area.top, other->top)};
+    const auto isNear = [&](const LayerArea& other) {
+        return area.Touches(other) ||
+               Size(Join(area, other)) <= Size(area) + Size(other) + kPixelsOfAPass;
+    };
+    for (auto other = std::ranges::find_if(areas, isNear); other != areas.end();
+         other = std::ranges::find_if(areas, isNear)) {
+        area = Join(area, *other);
         areas.erase(other);
     }
     areas.push_back(area);

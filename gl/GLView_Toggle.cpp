@@ -9,7 +9,7 @@ namespace {
 
 /// Size of a lit lamp's halo picture in half extents, and the share of the picture beyond which it
 /// is transparent.
-constexpr GLPoint kGlow = {1.4f, 1.7f};
+constexpr GLPoint kGlow = {1.12f, 1.5f};
 constexpr float kGlowRim = 0.98f;
 
 /// Brightens the lamp towards its middle.
@@ -17,8 +17,8 @@ void DrawGlow(const Look& look, const GLColor& color, float hw, float hh) {
     constexpr GLPoint kDiscs[] = {{0.8f, 0.8f}, {0.7f, 0.6f}, {0.6f, 0.5f}, {0.5f, 0.4f}};
     color.ApplyFaded(0.4f);
     for (const GLPoint& disc : kDiscs) DrawDisc(look.resources, disc.x * hw, disc.y * hh);
-    Lightened(color, 0.7f).ApplyFaded(0.4f);
-    for (const GLPoint& disc : kDiscs) DrawDisc(look.resources, disc.x * hw, disc.y * hh);
+    Lightened(color, 0.7f).ApplyFaded(0.75f);
+    DrawDisc(look.resources, 0.8f * hw, 0.75f * hh);
 }
 
 /// Draws what the face lies on: lit while the lamp is on.
@@ -27,26 +27,15 @@ void DrawGround(const Look& look, const GLColor& color, bool on, float hw, float
     DrawRoundRect(look.resources, 0.9f * hw, 0.9f * hh, look.Corner(0.9f * hh));
 }
 
-/// Draws the text in the current colour at eight places around its own, `distance` text units away.
-void DrawTextAround(const Look& look, const char* text, float distance) {
-    constexpr GLPoint kDirections[] = {{1.0f, 0.0f},  {0.7f, 0.7f},   {0.0f, 1.0f},  {-0.7f, 0.7f},
-                                       {-1.0f, 0.0f}, {-0.7f, -0.7f}, {0.0f, -1.0f}, {0.7f, -0.7f}};
-    for (const GLPoint& direction : kDirections) {
-        const MatrixScope matrix;
-        glTranslatef(distance * direction.x, distance * direction.y, 0.0f);
-        DrawText(look.resources, text, kAlignCentre);
-    }
-}
-
 /// The text is white while the lamp is on and grey while it is off. The dark outline separates it
 /// from a lit face, the highlight makes up for the gloss.
 void DrawLampText(const Look& look, const char* text, float size, bool on) {
     const MatrixScope matrix;
     glScalef(size, size, 1.0f);
     shadeColor.ApplyFaded(on ? 0.6f : 0.25f);
-    DrawTextAround(look, text, 0.22f);
-    kWhite.ApplyFaded(0.35f);
-    DrawTextAround(look, text, 0.04f);
+    DrawTextOutline(look.resources, text, kAlignCentre, 0.22f);
+    kWhite.ApplyFaded(0.95f);
+    DrawText(look.resources, text, kAlignCentre);
     (on ? kWhite : kBlack).ApplyFaded(on ? 0.7f : 0.4f);
     DrawText(look.resources, text, kAlignCentre);
 }

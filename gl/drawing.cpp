@@ -2,6 +2,7 @@
 #include "gl/drawing.h"
 
 #include <span>
+#include <utility>
 
 #include "gl/GLRect.h"
 #include "gl/settings.h"
@@ -126,6 +127,23 @@ InnerEdge MakeInnerEdge(float hw, float hh, float r, bool upper, const GLColor& 
 void DrawTexture(GLuint texture, float hw, float hh) {
     const TexturedQuads quads(texture);
     EmitQuad({-hw, -hh, hw, hh});
+}
+
+void DrawTextureAround(GLuint texture, float distance) {
+    constexpr float kDiagonal = 0.7f;
+    const TexturedQuads quads(texture);
+    for (const auto& [dx, dy] : {std::pair(1.0f, 0.0f),
+                                 {kDiagonal, kDiagonal},
+                                 {0.0f, 1.0f},
+                                 {-kDiagonal, kDiagonal},
+                                 {-1.0f, 0.0f},
+                                 {-kDiagonal, -kDiagonal},
+                                 {0.0f, -1.0f},
+                                 {kDiagonal, -kDiagonal}}) {
+        const float x = dx * distance;
+        const float y = dy * distance;
+        EmitQuad({x - 1.0f, y - 1.0f, x + 1.0f, y + 1.0f});
+    }
 }
 
 void DrawImage(GLResources* resources, uint32_t number) {

@@ -38,6 +38,10 @@ void DrawText(const GLResources* resources, const char* text, int alignment);
 /// (0.1, -0.1).
 void DrawTextShadow(const GLResources* resources, const char* text, int alignment);
 
+/// Draws the text at eight places around its own, `distance` text units away: an outline for text
+/// that is drawn after it.
+void DrawTextOutline(const GLResources* resources, const char* text, int alignment, float distance);
+
 /// The width that `DrawText` aligns by, in text units; 0 for null.
 float TextWidth(const char* text);
 
@@ -46,6 +50,8 @@ void DrawImage(GLResources* resources, uint32_t number);
 
 /// Draws a texture over the rectangle.
 void DrawTexture(GLuint texture, float hw, float hh);
+/// Draws a texture over the square from -1 to 1, moved to eight places around it.
+void DrawTextureAround(GLuint texture, float distance);
 
 void DrawRect(float hw, float hh);
 

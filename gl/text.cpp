@@ -10,6 +10,26 @@ size_t GlyphIndex(char character) {
     return static_cast<uint8_t>(static_cast<uint8_t>(character) - kFirstGlyph);
 }
 
+/// Calls `draw` with the texture of each glyph of a text, the origin at the glyph's place.
+template <typename Draw>
+void ForEachGlyph(const GLResources* resources, const char* text, int alignment, Draw draw) {
+    if (resources == nullptr || text == nullptr || *text == '\0') return;
+    const MatrixScope matrix;
+    if (alignment == kAlignCentre) {
+        glTranslatef(-TextWidth(text) * 0.5f, 0.0f, 0.0f);
+    } else if (alignment == kAlignRight) {
+        glTranslatef(-TextWidth(text), 0.0f, 0.0f);
+    }
+    for (; *text != '\0'; ++text) {
+        const size_t k = GlyphIndex(*text);
+        if (k >= kGlyphCount) return;
+        const float halfAdvance = resources->glyphs[k].halfAdvance;
+        glTranslatef(halfAdvance, 0.0f, 0.0f);
+        draw(resources->glyphs[k].texture);
+        glTranslatef(halfAdvance, 0.0f, 0.0f);
+    }
+}
+
 }  // namespace
 
 float TextWidth(const char* text) {
@@ -30,21 +50,14 @@ void DrawGlyph(const GLResources* resources, size_t index) {
 }
 
 void DrawText(const GLResources* resources, const char* text, int alignment) {
-    if (resources == nullptr || text == nullptr || *text == '\0') return;
-    const MatrixScope matrix;
-    if (alignment == kAlignCentre) {
-        glTranslatef(-TextWidth(text) * 0.5f, 0.0f, 0.0f);
-    } else if (alignment == kAlignRight) {
-        glTranslatef(-TextWidth(text), 0.0f, 0.0f);
-    }
-    for (; *text != '\0'; ++text) {
-        const size_t k = GlyphIndex(*text);
-        if (k >= kGlyphCount) return;
-        const float halfAdvance = resources->glyphs[k].halfAdvance;
-        glTranslatef(halfAdvance, 0.0f, 0.0f);
-        DrawGlyph(resources, k);
-        glTranslatef(halfAdvance, 0.0f, 0.0f);
-    }
+    ForEachGlyph(resources, text, alignment,
+                 [](GLuint texture) { DrawTexture(texture, 1.0f, 1.0f); });
+}
+
+void DrawTextOutline(const GLResources* resources, const char* text, int alignment,
+                     float distance) {
+    ForEachGlyph(resources, text, alignment,
+                 [distance](GLuint texture) { DrawTextureAround(texture, distance); });
 }
 
 void DrawTextShadow(const GLResources* resources, const char* text, int alignment) {
