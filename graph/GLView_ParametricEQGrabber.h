@@ -30,7 +30,7 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     /// Sets the writer for the five controls.
     void SetWriter(const HostWriter& hostWriter);
     /// Sets the host's touch feature, null for none. A drag touches the frequency and the gain
-    /// port.
+    /// port, a search only the frequency port.
     void SetTouch(const LV2UI_Touch* touch);
 
     void ParameterChanged(uint32_t index) override;

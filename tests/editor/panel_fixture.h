@@ -41,6 +41,7 @@ inline Spot ShapeOf(int strip) {
 inline Spot PresetAt(int number) {
     return {159.0f + 111.0f * static_cast<float>(number), 778.0f};
 }
+inline constexpr Spot kTrim = {1124.0f, 84.0f};
 
 /// A host that passes the editor's writes on to the engine and reports them at once.
 struct Panel : testing::Test {

@@ -101,6 +101,11 @@ TEST_P(PanelInHost, GesturesEndWhereTheHandEnds) {
     Release();
     wanted[band_port(0) + kGain] = 36.0f * 0.003f * 150.0f;
 
+    PressAt(kTrim);
+    Move(kTrim, 50, 0);
+    Release();
+    wanted[kTrimPort] = 40.0f * 0.003f * 50.0f;
+
     PressAt(knob(1));
     Move(knob(1), 0, 70);
     host.window.Key(XK_Shift_L, true);

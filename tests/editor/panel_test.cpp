@@ -22,7 +22,6 @@ using testing::ElementsAre;
 constexpr double kLn750 = 6.6200733;
 
 constexpr Spot kFlatAll = {2.0f * 800.0f * 5.0f / 6.0f - 23.0f, 778.0f};
-constexpr Spot kTrim = {1124.0f, 84.0f};
 
 /// Gain as a factor: differences far below the audible level count little.
 double Gain(const std::vector<double>& response, double hz) {
