@@ -30,12 +30,13 @@ double Gain(const std::vector<double>& response, double hz) {
 
 TEST_F(Panel, EachPresetIsWrittenInOrderAndHeard) {
     EXPECT_STREQ(Root().infoTitle, "");  // nothing is touched yet
-    MoveTo(PresetAt(0));
-    Tick();
-    EXPECT_STREQ(Root().infoTitle, "Preset");
     for (size_t i = 0; i < kPresets.size(); ++i) {
         SCOPED_TRACE(kPresets[i].name);
-        const auto writes = Click(PresetAt(static_cast<int>(i)));
+        const Spot place = PresetAt(static_cast<int>(i));
+        MoveTo(place);
+        Tick();
+        EXPECT_STREQ(Root().infoTitle, "Preset");
+        const auto writes = Click(place);
         ASSERT_EQ(writes.size(), 51u);
         Tick();
         EXPECT_STREQ(Root().infoTitle, "");  // until the pointer moves
