@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_MenuSelector.h"
 
+#include <cmath>
+
 #include "gl/look.h"
 
 namespace brindle {
 namespace {
 
 constexpr float kArrowRoom = 9.0f;  // design points
+/// A press is a drag onto the menu once it has moved this far or is this long; before, it is a
+/// click.
+constexpr float kDragPoints = 10.0f;
+constexpr uint32_t kDragMs = 300;
 
 void DrawEdge(float y, float halfLength, float halfThickness) {
     const MatrixScope matrix;
@@ -38,9 +44,11 @@ void GLView_MenuSelector::ParameterChanged(uint32_t index) {
     GLView::ParameterChanged(index);
 }
 
-void GLView_MenuSelector::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
+void GLView_MenuSelector::MouseDown(GLPoint point, GLPoint /*pagePoint*/) {
     if (page == nullptr) return;
     SetCaptured(true);
+    pressedAt_ = parent->LocalToPage(point);
+    pressTime_ = GetEventTime();
     menu.PlaceAt(LocalToPage({0.0f, 0.0f}));
     page->OpenDialog(&menu);
 }
@@ -48,8 +56,11 @@ void GLView_MenuSelector::MouseDown(GLPoint /*point*/, GLPoint /*pagePoint*/) {
 void GLView_MenuSelector::MouseUp(GLPoint point) {
     SetCaptured(false);
     // A view that has captured the pointer gets page coordinates.
+    const float moved = std::hypot(point.x - pressedAt_.x, point.y - pressedAt_.y);
+    const bool isDrag =
+        moved >= kDragPoints * GetInterfaceScale() || GetEventTime() - pressTime_ >= kDragMs;
     const GLPoint inParent = parent != nullptr ? parent->PageToLocal(point) : point;
-    if (menu.visible && menu.HitTest(point) && !HitTest(inParent)) menu.MouseUp(point);
+    if (isDrag && menu.visible && menu.HitTest(point) && !HitTest(inParent)) menu.MouseUp(point);
 }
 
 void GLView_MenuSelector::DrawBack() {

@@ -30,12 +30,17 @@ class GLView_MenuSelector : public GLView_Control {
     void DrawFrame();
 
     /// Opens the menu. The selector keeps the pointer: releasing the press that opened the menu
-    /// chooses an entry only if the pointer was dragged onto one.
+    /// chooses an entry only if the pointer was dragged onto one, by 10 design points or after
+    /// 300 ms.
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
 
     GLView_Menu menu;
     GLView* page = nullptr;  ///< observed: where the menu opens
+
+  private:
+    GLPoint pressedAt_{};  ///< in page coordinates
+    uint32_t pressTime_ = 0;
 };
 
 }  // namespace brindle

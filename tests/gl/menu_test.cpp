@@ -69,6 +69,28 @@ TEST_F(Menu, TheClickThatOpensItChoosesNothingButADragOntoAnEntryDoes) {
     selector->MouseUp(At(2));  // a release without a menu
     EXPECT_THAT(page.sent, ElementsAre(Pair(kPort, 9.0f)));
 
+    // Just above the selector's upper edge, on the second entry: a click that slipped, unless the
+    // pointer comes from afar or the button was held.
+    struct Release {
+        float fromAbove;  // points above the selector's centre at the press
+        uint32_t heldMs;
+        bool chooses;
+    };
+    const GLPoint centre = selector->GetPosition();
+    const GLPoint above = {centre.x, centre.y + 12.0f * kScale};
+    for (const auto& [fromAbove, heldMs, chooses] :
+         {Release{9.0f, 299, false}, {3.0f, 299, false}, {9.0f, 300, true}, {1.9f, 20, true}}) {
+        SCOPED_TRACE(testing::Message() << fromAbove << " points, " << heldMs << " ms");
+        page.sent.clear();
+        page.eventTime = 0xffffffffu - 100u;  // the server's clock wraps around
+        selector->MouseDown({centre.x, centre.y + fromAbove * kScale}, {});
+        page.eventTime += heldMs;
+        selector->MouseUp(above);
+        EXPECT_EQ(page.dialog, chooses ? nullptr : &menu);
+        EXPECT_EQ(page.sent.size(), chooses ? 1u : 0u);
+        page.CloseDialog(true);
+    }
+
     Opened().MouseDown(At(1), {});  // a press is enough
     EXPECT_EQ(page.dialog, nullptr);
     EXPECT_EQ(page.sent.back(), std::pair(kPort, 5.0f));
