@@ -52,7 +52,9 @@ std::string TitleOf(int strip, const char* control) {
 }  // namespace
 
 GLView_BandDecorator::GLView_BandDecorator(GLView_ParametricEQ& curveGraph, int stripIndex)
-    : index(stripIndex), firstPort(strip_port(stripIndex)), graph_(curveGraph) {}
+    : index(stripIndex), firstPort(strip_port(stripIndex)), graph_(curveGraph) {
+    SetInfoTitle(strip_row(index).name);
+}
 
 void GLView_BandDecorator::AddWidgets(const HostWriter& writer, const LV2UI_Touch* touch) {
     AddToggle(writer, touch);
@@ -138,6 +140,11 @@ void GLView_BandDecorator::UpdateEffect() {
 void GLView_BandDecorator::ParameterChanged(uint32_t parameter) {
     if (parameter >= firstPort && parameter < firstPort + kControlCount) UpdateEffect();
     GLView_DecoratorBox::ParameterChanged(parameter);
+}
+
+bool GLView_BandDecorator::HitTest(GLPoint point) {
+    ParentToLocal(point);
+    return std::abs(point.x) < hw && std::abs(point.y) < hh;
 }
 
 void GLView_BandDecorator::ShowInfoAt(GLPoint point) {

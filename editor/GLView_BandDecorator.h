@@ -28,6 +28,8 @@ class GLView_BandDecorator : public GLView_DecoratorBox {
     void AddWidgets(const HostWriter& writer, const LV2UI_Touch* touch);
 
     void ParameterChanged(uint32_t index) override;
+    /// A strip is hit as a whole, also between its controls.
+    bool HitTest(GLPoint point) override;
     /// Hovering a strip selects its handle on the graph.
     void ShowInfoAt(GLPoint point) override;
     void DrawFront() override;

@@ -263,6 +263,10 @@ void GLView_BaseView::SetProjection() const {
     glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE);
 }
 
+PointerShape GLView_BaseView::GetPointerShape() const {
+    return focusView != nullptr ? focusView->pointerShape : PointerShape::Arrow;
+}
+
 GLView_BaseView::Shown GLView_BaseView::WouldShow() {
     return {{GetBackgroundColor(), GetContrastColor(), IsBoxy(), IsFlat()},
             focusView,

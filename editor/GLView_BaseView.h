@@ -46,6 +46,8 @@ class GLView_BaseView : public GLView {
     void SetSampleRate(float rate);
     /// Whether the next frame redraws more than the moving parts.
     bool IsStale() const { return redrawNeeded || layers.IsStale(); }
+    /// The pointer's shape over the selected view.
+    PointerShape GetPointerShape() const;
     /// Sets the time of the next event.
     void SetEventTime(uint32_t time_ms) { eventTime = time_ms; }
     void SetModifiers(uint32_t newModifiers) { modifiers = newModifiers; }

@@ -2,8 +2,10 @@
 #include "editor/pugl_window.h"
 
 #include <GL/glx.h>
+#include <X11/cursorfont.h>
 #include <pugl/pugl.h>
 
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -22,7 +24,10 @@ namespace {
 
 constexpr auto kWaitStep = std::chrono::microseconds(500);
 constexpr int kWaitSteps = 2000;  // one second; the server answers within milliseconds
-constexpr int kButtons = 3;       // higher ones are wheels or side buttons
+/// The pointer's shapes in the order of `PointerShape`, without the arrow, which is the parent's.
+constexpr std::array<unsigned, 4> kCursors = {XC_sb_v_double_arrow, XC_sb_h_double_arrow, XC_fleur,
+                                              XC_hand2};
+constexpr int kButtons = 3;  // higher ones are wheels or side buttons
 
 /// Makes swaps not wait for the screen, which would block the host. The context must be current, in
 /// `window`.
@@ -51,7 +56,9 @@ struct PuglWindow::Impl {
     GLView_BaseView* root = nullptr;
     WindowSize reported;
     bool frameRequested = false;
-    float pointerX = 0.0f;  ///< its last reported position
+    PointerShape pointerShape = PointerShape::Arrow;  ///< as shown
+    std::array<Cursor, kCursors.size()> cursors{};    ///< made when they are first shown
+    float pointerX = 0.0f;                            ///< its last reported position
     float pointerY = 0.0f;
 
     static Impl& Of(PuglView* view) { return *static_cast<Impl*>(puglGetHandle(view)); }
@@ -82,6 +89,22 @@ struct PuglWindow::Impl {
     void Dispatch() {
         const HostContext hostContext;
         puglProcessEvents(view);
+    }
+
+    /// Gives the pointer the shape of the view under it.
+    void ShapePointer() {
+        if (std::exchange(pointerShape, root->GetPointerShape()) == root->GetPointerShape()) return;
+        const auto window = static_cast<Window>(puglGetNativeWindow(view));
+        if (pointerShape == PointerShape::Arrow) {
+            XUndefineCursor(display, window);
+        } else {
+            const auto shape = static_cast<size_t>(pointerShape) - 1;
+            if (cursors[shape] == None) {
+                cursors[shape] = XCreateFontCursor(display, kCursors[shape]);
+            }
+            XDefineCursor(display, window, cursors[shape]);
+        }
+        XFlush(display);
     }
 
     /// Requests a frame of Pugl if one has been requested of the window and would differ.
@@ -236,6 +259,7 @@ void PuglWindow::ProcessEvents() {
     // A hidden window gets no release.
     if (impl_->IsHeld() && !impl_->watch->IsShown()) impl_->EndHold();
     if (impl_->watch->HasLeft() && !impl_->IsHeld()) impl_->root->PointerLeft();
+    impl_->ShapePointer();
     if (impl_->PassRequestOn()) impl_->Dispatch();
 }
 

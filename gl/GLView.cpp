@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -30,6 +31,8 @@ void DrawEachChild(GLView& view, void (GLView::*pass)()) {
     for (GLView* child = view.firstChild; child != nullptr; child = child->nextSibling) {
         if (view.IsDrawn(child->DrawnArea())) children.push_back(child);
     }
+    const auto top = std::ranges::find(children, view.TopChild());
+    if (top != children.end()) std::rotate(top, top + 1, children.end());
     for (GLView* child : children) {
         const MatrixScope matrix;
         (child->*pass)();

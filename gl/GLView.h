@@ -17,6 +17,9 @@ class GLResources;
 /// The back, main and front pass draw them in this order.
 enum class Layer { Back, Main, Front };
 
+/// The pointer's shape over a view: where it can be dragged to, or that it can be pressed.
+enum class PointerShape { Arrow, UpDown, Sideways, FourWays, Hand };
+
 /// A node of the editor's view tree. It is drawn in three passes and receives the mouse events that
 /// are routed down the tree. The root, called the page, implements the page services: the base
 /// version of each calls the same service of `Page()`, and returns 0, null or false, or does
@@ -190,6 +193,8 @@ class GLView {
     }
     /// The first child that a point in local coordinates hits, or null.
     GLView* ChildAt(GLPoint local) const;
+    /// The child that is drawn above the others, or null for the last one.
+    virtual GLView* TopChild() { return nullptr; }
     /// Applies the view's position and scale to the matrix. Most passes start with it.
     void Enter() const;
     void SetEnabled(bool on);
@@ -207,6 +212,7 @@ class GLView {
     float textSize = 7.0f;  ///< design points per text unit
     float labelSize = 8.0f;
     GLColor color = kCream;
+    PointerShape pointerShape = PointerShape::Arrow;
     bool enabled = true;
     bool redrawNeeded = false;  ///< on the page: all layers are out of date
     bool visible = true;

@@ -24,6 +24,7 @@ float Clamp01(float value) {
 GLView_Knob::GLView_Knob(bool dragsAlongX, float lowValue, float highValue)
     : low(lowValue), high(highValue), horizontal(dragsAlongX) {
     activePort = -1;
+    pointerShape = horizontal ? PointerShape::Sideways : PointerShape::UpDown;
 }
 
 void GLView_Knob::SetMapping(float (*toValue)(float), float (*toNormalised)(float)) {

@@ -24,6 +24,7 @@ void DrawEdge(float y, float halfLength, float halfThickness) {
 
 GLView_MenuSelector::GLView_MenuSelector() {
     menu.visible = false;
+    pointerShape = PointerShape::Hand;
 }
 
 GLView_MenuSelector::~GLView_MenuSelector() {

@@ -8,7 +8,9 @@
 namespace brindle {
 
 GLView_Menu_Item::GLView_Menu_Item(uint32_t index, float entryValue)
-    : port(index), value(entryValue) {}
+    : port(index), value(entryValue) {
+    pointerShape = PointerShape::Hand;
+}
 
 bool GLView_Menu_Item::IsPresent() {
     return std::floor(GetParameter(port) + 0.1f) == std::floor(value + 0.1f);

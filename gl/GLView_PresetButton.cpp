@@ -10,6 +10,7 @@ namespace brindle {
 
 GLView_PresetButton::GLView_PresetButton() {
     values.fill(kNotSet);
+    pointerShape = PointerShape::Hand;
 }
 
 void GLView_PresetButton::SetWriter(const HostWriter& hostWriter) {

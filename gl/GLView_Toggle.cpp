@@ -45,6 +45,7 @@ void DrawLampText(const Look& look, const char* text, float size, bool on) {
 GLView_Toggle::GLView_Toggle() {
     color = kGreen;
     labelSize = 10.0f;
+    pointerShape = PointerShape::Hand;
 }
 
 bool GLView_Toggle::IsOn() {

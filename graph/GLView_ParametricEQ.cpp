@@ -54,7 +54,11 @@ void GLView_ParametricEQ::RedrawCurve() {
 
 void GLView_ParametricEQ::SelectHandle(int32_t handle) {
     if (selectedHandle == handle) return;
+    GLView* const below = TopChild();
     selectedHandle = handle;
+    for (GLView* const moved : {below, TopChild()}) {
+        if (moved != nullptr) moved->Redraw(Layer::Main);
+    }
     Redraw(Layer::Front);
 }
 
@@ -104,6 +108,13 @@ void GLView_ParametricEQ::SumCurves() {
         for (size_t i = 0; i < kPoints; ++i) total_[i] += band[i];
     }
     for (size_t i = 0; i < kPoints; ++i) total_[i] = total_[i] * hh / kGainRangeDb;
+}
+
+GLView* GLView_ParametricEQ::TopChild() {
+    if (selectedHandle < 0) return nullptr;
+    GLView* child = firstChild;
+    for (int32_t i = 0; i < selectedHandle && child != nullptr; ++i) child = child->nextSibling;
+    return child;
 }
 
 bool GLView_ParametricEQ::HitTest(GLPoint point) {

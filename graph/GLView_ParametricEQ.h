@@ -14,8 +14,8 @@
 namespace brindle {
 
 /// The graph of the equaliser's response from 20 Hz to 20 kHz and -18 to 18 dB, with a keyboard and
-/// the analyser's history below. Its children are the handles of bands and sections; only they take
-/// the pointer.
+/// the analyser's history below. Its children are the handles of bands and sections, in the strips'
+/// order; only they take the pointer.
 ///
 /// A curve is evaluated in the next draw, and only if its parameters have changed. The view's
 /// colour is the foreground, the page's background colour the background.
@@ -37,6 +37,8 @@ class GLView_ParametricEQ : public GLView {
     std::span<const float> Heights() const { return std::span(total_).first(kPoints); }
 
     bool HitTest(GLPoint point) override;
+    /// The selected handle.
+    GLView* TopChild() override;
     void DrawBack() override;
     void Draw() override;
     void DrawFront() override;

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <string>
 
 #include "contract/ports.h"
 #include "gl/GLAnimator.h"
@@ -24,6 +25,13 @@ constexpr float kStripTop = -34.0f;
 constexpr float kStripBottom = -54.0f;
 constexpr float kSearchTop = -36.0f;
 constexpr float kSearchBottom = -48.0f;
+constexpr float kMarkerMiddle = -44.0f;
+constexpr float kMarkerSize = 18.0f;
+/// From the middle of the marker's height (0.866 of its size) up to its centre.
+constexpr float kMarkerRise = kMarkerSize * (0.5773503f - 0.4330127f);
+constexpr const char* kHandleHelp = "drag: frequency and gain, wheel: Q, hold the marker: solo";
+constexpr const char* kMarkerHelp = "hold: solo, drag: frequency, wheel: Q";
+constexpr const char* kGripHelp = "drag: frequency and gain without solo, wheel: Q";
 
 /// The enable ports of sections and bands, in the order in which a search writes them.
 constexpr std::array<uint32_t, GLView_ParametricEQGrabber::kHandleCount> kEnablePorts = {
@@ -40,6 +48,21 @@ float TypeCode(float value) {
 float SearchedAs(float code) {
     const auto type = decode_type<BandType>(code);
     return kBandTypes[type_index(type)].has_centre ? type_value(BandType::Search) : code;
+}
+
+/// As in "1.24 kHz (D#6), +6.5 dB, Q 0.70".
+std::string FormatHandle(float freq_hz, float gain_db, float q) {
+    const bool isKilo = freq_hz >= 999.5f;
+    const float number = isKilo ? freq_hz / 1000.0f : freq_hz;
+    const int decimals = number < 9.995f ? 2 : number < 99.95f ? 1 : 0;
+    const std::string note = NoteName(freq_hz);
+    if (std::abs(gain_db) < 0.05f) gain_db = 0.0f;  // not "-0.0"
+    char text[96];
+    std::snprintf(text, sizeof text, "%.*f %s%s%s%s, %+.1f dB, Q %.2f", decimals,
+                  static_cast<double>(number), isKilo ? "kHz" : "Hz", note.empty() ? "" : " (",
+                  note.c_str(), note.empty() ? "" : ")", static_cast<double>(gain_db),
+                  static_cast<double>(q));
+    return text;
 }
 
 /// A position limited to 0 to 1, and whether it was inside. NaN counts as below 0.
@@ -64,7 +87,8 @@ GLView_ParametricEQGrabber::GLView_ParametricEQGrabber(GLView_ParametricEQ& pare
     port = firstPort + kFrequency;
     GLView_Slider::SetLabel(strip_row(index).label);
     GLView_Slider::SetInfoTitle(strip_row(index).name);
-    GLView_Slider::SetInfoText("drag: frequency and gain, wheel: Q, hold the marker: solo");
+    GLView_Slider::SetInfoText(kHandleHelp);
+    pointerShape = PointerShape::FourWays;
 }
 
 void GLView_ParametricEQGrabber::SetWriter(const HostWriter& hostWriter) {
@@ -96,31 +120,56 @@ GLPoint GLView_ParametricEQGrabber::Place() {
 void GLView_ParametricEQGrabber::ParameterChanged(uint32_t changedPort) {
     if (changedPort == firstPort + kFrequency) ReanchorX();
     if (changedPort == firstPort + kGain) ReanchorY();
+    if (showsValues_ && changedPort - firstPort < kControlCount) ShowValues();
+}
+
+void GLView_ParametricEQGrabber::ShowValues() {
+    showsValues_ = true;
+    const std::string values = FormatHandle(Value(kFrequency), Value(kGain), Value(kQ));
+    SetInfoTitle((std::string(strip_row(index).name) + ":").c_str());
+    SetInfoText(values.c_str());
+}
+
+bool GLView_ParametricEQGrabber::IsOnStrip(GLPoint point, float bottom, float top) {
+    const float m = GetPixelSize();
+    return point.y > bottom * m - graph_.hh && point.y < top * m - graph_.hh;
+}
+
+void GLView_ParametricEQGrabber::ShowInfoAt(GLPoint point) {
+    const bool onMarker = IsOnStrip(point, kSearchBottom, kSearchTop);
+    const bool onGrip = !onMarker && IsOnStrip(point, kStripBottom, kStripTop);
+    const char* help = onMarker ? kMarkerHelp : onGrip ? kGripHelp : kHandleHelp;
+    // Once it was held or turned, it shows its values until the pointer goes elsewhere.
+    if (GetSelectedView() != this || help != help_) {
+        help_ = help;
+        showsValues_ = false;
+        pointerShape = onMarker ? PointerShape::Sideways : PointerShape::FourWays;
+        SetInfoTitle(strip_row(index).name);
+        SetInfoText(help);
+    }
+    GLView_Slider::ShowInfoAt(point);
 }
 
 bool GLView_ParametricEQGrabber::HitTest(GLPoint point) {
     if (!visible || !IsOn()) return false;
-    const float m = GetPixelSize();
     const float reach = hw + kReach;
     const GLPoint place = Place();
     const bool onHandle = std::hypot(point.x - place.x, point.y - place.y) < reach;
-    const bool onMarker = point.y > kStripBottom * m - graph_.hh &&
-                          point.y < kStripTop * m - graph_.hh &&
-                          std::abs(point.x - place.x) < reach;
+    const bool onMarker =
+        IsOnStrip(point, kStripBottom, kStripTop) && std::abs(point.x - place.x) < reach;
     if (!onHandle && !onMarker) return false;
     graph_.SelectHandle(index);
     return true;
 }
 
 void GLView_ParametricEQGrabber::MouseDown(GLPoint point, GLPoint pagePoint) {
-    const float m = GetPixelSize();
-    const bool onMarker =
-        point.y > kSearchBottom * m - graph_.hh && point.y < kSearchTop * m - graph_.hh;
+    const bool onMarker = IsOnStrip(point, kSearchBottom, kSearchTop);
     // A second mouse button must not save the bands that a search muted as the user's settings.
     if (onMarker && GetCapturedView() == nullptr) BeginSearch();
     GLView_Slider::MouseDown(point, pagePoint);
     // Hosts record the values of touched controls. A search moves only the frequency by hand.
     if (!IsSearching()) gainGesture_.Begin();
+    ShowValues();
 }
 
 void GLView_ParametricEQGrabber::MouseUp(GLPoint point) {
@@ -173,6 +222,7 @@ void GLView_ParametricEQGrabber::DragGain(float pagePointY, float speed) {
 void GLView_ParametricEQGrabber::Scroll(float delta) {
     const float step = (GetModifiers() & kFineModifiers) != 0 ? 0.005f : 0.05f;
     WriteInRange(kQ, QAt(Limit(PositionOfQ(Value(kQ)) + step * delta).position));
+    ShowValues();
 }
 
 void GLView_ParametricEQGrabber::BeginSearch() {
@@ -237,16 +287,26 @@ void GLView_ParametricEQGrabber::DrawFront() {
 }
 
 void GLView_ParametricEQGrabber::DrawMarkerAt(float placeX, const GraphLook& look) {
-    constexpr float kSize = 18.0f;
     constexpr float kInnerSize = 12.0f;
-    // From the middle of the marker's height (0.866 of its size) up to its centre.
-    constexpr float kRise = kSize * (0.5773503f - 0.4330127f);
     const MatrixScope matrix;
-    glTranslatef(placeX, (-44.0f + kRise) * look.m - graph_.hh, 0.0f);
+    glTranslatef(placeX, (kMarkerMiddle + kMarkerRise) * look.m - graph_.hh, 0.0f);
     HandleColor(index).Apply();
-    DrawMarker(kSize * look.m);
+    DrawMarker(kMarkerSize * look.m);
     look.background.Apply();
     DrawMarker(kInnerSize * look.m);
+    DrawGrip(look);
+}
+
+void GLView_ParametricEQGrabber::DrawGrip(const GraphLook& look) {
+    // Beside the marker's tip, in the middle of the strip that drags without a search.
+    constexpr float kBelowMarker =
+        0.5f * (kStripBottom + kSearchBottom) - kMarkerMiddle - kMarkerRise;
+    HandleColor(index).Apply();
+    for (const float side : {-9.0f, -6.0f, 6.0f, 9.0f}) {
+        const MatrixScope matrix;
+        glTranslatef(side * look.m, kBelowMarker * look.m, 0.0f);
+        DrawRect(0.5f * look.m, 2.0f * look.m);
+    }
 }
 
 void GLView_ParametricEQGrabber::DrawSelection(const GraphLook& look, GLPoint place) {

@@ -35,6 +35,9 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
 
     void ParameterChanged(uint32_t index) override;
     bool HitTest(GLPoint point) override;
+    /// The help line tells what the part under the pointer does; once the handle is held or turned,
+    /// its values.
+    void ShowInfoAt(GLPoint point) override;
     void MouseDown(GLPoint point, GLPoint pagePoint) override;
     void MouseUp(GLPoint point) override;
     void MouseDragTo(GLPoint pagePoint) override;
@@ -63,6 +66,9 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     float Value(Control control) { return GetParameter(firstPort + control); }
     /// Writes a control, limited to its port's range.
     void WriteInRange(Control control, float value);
+    /// Whether a point is at a height between two distances above the graph, in design pixels.
+    bool IsOnStrip(GLPoint point, float bottom, float top);
+    void ShowValues();
     float DragSpeed();
     void DragFrequency(float pagePointX, float speed);
     void DragGain(float pagePointY, float speed);
@@ -71,11 +77,14 @@ class GLView_ParametricEQGrabber : public GLView_Slider {
     /// Draws the label around the origin; scales the matrix.
     void DrawLabel(const GraphLook& look);
     void DrawMarkerAt(float placeX, const GraphLook& look);
+    void DrawGrip(const GraphLook& look);
     void DrawSelection(const GraphLook& look, GLPoint place);
     void DrawReadout(const GraphLook& look, float placeX);
 
     GLView_ParametricEQ& graph_;
     TouchGesture gainGesture_;
+    const char* help_ = nullptr;      ///< of the part that the pointer was on last
+    bool showsValues_ = false;        ///< the help line shows the handle's values
     std::optional<float> foundType_;  ///< the type's code before a search; empty without one
     float search_gain_db_ = 0.0f;     ///< the gain before a search
     std::array<bool, kHandleCount> searchEnables_{};

@@ -123,13 +123,13 @@ struct Panel : testing::Test {
         }
         throw std::logic_error("no graph");
     }
-    /// The position of a handle, or of its marker below the graph.
-    Spot HandleAt(int number, bool marker = false) {
+    /// The position of a handle, or of its marker, in pixels below the graph.
+    Spot HandleAt(int number, float marker = 0.0f) {
         Graph().UpdateCurves();
         GLView* child = Graph().firstChild;
         for (; number > 0; --number) child = child->nextSibling;
         GLPoint at = dynamic_cast<GLView_ParametricEQGrabber&>(*child).Place();
-        if (marker) at.y = -Graph().hh - 42.0f * Root().GetPixelSize();
+        if (marker > 0.0f) at.y = -Graph().hh - marker * Root().GetPixelSize();
         const float s = Root().GetInterfaceScale();
         return {(Graph().x + at.x - Root().GetViewLeft()) / s,
                 (Graph().y + at.y - Root().GetViewBottom()) / s};

@@ -77,6 +77,73 @@ TEST_F(PanelGraph, HandlesStopAtTheirEndsMoveFinelyWithShiftAndTurnTheirQ) {
     EXPECT_THAT(wheel({30.0f, 780.0f}), testing::IsEmpty());
 }
 
+TEST_F(PanelGraph, TellsAHandlesValuesWhileItIsHeldOrTurned) {
+    const auto told = [&] {
+        Tick();
+        return std::string(Root().infoTitle) + " " + Root().infoText;
+    };
+    const uint32_t third = band_port(2);
+    for (const auto& [control, value] :
+         {std::pair(kFrequency, 1244.5f), {kGain, 6.5f}, {kQ, 0.7f}}) {
+        Report(third + control, value);
+    }
+    Tick();
+    const std::string values = "Band 3: 1.24 kHz (D#6), +6.5 dB, Q 0.70";
+    const std::string before = "Band 3 drag: frequency and gain, wheel: Q, hold the marker: solo";
+    MoveTo(HandleAt(2));
+    EXPECT_EQ(told(), before);
+    PressAt(HandleAt(2));
+    EXPECT_EQ(told(), values);
+    for (const auto& [hz, text] : {std::pair(63.0f, "63.0 Hz (B1)"),
+                                   {440.0f, "440 Hz (A4)"},
+                                   {999.7f, "1.00 kHz (B5)"},
+                                   {12345.0f, "12.3 kHz"}}) {
+        Report(third + kFrequency, hz);
+        EXPECT_EQ(told(), std::string("Band 3: ") + text + ", +6.5 dB, Q 0.70");
+    }
+    Report(third + kFrequency, 1244.5f);
+    Tick();
+    host.window.Release();
+    EXPECT_EQ(told(), values);  // until the pointer goes elsewhere
+    MoveTo({100.0f, 700.0f});
+    Tick();
+    MoveTo(HandleAt(2));
+    EXPECT_EQ(told(), before);
+    host.window.Click(4);
+    Tick();
+    EXPECT_EQ(told(), "Band 3: 1.24 kHz (D#6), +6.5 dB, Q 0.99");
+    MoveTo(HandleAt(2, 42.0f));
+    EXPECT_EQ(told(), "Band 3 hold: solo, drag: frequency, wheel: Q");
+    MoveTo(HandleAt(2, 51.0f));
+    EXPECT_EQ(told(), "Band 3 drag: frequency and gain without solo, wheel: Q");
+}
+
+TEST_F(PanelGraph, DrawsTheSelectedHandleOverItsNeighbours) {
+    for (const int band : {4, 5, 6}) Report(band_port(band) + kFrequency, 1000.0f);
+    Tick();
+    const Spot handle = HandleAt(5);
+    /// The handle's number, inside its pulsing rings.
+    const auto number = [&] {
+        MoveTo({125.0f + 15.0f + 87.0f * 5.0f + 40.0f, 154.0f});  // in the strip, beside controls
+        host.IdleTimes(3);
+        EXPECT_EQ(Graph().selectedHandle, 5);
+        std::vector<uint32_t> pixels;
+        for (int y = -2; y <= 2; ++y) {
+            for (int x = -2; x <= 2; ++x) {
+                pixels.push_back(
+                    host.GetPixel(static_cast<int>(std::lround(handle.x * 0.75f)) + x,
+                                  static_cast<int>(std::lround(600.0f - handle.y * 0.75f)) + y));
+            }
+        }
+        return pixels;
+    };
+    const auto shown = number();
+    for (const int band : {4, 6}) Report(band_port(band) + kEnable, 0.0f);
+    EXPECT_TRUE(shown == number());
+    Report(band_port(5) + kEnable, 0.0f);
+    EXPECT_TRUE(shown != number());
+}
+
 TEST_F(PanelGraph, HoldingAMarkerSearchesUntilItIsReleasedOrTheEditorCloses) {
     Report(section_port(0) + kEnable, 1.0f);
     Report(section_port(1) + kEnable, 0.0f);
@@ -88,7 +155,7 @@ TEST_F(PanelGraph, HoldingAMarkerSearchesUntilItIsReleasedOrTheEditorCloses) {
         const float fifth = closes ? 0.0f : 1.0f;  // switched off right after a search
         Report(band_port(4) + kEnable, fifth);
         Tick();
-        const Spot marker = HandleAt(2, true);
+        const Spot marker = HandleAt(2, 42.0f);
         EXPECT_THAT(Values(During([&] { PressAt(marker); })),
                     ElementsAre(Pair(13, 10), Pair(14, 10), Pair(42, 0), Pair(47, 0), Pair(2, 0),
                                 Pair(7, 0), Pair(17, 0), Pair(22, 0), Pair(27, 0), Pair(32, 0),

@@ -83,7 +83,7 @@ TEST_P(PanelInHost, GesturesEndWhereTheHandEnds) {
     // Searches and a drag in quick succession.
     handle = HandleAt(2);
     for (const bool drags : {false, false, true, false}) {
-        MoveTo(drags ? handle : HandleAt(2, true));
+        MoveTo(drags ? handle : HandleAt(2, 42.0f));
         host.window.Press();
         Tick();
         if (drags) Move(handle, 0, 30);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <set>
 
 #include "contract/presets.h"
 #include "editor/pugl_window.h"
@@ -12,6 +13,7 @@
 
 // Included last: Xlib defines words that the others use.
 #include <GL/glx.h>
+#include <X11/extensions/Xfixes.h>
 
 namespace brindle {
 namespace {
@@ -181,6 +183,46 @@ TEST_F(Panel, EachKnobMovesItsControlByItsMeasure) {
     EXPECT_NEAR(trim.back().AsFloat(), 40.0f * 0.003f * 50.0f, 1e-3f);
 }
 
+TEST_F(Panel, ShapesThePointerByWhatItIsOver) {
+    const std::unique_ptr<Display, int (*)(Display*)> display(XOpenDisplay(nullptr), XCloseDisplay);
+    const auto shape = [&](const Spot& spot) {
+        MoveTo(spot);
+        Tick();
+        const std::unique_ptr<XFixesCursorImage, int (*)(void*)> image(
+            XFixesGetCursorImage(display.get()), XFree);
+        return std::vector<unsigned long>(image->pixels,
+                                          image->pixels + image->width * image->height);
+    };
+    const Spot handle = {(40.0f + 920.0f / 3.0f * std::log10(250.0f / 20.0f)) / 0.75f, 552.0f};
+    const auto arrow = shape({-20.0f, 300.0f});
+    const auto upDown = shape(InStrip(2, 40.0f));
+    const auto sideways = shape(kTrim);
+    const auto fourWays = shape(handle);
+    const auto hand = shape(KeyOf(2));
+    const std::set<std::vector<unsigned long>> shapes = {arrow, upDown, sideways, fourWays, hand};
+    EXPECT_EQ(shapes.size(), 5u);
+    const struct {
+        Spot spot;
+        const std::vector<unsigned long>& shape;
+    } cases[] = {{InStrip(8, -40.0f), upDown},
+                 {ShapeOf(8), hand},
+                 {PresetAt(2), hand},
+                 {kFlatAll, hand},
+                 {InStrip(3, 60.0f), arrow},
+                 {{handle.x, 328.0f}, sideways},
+                 {{handle.x, 316.0f}, fourWays},
+                 {InStrip(2, 0.0f), upDown}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        EXPECT_TRUE(shape(c.spot) == c.shape);
+    }
+    PressAt(InStrip(2, 0.0f));
+    EXPECT_TRUE(shape({700.0f, 500.0f}) == upDown);  // while it is held
+    host.window.Release();
+    Tick();
+    EXPECT_TRUE(shape({700.0f, 500.0f}) == arrow);
+}
+
 TEST_F(Panel, DrawsAnewForNewsOnly) {
     const auto draws_anew = [&](uint32_t port, float value) {
         host.IdleTimes(2);
@@ -297,7 +339,6 @@ TEST_F(Panel, ShowsTheSameWhetherDrawnInPartsOrWhole) {
         [&] { host.window.Click(); },
         [&] { Root().ShowMessage("One", "two", "three", "four", "five"); },
         [&] { host.window.Click(); },
-        [&] { Root().SetInfoText("A text"); },
         [&] { hostContrastColor = kRed; },
     };
     for (const auto& change : changes) {
