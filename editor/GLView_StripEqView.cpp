@@ -236,7 +236,7 @@ void GLView_StripEqView::EditorClosed() {
 }
 
 GLColor GLView_StripEqView::GetBackgroundColor() {
-    constexpr float kBrightest = 0.088f;
+    constexpr float kBrightest = 0.076f;
     GLColor ground = GLView_BaseView::GetBackgroundColor();
     const float peak = std::max({ground.red, ground.green, ground.blue});
     if (peak > kBrightest) {

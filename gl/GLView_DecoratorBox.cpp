@@ -10,7 +10,7 @@
 namespace brindle {
 namespace {
 
-constexpr GLColor kBoxColor{0.078f, 0.08f, 0.084f};
+constexpr GLColor kBoxColor{0.068f, 0.07f, 0.074f};
 constexpr GLColor kEdgeColor = kGrey60;
 
 }  // namespace

@@ -17,7 +17,7 @@ void DrawGlow(const Look& look, const GLColor& color, float hw, float hh) {
     constexpr GLPoint kDiscs[] = {{0.8f, 0.8f}, {0.7f, 0.6f}, {0.6f, 0.5f}, {0.5f, 0.4f}};
     color.ApplyFaded(0.4f);
     for (const GLPoint& disc : kDiscs) DrawDisc(look.resources, disc.x * hw, disc.y * hh);
-    Lightened(color, 0.7f).ApplyFaded(0.75f);
+    Lightened(color, 0.75f).ApplyFaded(0.85f);
     DrawDisc(look.resources, 0.8f * hw, 0.75f * hh);
 }
 
