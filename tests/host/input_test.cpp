@@ -63,6 +63,26 @@ TEST_F(Input, SoundsLikeAFileThatIsRendered) {
     EXPECT_LT(level_at(load("heard.wav"), 1000.0, 1), 1e-5);
 }
 
+// Without a server, the sound plays into the void at its own rate.
+TEST_F(Input, OutputFallsBackToSilence) {
+    for (const int rate_hz : {48000, 44100}) {
+        save(std::to_string(rate_hz) + ".wav",
+             tone(1000.0, 0.2, 0.5, rate_hz, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT));
+    }
+    const Outcome outcome = with_jack(
+        "says() { " BRINDLE_PROGRAM
+        " open --no-editor $1.wav >$1 & player=$!; "
+        "wait_for grep -q Playing $1; kill -INT $player; wait $player; echo $? $(cat $1); }; "
+        "says 48000; says 44100; kill $jack; wait $jack; says 48000");
+    EXPECT_EQ(outcome.out,
+              "0 Playing 48000.wav (mono, 48000 Hz) on system. Interrupt it (Ctrl-C) to end.\n"
+              "0 Playing 44100.wav (mono, 44100 Hz) in silence, as no sound device takes 44100 Hz. "
+              "Interrupt it (Ctrl-C) to end.\n"
+              "0 Playing 48000.wav (mono, 48000 Hz) in silence, as there is no sound device. "
+              "Interrupt it (Ctrl-C) to end.\n")
+        << outcome.err;
+}
+
 TEST_F(Input, ALostOrWrongDeviceIsASentenceAndAnExit) {
     const Outcome outcome = with_jack(
         "brindle open --list-devices; brindle open --input --rate 44100; echo status $?; "

@@ -65,31 +65,18 @@ void free(void* block) {
     note_call();
     __libc_free(block);
 }
-int pthread_mutex_lock(pthread_mutex_t* mutex) {
-    static auto* const real = next<int(pthread_mutex_t*)>("pthread_mutex_lock");
-    note_call();
-    return real(mutex);
-}
-int pthread_mutex_trylock(pthread_mutex_t* mutex) {
-    static auto* const real = next<int(pthread_mutex_t*)>("pthread_mutex_trylock");
-    note_call();
-    return real(mutex);
-}
-int pthread_rwlock_rdlock(pthread_rwlock_t* lock) {
-    static auto* const real = next<int(pthread_rwlock_t*)>("pthread_rwlock_rdlock");
-    note_call();
-    return real(lock);
-}
-int pthread_rwlock_wrlock(pthread_rwlock_t* lock) {
-    static auto* const real = next<int(pthread_rwlock_t*)>("pthread_rwlock_wrlock");
-    note_call();
-    return real(lock);
-}
-int sem_wait(sem_t* semaphore) {
-    static auto* const real = next<int(sem_t*)>("sem_wait");
-    note_call();
-    return real(semaphore);
-}
+
+#define GUARDED(name, Argument)                                \
+    int name(Argument* argument) {                             \
+        static auto* const real = next<int(Argument*)>(#name); \
+        note_call();                                           \
+        return real(argument);                                 \
+    }
+GUARDED(pthread_mutex_lock, pthread_mutex_t)
+GUARDED(pthread_mutex_trylock, pthread_mutex_t)
+GUARDED(pthread_rwlock_rdlock, pthread_rwlock_t)
+GUARDED(pthread_rwlock_wrlock, pthread_rwlock_t)
+GUARDED(sem_wait, sem_t)
 }
 #endif
 
