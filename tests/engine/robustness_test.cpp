@@ -207,6 +207,8 @@ TEST(Bursts, DoNotHoldTheMeters) {
         host.port(kMeterInPort) = kNan;
         host.port(kMeterOutPort) = kInf;
         host.process({std::vector<float>(192000, 0.5f)});
+        EXPECT_TRUE(std::isfinite(host.port(kMeterInPort)));
+        EXPECT_TRUE(std::isfinite(host.port(kMeterOutPort)));
         host.port(kMeterInPort) = host.port(kMeterOutPort) = 0.0f;
         host.process({std::vector<float>(4096, 0.5f)});
         EXPECT_NEAR(host.port(kMeterInPort), 0.25f, 0.01f);

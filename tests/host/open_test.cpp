@@ -25,6 +25,10 @@ constexpr const char* kTitle = "Brindle Console EQ";
 constexpr int kGainX = 254;
 constexpr int kGainY = 470;
 
+/// Sends a program to the background and waits until it plays.
+const std::string kUntilItPlays =
+    " >said & timeout 60 sh -c 'until grep -q Playing said; do sleep 0.05; done'; ";
+
 class Open : public ProgramTest {
   protected:
     /// Starts the program without waiting for its end.
@@ -109,23 +113,23 @@ TEST_F(Open, StartsAtItsDesignSizeOrTheScreensWhereThatIsSmaller) {
 }
 
 TEST_F(Open, ARequestToStopEndsItLikeAClosedWindow) {
-    const Outcome outcome = shell("timeout --preserve-status -s TERM 3 " BRINDLE_PROGRAM
-                                  " open --silent --set b2_gain=4 --save s.ttl");
+    const Outcome outcome = shell(BRINDLE_PROGRAM " open --silent --set b2_gain=4 --save s.ttl" +
+                                  kUntilItPlays + "kill -TERM $!; wait $!");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(state("s.ttl")["b2_gain"], 4.0);
     // The state that was loaded may be written over.
-    shell("timeout --preserve-status -s INT 3 " BRINDLE_PROGRAM
-          " open --silent --load s.ttl --set b2_gain=5 --save s.ttl");
+    shell(BRINDLE_PROGRAM " open --silent --load s.ttl --set b2_gain=5 --save s.ttl" +
+          kUntilItPlays + "kill -INT $!; wait $!");
     EXPECT_EQ(state("s.ttl")["b2_gain"], 5.0);
-    EXPECT_THAT(files(), testing::ElementsAre("s.ttl"));
+    EXPECT_THAT(files(), testing::ElementsAre("s.ttl", "said"));
 }
 
 TEST_F(Open, TheStateIsSavedWhenTheDisplayIsLost) {
     const Outcome outcome = shell(
         "Xvfb -displayfd 3 -screen 0 1200x800x24 -noreset -nolisten tcp 3>number & "
-        "while ! [ -s number ]; do sleep 0.1; done; export DISPLAY=:$(cat number); rm number; "
-        "{ sleep 3; kill -KILL $!; } & "
-        "timeout 60 " BRINDLE_PROGRAM " open --silent --set b2_gain=4 --save s.ttl");
+        "server=$!; while ! [ -s number ]; do sleep 0.1; done; export DISPLAY=:$(cat number); "
+        "timeout 60 " BRINDLE_PROGRAM " open --silent --set b2_gain=4 --save s.ttl" +
+        kUntilItPlays + "kill -KILL $server; wait $!");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.err, HasSubstr("brindle: the connection to the display was lost.\n"));
     EXPECT_EQ(state("s.ttl")["b2_gain"], 4.0);

@@ -163,8 +163,8 @@ class UiHost {
         const auto later = std::stable_partition(reports.begin(), reports.end(),
                                                  [&](const auto& each) { return each.due <= now; });
         std::vector<Waiting> due(reports.begin(), later);
-        reports.erase(reports.begin(), later);
         if (kind.reports == HostKind::Reversed) std::ranges::reverse(due);
+        reports.erase(reports.begin(), later);
         for (const auto& report : due) Send(report.port, report.value);
         return ended;
     }
