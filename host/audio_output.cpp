@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -12,6 +13,7 @@
 
 #include "contract/brindle.h"
 #include "host/console.h"
+#include "host/rtaudio.h"
 #include "host/user_error.h"
 
 namespace brindle {
@@ -21,21 +23,24 @@ constexpr unsigned kDeviceBlock = 512;
 constexpr unsigned kDuplexBlock = 256;
 constexpr size_t kClockBlock = 512;
 
+struct NoDevice : std::runtime_error {
+    NoDevice() : std::runtime_error("none found") {}
+};
+
 class Device : public AudioOutput {
   public:
-    /// Plays on the default device. Throws RtAudioError if there is no device or it refuses.
+    /// Plays on the default device. Throws NoDevice if there is none, another std::runtime_error if
+    /// it refuses.
     Device(RtAudio::Api api, LivePlugin& plugin, double rate_hz)
         : plugin_(plugin), input_(nullptr), audio_(api) {
         audio_.showWarnings(false);
-        if (audio_.getDeviceCount() == 0) {
-            throw RtAudioError("none found", RtAudioError::NO_DEVICES_FOUND);
-        }
+        if (audio_.getDeviceCount() == 0) throw NoDevice();
         const unsigned output = audio_.getDefaultOutputDevice();
         start(nullptr, output, static_cast<unsigned>(rate_hz), kDeviceBlock);
         place_ = "on " + audio_.getDeviceInfo(output).name;
     }
 
-    /// Plays a device's input. Throws RtAudioError if it refuses.
+    /// Plays a device's input. Throws std::runtime_error if it refuses.
     Device(const DuplexDevice& device, LivePlugin& plugin, DeviceInput& input)
         : plugin_(plugin), input_(&input), audio_(device.api) {
         audio_.showWarnings(false);
@@ -68,8 +73,11 @@ class Device : public AudioOutput {
         output.nChannels = LivePlugin::kOutputs;
         RtAudio::StreamOptions options;
         options.streamName = kProductName;
-        audio_.openStream(&output, from, RTAUDIO_FLOAT32, rate_hz, &block, play, this, &options);
-        audio_.startStream();
+        checked(audio_, [&] {
+            return audio_.openStream(&output, from, RTAUDIO_FLOAT32, rate_hz, &block, play, this,
+                                     &options);
+        });
+        checked(audio_, [&] { return audio_.startStream(); });
         return block;
     }
 
@@ -120,7 +128,7 @@ class SilentClock : public AudioOutput {
     std::jthread thread_;
 };
 
-/// Calls `use(api, audio, number, info)` for each device of each sound system until it returns
+/// Calls `use(api, audio, id, info)` for each device of each sound system until it returns
 /// true.
 template <typename Use>
 bool any_device(Use use) {
@@ -130,11 +138,11 @@ bool any_device(Use use) {
         try {
             RtAudio audio(api);
             audio.showWarnings(false);
-            for (unsigned i = 0; i < audio.getDeviceCount(); ++i) {
-                const RtAudio::DeviceInfo info = audio.getDeviceInfo(i);
-                if (info.probed && use(api, audio, i, info)) return true;
+            for (const unsigned id : device_ids(audio)) {
+                const RtAudio::DeviceInfo info = audio.getDeviceInfo(id);
+                if (is_usable(info) && use(api, audio, id, info)) return true;
             }
-        } catch (const RtAudioError&) {
+        } catch (const std::runtime_error&) {
             continue;
         }
     }
@@ -149,8 +157,10 @@ std::unique_ptr<AudioOutput> start_device(LivePlugin& plugin, double rate_hz, bo
     for (const RtAudio::Api api : apis) {
         try {
             return std::make_unique<Device>(api, plugin, rate_hz);
-        } catch (const RtAudioError& error) {
-            found = found || error.getType() != RtAudioError::NO_DEVICES_FOUND;
+        } catch (const NoDevice&) {
+            continue;
+        } catch (const std::runtime_error&) {
+            found = true;
         }
     }
     return nullptr;
@@ -173,12 +183,12 @@ DuplexDevice find_duplex_device(const std::string& name, unsigned rate_hz) {
     DuplexDevice found = {};
     std::string refusal;
     const bool is_found = any_device(
-        [&](RtAudio::Api api, RtAudio& audio, unsigned number, const RtAudio::DeviceInfo& info) {
+        [&](RtAudio::Api api, RtAudio& audio, unsigned id, const RtAudio::DeviceInfo& info) {
             const bool is_wanted =
                 name.empty() ? info.isDefaultOutput : info.name.find(name) != std::string::npos;
             if (!is_wanted || info.outputChannels < 2) return false;
             // Some sound systems list inputs and outputs apart.
-            const unsigned input = info.inputChannels > 0 ? number : audio.getDefaultInputDevice();
+            const unsigned input = info.inputChannels > 0 ? id : audio.getDefaultInputDevice();
             const RtAudio::DeviceInfo from = audio.getDeviceInfo(input);
             if (from.inputChannels == 0) return false;
             const unsigned rate = rate_hz != 0 ? rate_hz : info.preferredSampleRate;
@@ -187,7 +197,7 @@ DuplexDevice find_duplex_device(const std::string& name, unsigned rate_hz) {
                                     rate, info.preferredSampleRate);
                 return false;
             }
-            found = {api, input, number, info.name, from.inputChannels > 1 ? 2 : 1, rate};
+            found = {api, input, id, info.name, from.inputChannels > 1 ? 2 : 1, rate};
             return true;
         });
     if (is_found) return found;
@@ -227,8 +237,8 @@ std::unique_ptr<AudioOutput> start_duplex(const DuplexDevice& device, LivePlugin
                                           DeviceInput& input) {
     try {
         return std::make_unique<Device>(device, plugin, input);
-    } catch (const RtAudioError& error) {
-        throw UserError("cannot play on " + device.name + ": " + error.getMessage());
+    } catch (const std::runtime_error& error) {
+        throw UserError("cannot play on " + device.name + ": " + error.what());
     }
 }
 
