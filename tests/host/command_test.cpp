@@ -176,10 +176,10 @@ TEST_F(Program, TheManualPageAndTheCompletionKnowWhatHelpTells) {
     EXPECT_EQ(all_of(manual.substr(0, manual.find(".SH SETTINGS")), "\n\\.TP\n\\.B ([a-z]+)"),
               commands);
 
-    const Outcome completed = shell("PATH=$(dirname " BRINDLE_PROGRAM
-                                    "):$PATH; cat >try <<'END'\n"
-                                    ". " BRINDLE_PACKAGING
-                                    "/brindle.bash\n"
+    const Outcome completed = shell("PATH=" BRINDLE_FOLDER
+                                    ":$PATH; cat >try <<'END'\n"
+                                    ". '" BRINDLE_PACKAGING
+                                    "/brindle.bash'\n"
                                     "try() { COMP_WORDS=(\"$@\") COMP_CWORD=$(($#-1)); _brindle "
                                     "brindle; echo \"${COMPREPLY[*]}\"; }\n"
                                     "try brindle re; try brindle render --no; try brindle info "
@@ -209,7 +209,7 @@ TEST_F(Program, JsonTellsTheSame) {
 }
 
 TEST_F(Program, TheDoctorFindsDoubledBundlesAndMissingLibraries) {
-    const std::string bundle = "$(dirname " BRINDLE_PROGRAM ")/brindle.lv2";
+    const std::string bundle = BRINDLE_FOLDER "/brindle.lv2";
     shell("mkdir -p .lv2 other; cp -r " + bundle + " .lv2/; cp -r " + bundle +
           " other/old.lv2; "
           "cp -r " +
@@ -253,7 +253,7 @@ TEST_F(Program, AFullDiskLeavesNoTableOrPlotBehind) {
 
 TEST_F(Program, TheBundleIsFoundBesideTheProgramOrOnTheSearchPath) {
     const std::string copy = "cp " BRINDLE_PROGRAM " program; ";
-    const std::string search = "LV2_PATH=$(dirname " BRINDLE_PROGRAM ") ./program info";
+    const std::string search = "LV2_PATH=" BRINDLE_FOLDER " ./program info";
     EXPECT_THAT(shell(copy + search).out, HasSubstr("Brindle Console EQ (Mono)"));
     const Outcome lost = shell(copy + "LV2_PATH=/none ./program info");
     EXPECT_EQ(lost.status, 1);
@@ -262,7 +262,7 @@ TEST_F(Program, TheBundleIsFoundBesideTheProgramOrOnTheSearchPath) {
 
 // A bundle whose library cannot be loaded.
 TEST_F(Program, ABrokenBundleIsSaidToBeOne) {
-    shell("cp -r $(dirname " BRINDLE_PROGRAM ")/brindle.lv2 broken && rm broken/brindle.so");
+    shell("cp -r " BRINDLE_FOLDER "/brindle.lv2 broken && rm broken/brindle.so");
     const Outcome outcome = brindle("--bundle broken response out.csv");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.err, HasSubstr("brindle: the plugin in "));

@@ -107,7 +107,7 @@ TEST_F(ProgramTest, PipewirePlaysThroughThePrintedConfiguration) {
         "exec 9>${TMPDIR:-/tmp}/brindle-jack.lock; flock 9; "
         "export XDG_RUNTIME_DIR=$PWD HOME=$PWD LV2_PATH=$PWD/lv2; unset DISPLAY; umask 077; "
         "folder=.config/pipewire/pipewire.conf.d; mkdir -p $folder lv2; "
-        "ln -s $(dirname " BRINDLE_PROGRAM ")/brindle.lv2 lv2; " BRINDLE_PROGRAM
+        "ln -s " BRINDLE_FOLDER "/brindle.lv2 lv2; " BRINDLE_PROGRAM
         " pipewire --set trim=-4 --set b5_gain=10 >$folder/brindle.conf; "
         "cat >$folder/sink.conf <<'END'\n"
         "context.objects = [ { factory = adapter args = { factory.name = support.null-audio-sink "

@@ -60,6 +60,8 @@ double level_at(const Sound& sound, double freq_hz, int channel) {
 ProgramTest::ProgramTest() {
     std::string name = fs::temp_directory_path() / "brindle-test-XXXXXX";
     folder_ = mkdtemp(name.data());
+    setenv("BRINDLE_FOLDER", BRINDLE_BUILD, 1);
+    setenv("BRINDLE", BRINDLE_BUILD "/brindle", 1);
 }
 
 ProgramTest::~ProgramTest() {

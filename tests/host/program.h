@@ -11,6 +11,10 @@
 #include <string>
 #include <vector>
 
+/// The built program and its folder in shell commands; their paths may have spaces.
+#define BRINDLE_PROGRAM "\"$BRINDLE\""
+#define BRINDLE_FOLDER "\"$BRINDLE_FOLDER\""
+
 namespace brindle::test {
 
 struct Outcome {

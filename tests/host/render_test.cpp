@@ -228,7 +228,7 @@ TEST_F(RenderCommand, AnInterruptionLeavesNothingBehind) {
         const std::string script =
             "import os, signal; signal.pthread_sigmask(signal.SIG_BLOCK, [signal.SIGTERM]); "
             "os.kill(os.getpid(), signal.SIGTERM); "
-            "os.execv(\"" BRINDLE_PROGRAM "\", [\"brindle\", \"render\", " +
+            "os.execv(os.environ[\"BRINDLE\"], [\"brindle\", \"render\", " +
             arguments + "])";
         const Outcome outcome = shell("python3 -c '" + script + "'");
         EXPECT_EQ(outcome.status, 128 + SIGTERM);
