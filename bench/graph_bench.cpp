@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <vector>
 
 #include "gl/GLResources.h"
 #include "gl/settings.h"
@@ -100,7 +101,10 @@ void Pass(benchmark::State& state) {
     GraphFixture fixture;
     GLResources resources(fixture.page.interfaceScale);
     fixture.page.resources = &resources;
-    for (auto& row : fixture.graph->spectrum.rows) row.fill(-20.0f);
+    const std::vector<float> levels_db(kPlotBins, -20.0f);
+    for (int32_t row = 0; row < kPlotRows; ++row) {
+        fixture.graph->AddSpectrumRow(row, levels_db.data());
+    }
     for (int band = 0; band < kBandCount; ++band) {
         fixture.Set(band, {1.0f, 9.0f, band % 2 == 0 ? 9.0f : -9.0f,
                            60.0f * static_cast<float>(1 << band), 2.0f});

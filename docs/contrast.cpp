@@ -167,9 +167,9 @@ void ForEach(GLView& parent, Use use) {
 }
 
 /// An editor in one look, and the pixels of its window.
-class Session {
+class Scene {
   public:
-    Session(const LookRow& look, int width) : width_(width), height_(width * 6 / 10) {
+    Scene(const LookRow& look, int width) : width_(width), height_(width * 6 / 10) {
         hostBackgroundColor = look.background;
         hostContrastColor = look.contrast;
         if (look.boxy) editor_.AddOption(kStyleBoxyUri, LV2_ATOM__Bool, int32_t{1});
@@ -238,31 +238,31 @@ class Measurement {
     /// Measures one look in a window `width` pixels wide.
     void Run(size_t look, int width) {
         look_ = look;
-        Session session(kLooks[look], width);
-        GLView_StripEqView& root = *session.root;
-        session.PointAt(*root.firstChild);  // the button for "flat", which has a long help text
-        session.Shoot();
-        MeasurePanel(session);
-        MeasureLamps(session);
+        Scene scene(kLooks[look], width);
+        GLView_StripEqView& root = *scene.root;
+        scene.PointAt(*root.firstChild);  // the button for "flat", which has a long help text
+        scene.Shoot();
+        MeasurePanel(scene);
+        MeasureLamps(scene);
         GLView_Knob* knob = nullptr;
         ForEach<GLView_Knob>(root, [&](GLView_Knob& each) {
             if (each.port == band_port(0) + kGain) knob = &each;
         });
-        session.PointAt(*knob);  // selects the band's handle
-        session.Shoot();
-        MeasurePanel(session);
-        session.Press();
-        session.Shoot();
-        MeasurePanel(session);
-        session.Release();
+        scene.PointAt(*knob);  // selects the band's handle
+        scene.Shoot();
+        MeasurePanel(scene);
+        scene.Press();
+        scene.Shoot();
+        MeasurePanel(scene);
+        scene.Release();
         ForEach<GLView_MenuSelector>(root, [&](GLView_MenuSelector& selector) {
             if (!selector.menu.HasPort(band_port(0) + kType)) return;
-            session.PointAt(selector);
-            session.Press();
-            session.Release();
-            session.PointAt(*selector.menu.firstChild->nextSibling);
-            session.Shoot();
-            MeasureMenu(session, selector.menu);
+            scene.PointAt(selector);
+            scene.Press();
+            scene.Release();
+            scene.PointAt(*selector.menu.firstChild->nextSibling);
+            scene.Shoot();
+            MeasureMenu(scene, selector.menu);
         });
     }
 
@@ -303,10 +303,10 @@ class Measurement {
     }
     /// The contrast of a light or dark text with its ground. Shadows and edges are neither: the
     /// ground is darker or lighter than two thirds of the text's area.
-    void AddText(const Session& session, std::string kind, bool off, const DrawnText& drawn) {
-        const float edge = session.root->GetPixelSize();
+    void AddText(const Scene& scene, std::string kind, bool off, const DrawnText& drawn) {
+        const float edge = scene.root->GetPixelSize();
         const GLRect& place = drawn.place;
-        const auto sorted = session.Luminances(
+        const auto sorted = scene.Luminances(
             {place.left - edge, place.bottom - edge, place.right + edge, place.top + edge});
         const auto at = [&sorted](size_t percent) { return sorted[sorted.size() * percent / 100]; };
         if (off) kind += ", off";
@@ -314,17 +314,17 @@ class Measurement {
             std::max(Ratio(at(98), at(33)), Ratio(at(2), at(67))), drawn.text);
     }
 
-    void MeasurePanel(const Session& session) {
+    void MeasurePanel(const Scene& scene) {
         for (const DrawnText& drawn : drawnTexts) {
             const GLRect& place = drawn.place;
             Found found;
-            FindSmallest(*session.root,
+            FindSmallest(*scene.root,
                          {(place.left + place.right) / 2, (place.bottom + place.top) / 2}, found);
             if (found.view == nullptr) continue;
-            AddText(session, KindOf(*found.view, drawn), IsOff(*found.view), drawn);
+            AddText(scene, KindOf(*found.view, drawn), IsOff(*found.view), drawn);
         }
     }
-    void MeasureMenu(const Session& session, GLView_Menu& menu) {
+    void MeasureMenu(const Scene& scene, GLView_Menu& menu) {
         for (const DrawnText& drawn : drawnTexts) {
             for (GLView* item = menu.firstChild; item != nullptr; item = item->nextSibling) {
                 const GLPoint at = item->LocalToPage({0.0f, 0.0f});
@@ -332,23 +332,23 @@ class Measurement {
                     at.y > drawn.place.top) {
                     continue;
                 }
-                const bool isPointedAt = session.root->GetSelectedView() == item;
-                AddText(session, isPointedAt ? "menu entry pointed at" : "menu entries", false,
+                const bool isPointedAt = scene.root->GetSelectedView() == item;
+                AddText(scene, isPointedAt ? "menu entry pointed at" : "menu entries", false,
                         drawn);
             }
         }
     }
     /// The dimmest lamp that is on against the brightest one that is off.
-    void MeasureLamps(const Session& session) {
+    void MeasureLamps(const Scene& scene) {
         for (const bool ofBands : {true, false}) {
             double on = 1.0;
             double off = 0.0;
-            ForEach<GLView_Toggle>(*session.root, [&](GLView_Toggle& lamp) {
+            ForEach<GLView_Toggle>(*scene.root, [&](GLView_Toggle& lamp) {
                 if (ofBands != (lamp.port < section_port(0))) return;
                 const GLPoint at = lamp.LocalToPage({0.0f, 0.0f});
                 const float hw = 0.75f * lamp.hw;
                 const float hh = 0.75f * lamp.hh;
-                const auto face = session.Luminances({at.x - hw, at.y - hh, at.x + hw, at.y + hh});
+                const auto face = scene.Luminances({at.x - hw, at.y - hh, at.x + hw, at.y + hh});
                 const double median = face[face.size() / 2];
                 if (lamp.IsOn()) {
                     on = std::min(on, median);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -27,7 +28,8 @@ class PendingWrites {
     /// `wait_ms` ago or earlier. These writes then count as shown.
     template <typename Assume>
     void ForEachUnshown(int64_t now_ms, int64_t wait_ms, Assume assume) {
-        for (const Write& write : writes_) {
+        for (size_t i = 0; i < writes_.size(); ++i) {  // `assume` may lead to writes
+            const Write write = writes_[i];
             if (!write.isShown && now_ms - write.since_ms >= wait_ms) {
                 assume(write.port, ShowNewest(write.port));
             }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: ISC
 #include "gl/GLView_PresetButton.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -48,8 +49,8 @@ bool GLView_PresetButton::IsSet() {
     for (uint32_t port = 0; port < values.size(); ++port) {
         if (values[port] == kNotSet) continue;
         hasValues = true;
-        const float value = GetParameter(port);
-        if (!(std::abs(value - values[port]) <= kRounding * std::abs(values[port]))) return false;
+        const float allowed = kRounding * std::max(1.0f, std::abs(values[port]));
+        if (!(std::abs(GetParameter(port) - values[port]) <= allowed)) return false;
     }
     return hasValues;
 }
@@ -57,7 +58,8 @@ bool GLView_PresetButton::IsSet() {
 void GLView_PresetButton::ParameterChanged(uint32_t index) {
     GLView::ParameterChanged(index);
     if (index >= values.size() || values[index] == kNotSet) return;
-    if (std::exchange(lit_, IsSet()) != lit_) Redraw(Layer::Back);
+    const bool wasLit = std::exchange(lit_, IsSet());
+    if (lit_ != wasLit) Redraw(Layer::Back);
 }
 
 void GLView_PresetButton::DrawBack() {

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <numeric>
+#include <vector>
 
 #include "gl/GLResources.h"
 #include "gl/settings.h"
@@ -307,7 +308,8 @@ TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
 }
 
 TEST_F(GraphPicture, LeavesTheStateOfGLAsItWas) {
-    graph->spectrum.rows[0].fill(-10.0f);
+    const std::vector<float> levels_db(kPlotBins, -10.0f);
+    graph->AddSpectrumRow(0, levels_db.data());
     graph->selectedHandle = 0;
     for (auto pass : {&GLView::DrawBack, &GLView::Draw, &GLView::DrawFront}) {
         Pass(pass);
