@@ -186,8 +186,8 @@ One filter alone, sine of -1 dBFS, noise in dBFS:
     sox out.wav -n sinc -t 2 20 sinc -20000 bandreject 997 2q trim 3 8 gain 60 stats
 
 `RMS lev dB` counts from a full scale square and behind 60 dB of gain, so it reads 57.0 dB
-more than the first row of the last table at 48 kHz, give or take a decibel. Other tones and
-filters likewise; `synth 12 sine 997 vol 0` in the first line makes silence, and without
+more than the first row of the last table at 48 kHz, give or take a decibel (three for a high-pass at
+20 Hz, whose noise lies on the edge of the band). Other tones and filters likewise; `synth 12 sine 997 vol 0` in the first line makes silence, and without
 `bandreject` the last measures the noise floor.
 
 )";
