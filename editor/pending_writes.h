@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: ISC
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -25,11 +24,10 @@ class PendingWrites {
     float Reported(uint32_t port, float value, int64_t now_ms);
 
     /// Calls `assume(port, value)` with the newest write of each port that has an unshown write of
-    /// `wait_ms` ago or earlier. These writes then count as shown.
+    /// `wait_ms` ago or earlier. These writes then count as shown. `assume` must not write.
     template <typename Assume>
     void ForEachUnshown(int64_t now_ms, int64_t wait_ms, Assume assume) {
-        for (size_t i = 0; i < writes_.size(); ++i) {  // `assume` may lead to writes
-            const Write write = writes_[i];
+        for (const Write& write : writes_) {
             if (!write.isShown && now_ms - write.since_ms >= wait_ms) {
                 assume(write.port, ShowNewest(write.port));
             }
