@@ -107,7 +107,7 @@ struct PuglWindow::Impl {
         XFlush(display);
     }
 
-    /// Requests a frame of Pugl if one has been requested of the window and would differ.
+    /// Asks Pugl for a frame if the window was asked for one and it would differ.
     bool PassRequestOn() {
         if (!std::exchange(frameRequested, false)) return false;
         bool isDue = false;

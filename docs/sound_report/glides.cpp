@@ -308,7 +308,7 @@ do so, here with the gain of band 5, which stands at 1 kHz, Q 1, ten waves a sec
     sox out.wav -n trim 1 2 stats                -> -21.1 (RMS lev dB)
     sox out.wav -n sinc 4000 trim 1 2 stats      -> -82.8
 
-The second is 62 dB below the first; within 2 dB that is the table's. With
+The second is 62 dB below the first, within 2 dB of the table. With
 `c='2 lv2 b5_enable 0'` and `mono:c=b5_gain=12` the bell is switched off:
 `sox out.wav -n sinc 4000 trim 1.9 0.5 stats` then reads -56 (`Pk lev dB`), below a sine of -20.
 With `c='2.0043 lv2 b5_type 4'` and `mono:c=b5_type=3`, low-pass to high-pass, it reads -26;
