@@ -3,106 +3,66 @@
 
 #include <gmock/gmock.h>
 
-#include <vector>
+#include <numeric>
 
-#include "editor/host_connection.h"
-#include "editor/host_options.h"
 #include "editor/pending_writes.h"
-#include "tests/support/urid_map.h"
+#include "tests/support/plot_message.h"
 
 namespace brindle {
 namespace {
 
-using test::UridMap;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-/// A plot message, and the fields that a test makes invalid.
-struct Plot {
-    int32_t id = 5;
-    uint32_t bins = kPlotBins;
-    LV2_URID type = 0;  // 0 in these means the valid one
-    LV2_URID objectType = 0;
-    LV2_URID rateType = 0;
-    LV2_URID idType = 0;
-    LV2_URID childType = 0;
-    bool withRate = true;
-    bool withRow = true;
-};
-
-class Messages : public testing::Test {
-  protected:
-    /// The message's bytes in memory of exactly its size, so that reads beyond it are detected.
-    std::vector<uint64_t> Build(const Plot& plot) {
-        alignas(8) uint8_t buffer[4096] = {};
-        LV2_Atom_Forge forge;
-        lv2_atom_forge_init(&forge, map.get());
-        lv2_atom_forge_set_buffer(&forge, buffer, sizeof buffer);
-        const auto number = [&](const char* key, LV2_URID type, int32_t value) {
-            lv2_atom_forge_key(&forge, map(key));
-            lv2_atom_forge_int(&forge, value);
-            // The type just written is before the value's padded 4 bytes.
-            *reinterpret_cast<uint32_t*>(buffer + forge.offset - 12) =
-                type != 0 ? type : uris.atom_int;
-        };
-        LV2_Atom_Forge_Frame frame;
-        lv2_atom_forge_object(&forge, &frame, 1,
-                              plot.objectType != 0 ? plot.objectType : uris.message);
-        if (plot.withRate) number(kSampleRateUri, plot.rateType, 48000);
-        number(kPlotIdUri, plot.idType, plot.id);
-        if (plot.withRow) {
-            std::vector<float> row(plot.bins + 1);  // data() must not be null
-            for (size_t i = 0; i < row.size(); ++i) row[i] = -static_cast<float>(i);
-            lv2_atom_forge_key(&forge, map(kPlotArrayUri));
-            lv2_atom_forge_vector(&forge, sizeof(float),
-                                  plot.childType != 0 ? plot.childType : uris.atom_float, plot.bins,
-                                  row.data());
-        }
-        lv2_atom_forge_pop(&forge, &frame);
-        if (plot.type != 0) reinterpret_cast<LV2_Atom*>(buffer)->type = plot.type;
-        size = reinterpret_cast<LV2_Atom*>(buffer)->size + static_cast<uint32_t>(sizeof(LV2_Atom));
-        const auto* words = reinterpret_cast<const uint64_t*>(buffer);
-        return {words, words + (size + 7) / 8};
-    }
-    bool IsRead(const Plot& plot) {
-        const auto bytes = Build(plot);
-        return ReadPlotMessage(uris, bytes.data(), size).has_value();
-    }
-
-    UridMap map;
-    EqUris uris = map_urids(map.get(), UridOrder::MessageFirst);
-    uint32_t size = 0;
-};
-
-TEST_F(Messages, ReadRowsOfBothObjectTypes) {
-    for (const LV2_URID type : {uris.atom_object, uris.atom_blank}) {
-        const auto bytes = Build({.id = 127, .type = type});
-        const auto plot = ReadPlotMessage(uris, bytes.data(), size);
-        ASSERT_TRUE(plot);
-        EXPECT_EQ(plot->id, 127);
-        EXPECT_EQ(plot->values[0], 0.0f);
-        EXPECT_EQ(plot->values[240], -240.0f);
-    }
-    EXPECT_TRUE(IsRead({.bins = kPlotBins + 3}));
-}
-
-TEST_F(Messages, IgnoreAllThatIsNotAPlot) {
-    const Plot wrong[] = {
-        {.id = -1},
-        {.id = kPlotRows},
-        {.bins = kPlotBins - 1},
-        {.bins = 0},
-        {.type = map(LV2_ATOM__Tuple)},
-        {.objectType = map(kEnableUiUri)},
-        {.rateType = uris.atom_float},
-        {.idType = uris.atom_float},
-        {.childType = uris.atom_int},
-        {.withRate = false},
-        {.withRow = false},
+TEST(Messages, AreReadWhereTheyAreWholeRows) {
+    test::UridMap map;
+    const EqUris uris = map_urids(map.get(), UridOrder::MessageFirst);
+    std::vector<float> row(kPlotBins + 3);
+    std::iota(row.begin(), row.end(), 0.0f);
+    const auto read = [&](const std::vector<uint32_t>& words, size_t bytes = 0) {
+        const auto size = static_cast<uint32_t>(bytes != 0 ? bytes : 4 * words.size());
+        return ReadPlotMessage(uris, words.data(), size);
     };
-    for (size_t i = 0; i < std::size(wrong); ++i) EXPECT_FALSE(IsRead(wrong[i])) << "case " << i;
-    EXPECT_TRUE(IsRead({}));
+    std::vector<uint32_t> longer = test::PlotMessage(map, kPlotRows - 1, row);
+    EXPECT_TRUE(read(longer));
+    row.resize(kPlotBins);
+    const std::vector<uint32_t> valid = test::PlotMessage(map, kPlotRows - 1, row);
+    std::vector<uint32_t> words = valid;
+    for (const LV2_URID type : {uris.atom_object, uris.atom_blank}) {
+        words[1] = type;
+        const auto plot = read(words);
+        ASSERT_TRUE(plot);
+        EXPECT_EQ(plot->id, kPlotRows - 1);
+        EXPECT_EQ(plot->values[0], 0.0f);
+        EXPECT_EQ(plot->values[kPlotBins - 1], kPlotBins - 1.0f);
+    }
+    for (const size_t size : {sizeof(LV2_Atom), 4 * valid.size() - 8}) {
+        EXPECT_FALSE(read(valid, size)) << size << " bytes";
+    }
+    const struct {
+        const char* what;
+        size_t word;
+        uint32_t value;
+    } wrong[] = {{"size", 0, valid[0] - 8},
+                 {"type", 1, map(LV2_ATOM__Tuple)},
+                 {"object type", 3, uris.enable_ui},
+                 {"no rate", 4, uris.enable_ui},
+                 {"rate's type", 7, uris.atom_float},
+                 {"id's type", 13, uris.atom_float},
+                 {"id below 0", 14, static_cast<uint32_t>(-1)},
+                 {"id above the last", 14, kPlotRows},
+                 {"no row", 16, uris.enable_ui},
+                 {"a bin too few", 18, valid[18] - 4},
+                 {"row beyond the end", 18, valid[18] + 8},
+                 {"row's type", 19, map(LV2_ATOM__Tuple)},
+                 {"bins' size", 20, 8},
+                 {"bins' type", 21, uris.atom_int}};
+    for (const auto& [what, word, value] : wrong) {
+        words = valid;
+        words[word] = value;
+        EXPECT_FALSE(read(words)) << what;
+    }
 }
 
 TEST(PendingWrites, CountAsShownAfterAWhileOnly) {
@@ -150,28 +110,6 @@ TEST(PendingWrites, AreShownAsTheNewestOneUntilTheHostReportsItsOwn) {
                 << "case " << i << ", " << row.now_ms << " ms";
         }
     }
-}
-
-TEST(HostColors, AreTakenWhenOpaqueOnly) {
-    GLColor color = kAmber;
-    ApplyHostColor(color, 0x20406080u);
-    ApplyHostColor(color, 0x204060feu);
-    ApplyHostColor(color, 0);
-    EXPECT_EQ(color.red, kAmber.red);
-    ApplyHostColor(color, 0x204060ffu);
-    EXPECT_FLOAT_EQ(color.red, 32.0f / 255.0f);
-    EXPECT_FLOAT_EQ(color.green, 64.0f / 255.0f);
-    EXPECT_FLOAT_EQ(color.blue, 96.0f / 255.0f);
-    EXPECT_EQ(color.alpha, 1.0f);
-}
-
-TEST(HostOptions, KeepTheirDefaultsWhereNoneIsGiven) {
-    UridMap map;
-    const LV2_Options_Option none[] = {{}};
-    const HostOptions options = ReadHostOptions(none, map.get());
-    EXPECT_EQ(options.sampleRate, 46000.0f);
-    EXPECT_EQ(options.backgroundColor, 0u);
-    EXPECT_FALSE(options.boxy);
 }
 
 }  // namespace

@@ -1,39 +1,17 @@
 // SPDX-License-Identifier: ISC
 // Atoms that a host may send to the editor: arbitrary bytes, and plot messages with some bytes
 // changed or their end cut off.
-#include <lv2/atom/forge.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <memory>
-#include <vector>
 
 #include "editor/host_connection.h"
-#include "tests/support/urid_map.h"
+#include "tests/support/plot_message.h"
 
 namespace {
 
 using namespace brindle;
-
-std::vector<uint8_t> ValidMessage(LV2_URID_Map* map) {
-    alignas(8) uint8_t buffer[2048] = {};
-    const EqUris uris = map_urids(map, UridOrder::MessageFirst);
-    LV2_Atom_Forge forge;
-    lv2_atom_forge_init(&forge, map);
-    lv2_atom_forge_set_buffer(&forge, buffer, sizeof buffer);
-    LV2_Atom_Forge_Frame frame;
-    lv2_atom_forge_object(&forge, &frame, 1, uris.message);
-    lv2_atom_forge_key(&forge, uris.sample_rate);
-    lv2_atom_forge_int(&forge, 48000);
-    lv2_atom_forge_key(&forge, uris.plot_id);
-    lv2_atom_forge_int(&forge, 7);
-    const float row[kPlotBins] = {};
-    lv2_atom_forge_key(&forge, uris.plot_array);
-    lv2_atom_forge_vector(&forge, sizeof(float), uris.atom_float, kPlotBins, row);
-    lv2_atom_forge_pop(&forge, &frame);
-    return {buffer, buffer + forge.offset};
-}
 
 void Require(bool holds) {
     if (!holds) std::abort();
@@ -43,13 +21,14 @@ void Require(bool holds) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static test::UridMap map;
-    static const std::vector<uint8_t> valid = ValidMessage(map.get());
+    static const auto words = test::PlotMessage(map, 7, std::vector<float>(kPlotBins));
     static HostConnection connection({}, map.get());
     static const LV2_URID atoms = map(LV2_ATOM__eventTransfer);
     if (size < 1) return 0;
     std::vector<uint8_t> message(data + 1, data + size);
     if (data[0] % 2 == 0) {
-        message = valid;
+        const auto* bytes = reinterpret_cast<const uint8_t*>(words.data());
+        message.assign(bytes, bytes + 4 * words.size());
         // Three bytes each: position and value. The whole header and all properties are reachable.
         for (size_t i = 1; i + 2 < size; i += 3) {
             const size_t at = (data[i] | (data[i + 1] & 1u) << 8) % message.size();
