@@ -108,6 +108,12 @@ class UiHost {
     bool hasOptions = true;
     bool failsWrites = false;  ///< its write function throws
     uintptr_t parent = 0;      ///< 0: the host's own window
+    LV2UI_Touch touch = {
+        this, [](void* self, uint32_t port, bool on) { Of(self).touches.emplace_back(port, on); }};
+    LV2UI_Resize resize = {this, [](void* self, int width, int height) {
+                               Of(self).resizes.emplace_back(width, height);
+                               return 0;
+                           }};
 
     template <typename Value>
     void AddOption(const char* key, const char* type, Value value, bool ofInstance = true) {
@@ -130,7 +136,8 @@ class UiHost {
         const LV2_Feature resizeFeature = {LV2_UI__resize, &resize};
         const LV2_Feature optionsFeature = {LV2_OPTIONS__options, options.data()};
         const LV2_Feature idle = {LV2_UI__idleInterface, nullptr};
-        std::vector<const LV2_Feature*> features = {&idle};
+        const LV2_Feature nameless = {nullptr, nullptr};
+        std::vector<const LV2_Feature*> features = {&idle, &nameless};
         const auto offer = [&](bool has, const LV2_Feature* feature) {
             if (has) features.push_back(feature);
         };
@@ -241,12 +248,6 @@ class UiHost {
     const LV2UI_Descriptor* descriptor;
     std::vector<LV2_Options_Option> options;
     std::vector<std::array<uint8_t, 8>> values;
-    LV2UI_Touch touch = {
-        this, [](void* self, uint32_t port, bool on) { Of(self).touches.emplace_back(port, on); }};
-    LV2UI_Resize resize = {this, [](void* self, int width, int height) {
-                               Of(self).resizes.emplace_back(width, height);
-                               return 0;
-                           }};
 };
 
 }  // namespace brindle::test
