@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: ISC
-/// The whole panel in a host, with real pointer events at the controls' visible positions, and the
-/// engine that receives its writes.
+/// The whole panel in a host, with real pointer events at the controls' visible positions.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,7 +17,6 @@ LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index);
 
 namespace brindle {
 
-inline constexpr double kRate = 48000.0;
 inline constexpr double kLn1000 = 6.9077554;
 /// A position on the panel in interface points from its lower left corner.
 struct Spot {
@@ -42,9 +40,13 @@ inline Spot PresetAt(int number) {
     return {159.0f + 111.0f * static_cast<float>(number), 778.0f};
 }
 inline constexpr Spot kTrim = {1124.0f, 84.0f};
+inline constexpr Spot kFlatAll = {2.0f * 800.0f * 5.0f / 6.0f - 23.0f, 778.0f};
+inline constexpr Spot kOutside = {-26.0f, 400.0f};
 
-/// A host that passes the editor's writes on to the engine and reports them at once.
+/// A host that reports the editor's writes at the next idle call.
 struct Panel : testing::Test {
+    using PortValues = std::vector<std::pair<uint32_t, float>>;
+
     void SetUp() override {
         host.kind = test::kAtNextIdle;
         ASSERT_TRUE(host.Open());
@@ -57,65 +59,70 @@ struct Panel : testing::Test {
         Tick();
     }
 
-    void Report(uint32_t port, float value) {
-        plugin.port(port) = value;
-        host.Report(port, value);
-    }
+    void Report(uint32_t port, float value) { host.Report(port, value); }
     /// Handles all waiting pointer events, then answers the resulting writes.
-    void Tick() {
-        host.IdleTimes(1);
-        for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
-            plugin.port(port) = host.held[port];
-        }
+    void Tick() { host.IdleTimes(1); }
+    int PixelX(const Spot& spot) const {
+        return left + static_cast<int>(std::lround(spot.x * pixelsPerPoint));
     }
-    void MoveTo(const Spot& spot) {
-        host.window.MovePointer(static_cast<int>(std::lround(spot.x * 0.75f)),
-                                static_cast<int>(std::lround(600.0f - spot.y * 0.75f)));
+    int PixelY(const Spot& spot) const {
+        return top +
+               static_cast<int>(std::lround(800.0f * pixelsPerPoint - spot.y * pixelsPerPoint));
     }
-    /// The writes during a gesture.
-    std::vector<test::UiWrite> During(const std::function<void()>& gesture) {
-        host.touches.clear();
-        const size_t before = host.writes.size();
-        gesture();
-        Tick();
-        return {host.writes.begin() + static_cast<std::ptrdiff_t>(before), host.writes.end()};
-    }
-    std::vector<test::UiWrite> Click(const Spot& spot) {
-        return During([&] {
-            MoveTo(spot);
-            host.window.Click();
-        });
-    }
-    /// Waits before pressing: presses in quick succession would be a double click.
-    void PressAt(const Spot& spot) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(210));
+    void MoveTo(const Spot& spot) { host.window.MovePointer(PixelX(spot), PixelY(spot)); }
+    /// The help texts, after the pointer has moved there.
+    std::string HelpAt(const Spot& spot) {
         MoveTo(spot);
-        host.window.Press();
+        return Help();
     }
-    /// Drags by whole window pixels.
-    std::vector<test::UiWrite> Drag(const Spot& from, int right, int up) {
-        return During([&] {
-            PressAt(from);
-            MoveTo({from.x + static_cast<float>(right) / 0.75f,
-                    from.y + static_cast<float>(up) / 0.75f});
-            host.window.Release();
-        });
+    std::string Help() {
+        Tick();
+        return std::string(Root().infoTitle) + "|" + Root().infoText;
     }
-    /// Ports and values of control writes.
-    static std::vector<std::pair<uint32_t, float>> Values(
-        const std::vector<test::UiWrite>& writes) {
-        std::vector<std::pair<uint32_t, float>> values;
-        for (const auto& write : writes) {
+    /// The control writes during a gesture.
+    PortValues During(const std::function<void()>& gesture) {
+        host.touches.clear();
+        size_t next = host.writes.size();
+        gesture();
+        if (host.handle != nullptr) Tick();
+        PortValues values;
+        for (; next < host.writes.size(); ++next) {
+            const auto& write = host.writes[next];
             if (write.protocol == 0) values.emplace_back(write.port, write.AsFloat());
         }
         return values;
     }
-
-    std::vector<double> Response() {
-        Tick();  // the curve is computed for a frame
-        plugin.settle();
-        return plugin.impulse_response(1 << 14);
+    PortValues Click(const Spot& spot, unsigned button = 1) {
+        return During([&] {
+            MoveTo(spot);
+            host.window.Click(button);
+        });
     }
+    /// Two presses at these times in ms.
+    PortValues PressTwice(const Spot& spot, uint32_t first_ms, uint32_t second_ms) {
+        return During([&] {
+            MoveTo(spot);
+            for (const uint32_t time_ms : {first_ms, second_ms}) {
+                host.window.SendPress(host.child, PixelX(spot), PixelY(spot), time_ms);
+            }
+        });
+    }
+    /// Presses in quick succession would be a double click; one at another time is between them.
+    void PressAt(const Spot& spot) {
+        constexpr uint32_t kLongAgo_ms = 0x80000000u;
+        host.window.SendPress(host.child, 1, 1, kLongAgo_ms);
+        MoveTo(spot);
+        host.window.Press();
+    }
+    /// Drags by whole window pixels.
+    PortValues Drag(const Spot& from, int right, int up) {
+        return During([&] {
+            PressAt(from);
+            host.window.MovePointer(PixelX(from) + right, PixelY(from) - up);
+            host.window.Release();
+        });
+    }
+
     GLView_StripEqView& Root() { return *static_cast<EditorInstance*>(host.handle)->rootView; }
     GLView_ParametricEQ& Graph() {
         for (GLView* child = Root().firstChild; child != nullptr; child = child->nextSibling) {
@@ -134,14 +141,13 @@ struct Panel : testing::Test {
         return {(Graph().x + at.x - Root().GetViewLeft()) / s,
                 (Graph().y + at.y - Root().GetViewBottom()) / s};
     }
-    /// The level of the drawn curve.
-    double CurveDb(double hz) {
-        const auto heights = Graph().Heights();
-        const auto i = static_cast<size_t>(800.0 * std::log(hz / 20.0) / kLn1000);
-        return static_cast<double>(heights[i] / Graph().hh) * 18.0;
-    }
-    test::PluginHost plugin{1, kRate};
+
+    test::PluginHost plugin{1, 48000.0};
     test::UiHost host{lv2ui_descriptor(0), &plugin.map()};
+    // The panel's place in the window.
+    int left = 0;
+    int top = 0;
+    float pixelsPerPoint = 0.75f;
 };
 
 }  // namespace brindle

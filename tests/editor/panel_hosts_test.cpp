@@ -23,7 +23,7 @@ struct PanelInHost : Panel, testing::WithParamInterface<test::HostKind> {
         });
         std::array<float, kTrimPort + 1> last;
         last.fill(-20.0f);
-        for (const auto& [port, value] : Values(writes)) {
+        for (const auto& [port, value] : writes) {
             const bool isTaken = GetParam().takes(port, -20.0f, value) > value - 1e-4f;
             EXPECT_TRUE(value > last[port] - 1e-4f || !isTaken) << port;
             last[port] = value;
@@ -48,8 +48,7 @@ struct PanelInHost : Panel, testing::WithParamInterface<test::HostKind> {
             }
             return host.reports.empty();
         };
-        EXPECT_TRUE(WaitFor(
-            shows, [&] { Tick(); }, std::chrono::seconds(30)));
+        EXPECT_TRUE(WaitFor(shows, [&] { Tick(); }));
     }
     /// Expects values where the host has taken them.
     void ExpectSettled(const std::array<float, 128>& before, const std::array<float, 128>& wanted) {
@@ -119,8 +118,7 @@ TEST_P(PanelInHost, GesturesEndWhereTheHandEnds) {
 
     PressAt(knob(8));
     host.window.Release();
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    host.window.Press();  // a double click
+    host.window.Press(1, 10);  // a double click
     Tick();
     Settle();
     Move(knob(8), 0, 50);

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: ISC
+// The panel's window: its sizes, its frames, and what reaches it before and while they are drawn.
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "gl/drawing.h"
+#include "tests/editor/panel_fixture.h"
+
+namespace {
+
+/// A GL whose swaps wait for the screen until the only extension that it offers switches that off.
+/// Null: the real GL.
+const char* offeredExtension = nullptr;
+int swapInterval = 1;
+int swaps = 0;
+int waits = 0;
+
+template <typename Function>
+Function* Real(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+#pragma GCC visibility push(default)
+extern "C" {
+void glXSwapBuffers(Display* display, GLXDrawable drawable) {
+    ++swaps;
+    if (swapInterval > 0) ++waits;
+    Real<decltype(glXSwapBuffers)>("glXSwapBuffers")(display, drawable);
+}
+
+const char* glXQueryExtensionsString(Display* display, int screen) {
+    if (offeredExtension != nullptr) return offeredExtension;
+    return Real<decltype(glXQueryExtensionsString)>("glXQueryExtensionsString")(display, screen);
+}
+
+__GLXextFuncPtr glXGetProcAddressARB(const GLubyte* name) {
+    const std::string wanted = reinterpret_cast<const char*>(name);
+    if (wanted == "glXSwapIntervalEXT") {
+        return reinterpret_cast<__GLXextFuncPtr>(+[](Display*, GLXDrawable drawable, int interval) {
+            if (drawable == glXGetCurrentDrawable()) swapInterval = interval;
+        });
+    }
+    if (wanted == "glXSwapIntervalMESA") {
+        return reinterpret_cast<__GLXextFuncPtr>(+[](unsigned interval) {
+            swapInterval = static_cast<int>(interval);
+            return 0;
+        });
+    }
+    return Real<decltype(glXGetProcAddressARB)>("glXGetProcAddressARB")(name);
+}
+}
+#pragma GCC visibility pop
+
+namespace brindle {
+namespace {
+
+using testing::ElementsAre;
+using testing::Pair;
+
+TEST_F(Panel, FitsIntoTheMiddleOfEveryWindow) {
+    const struct {
+        int width, height, left, top, frameWidth;
+    } cases[] = {{2000, 1200, 0, 0, 2000},
+                 {1300, 600, 150, 0, 1000},
+                 {500, 500, 0, 100, 500},
+                 {1000, 700, 0, 50, 1000}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.width << " x " << c.height);
+        host.window.Resize(c.width, c.height);
+        const auto frameWidth = static_cast<float>(c.frameWidth);
+        ASSERT_TRUE(WaitFor([&] { return Root().GetPageWidth() == frameWidth; }, [&] { Tick(); }));
+        EXPECT_EQ(Root().GetPageHeight(), 0.6f * frameWidth);
+        left = c.left;
+        top = c.top;
+        pixelsPerPoint = frameWidth * 0.6f / 800.0f;
+        EXPECT_NE(host.GetPixel(left + 2, top + 2), 0u);
+        if (left + top > 0) {
+            EXPECT_EQ(host.GetPixel(left / 2, top / 2), 0u);
+        }
+        // The edges of a strip.
+        const Spot strip = InStrip(2, 60.0f);
+        for (const float side : {-1.0f, 1.0f}) {
+            HelpAt({strip.x + side * 39.0f, 228.0f});
+            EXPECT_EQ(Graph().selectedHandle, 2);
+            EXPECT_EQ(HelpAt({strip.x + side * 43.0f, 228.0f}), "|");
+            EXPECT_EQ(HelpAt({strip.x, side < 0.0f ? 36.0f : 232.0f}), "|");
+        }
+        // A handle follows the pointer.
+        const uint32_t band = band_port(4);
+        Report(band + kFrequency, 1000.0f);
+        Report(band + kGain, 0.0f);
+        Tick();
+        const Spot from = HandleAt(4);
+        EXPECT_THAT(Click(from, 6), testing::IsEmpty()) << "the wheel turned sideways";
+        Drag(from, 30, 20);
+        EXPECT_THAT(host.touches,
+                    ElementsAre(Pair(band + kFrequency, true), Pair(band + kGain, true),
+                                Pair(band + kGain, false), Pair(band + kFrequency, false)));
+        EXPECT_NEAR(PixelX(HandleAt(4)), PixelX(from) + 30, 1);
+        EXPECT_NEAR(PixelY(HandleAt(4)), PixelY(from) - 20, 1);
+    }
+}
+
+/// A view that draws what a test wants, and counts its frames.
+struct Painter : GLView {
+    std::function<void()> paintBack = [] {};
+    std::function<void()> paint = [] {};
+    int count = 0;
+
+    bool HitTest(GLPoint) override { return false; }
+    void DrawBack() override { paintBack(); }
+    void DrawFront() override {
+        ++count;
+        paint();
+    }
+};
+
+TEST_F(Panel, DrawsFramesThatAreDueAndRepeatsThoseThatFail) {
+    auto& painter = Root().Add<Painter>();
+    host.IdleTimes(3);
+    painter.count = 0;
+    host.IdleTimes(20);
+    EXPECT_EQ(painter.count, 0);
+    host.window.Hide(host.window.GetId());
+    Tick();
+    host.window.Show(host.window.GetId());
+    Tick();
+    EXPECT_EQ(painter.count, 1) << "uncovered";
+    Root().SetSelectedView(&painter);  // with the same help texts
+    EXPECT_TRUE(Root().IsFrameDue());
+    Root().SetSelectedView(nullptr);
+    Painter dialog;
+    Root().OpenDialog(&dialog);
+    Tick();
+    EXPECT_EQ(dialog.count, 1);
+    Root().CloseDialog(false);
+    Tick();
+    EXPECT_EQ(dialog.count, 1);
+    painter.count = 1;
+    painter.paint = [] { throw std::bad_alloc(); };
+    Root().redrawNeeded = true;
+    Tick();
+    EXPECT_EQ(painter.count, 2);
+    painter.paint = [] {};
+    EXPECT_TRUE(Root().IsFrameDue());
+    Tick();
+    EXPECT_EQ(painter.count, 3);
+    EXPECT_FALSE(Root().IsFrameDue());
+    Root().SetWindowSize(1000, 500);
+    Tick();
+    EXPECT_TRUE(Root().IsFrameDue()) << "some drivers notice sizes late";
+    Tick();
+    EXPECT_FALSE(Root().IsFrameDue());
+
+    painter.paint = [&] { host.window.Destroy(); };
+    Root().redrawNeeded = true;
+    Tick();
+    painter.paint = [] {};
+    Root().redrawNeeded = true;
+    host.IdleTimes(3);
+    EXPECT_EQ(painter.count, 6) << "drawn without a window";
+}
+
+TEST_F(Panel, SwapsDoNotWaitForTheScreen) {
+    for (const char* extension : {"GLX_EXT_swap_control", "GLX_MESA_swap_control"}) {
+        SCOPED_TRACE(extension);
+        host.Close();
+        offeredExtension = extension;
+        swapInterval = 1;
+        ASSERT_TRUE(host.Open());
+        swaps = waits = 0;
+        EXPECT_TRUE(WaitFor([&] { return swaps > 2; },
+                            [&] {
+                                Root().redrawNeeded = true;
+                                Tick();
+                            }));
+        EXPECT_EQ(waits, 0);
+    }
+    offeredExtension = nullptr;
+}
+
+TEST_F(Panel, ShowsThinLinesInSmallWindowsWhereverTheyFall) {
+    std::vector<float> places;  // of lines two pixels wide in a layer, below the strips
+    for (int pixel = -900; pixel < 750; pixel += 55) {
+        places.push_back(static_cast<float>(pixel) / 600.0f);
+    }
+    auto& painter = Root().Add<Painter>();
+    painter.SetSize(4.0f, 0.05f);
+    painter.SetPosition(0.0f, -0.95f);
+    painter.paintBack = [&] {
+        glDisable(GL_TEXTURE_2D);
+        kWhite.Apply();
+        for (const float x : places) glRectf(x, -1.0f, x + 2.0f / 600.0f, -0.9f);
+        glEnable(GL_TEXTURE_2D);
+    };
+    Root().redrawNeeded = true;
+    host.window.Resize(700, 420);
+    ASSERT_TRUE(WaitFor([&] { return Root().GetPageWidth() == 700.0f; }, [&] { Tick(); }));
+    host.IdleTimes(2);
+    std::vector<int> lights;
+    for (const float place : places) {
+        const int middle = 350 + static_cast<int>((place + 1.0f / 600.0f) * 210.0f);
+        int& light = lights.emplace_back(0);
+        for (int x = middle - 3; x <= middle + 3; ++x) {
+            light += static_cast<int>(host.GetPixel(x, 409) & 255u);
+        }
+    }
+    const auto [faintest, strongest] = std::ranges::minmax(lights);
+    EXPECT_GT(3 * faintest, 2 * strongest) << faintest << " of " << strongest;
+}
+
+TEST_F(Panel, IgnoresInputBeforeItsFirstFrame) {
+    GLView_StripEqView fresh({}, nullptr, nullptr);
+    fresh.SetWindowSize(1000, 600);
+    fresh.PointerMotion(843, 537);
+    EXPECT_EQ(fresh.GetSelectedView(), nullptr);
+    fresh.MouseButton(1, true, 843, 537);
+    EXPECT_EQ(fresh.GetCapturedView(), nullptr);
+    fresh.MouseWheel(1.0f);
+    GLView dialogs[2];
+    for (GLView& dialog : dialogs) fresh.OpenDialog(&dialog);
+    EXPECT_FALSE(dialogs[0].visible) << "another one is open";
+}
+
+}  // namespace
+}  // namespace brindle
