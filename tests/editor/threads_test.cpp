@@ -21,19 +21,13 @@
 namespace brindle::test {
 namespace {
 
-/// Sets all controls and plays some blocks, many times.
 Audio PlayAlone(uint32_t seed) {
     Random random(seed);
     PluginHost host(2, 48000.0);
-    Audio all(2);
-    for (int times = 0; times < 20; ++times) {
-        for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
-            host.port(port) = any_value(random, port);
-        }
-        const Audio out = host.process(noise(2, 1000, random.below(1000)), 256);
-        for (size_t c = 0; c < 2; ++c) all[c].insert(all[c].end(), out[c].begin(), out[c].end());
+    for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
+        host.port(port) = any_value(random, port);
     }
-    return all;
+    return host.process(noise(2, 20000, seed), 256);
 }
 
 // Engines are created, run and freed at the same time; the first ones select the vector code.
