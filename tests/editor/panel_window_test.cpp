@@ -96,6 +96,7 @@ TEST_F(Panel, FitsIntoTheMiddleOfEveryWindow) {
         Tick();
         const Spot from = HandleAt(4);
         EXPECT_THAT(Click(from, 6), testing::IsEmpty()) << "the wheel turned sideways";
+        EXPECT_THAT(Click(KeyOf(4), 8), testing::IsEmpty()) << "a side button";
         Drag(from, 30, 20);
         EXPECT_THAT(host.touches,
                     ElementsAre(Pair(band + kFrequency, true), Pair(band + kGain, true),
