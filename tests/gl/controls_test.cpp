@@ -155,17 +155,17 @@ TEST_F(Knob, ShowsWhatIsReportedAndNoNonsense) {
 }
 
 TEST_F(Knob, AChildTakesThePressOfAKnobButNotOfASlider) {
-    const auto add_child = [](GLView_Knob* parent) {
+    const auto addChild = [](GLView_Knob* parent) {
         auto* child = new GLView;
         child->SetPosition(5.0f, 0.0f);
         child->SetSize(0.5f, 0.5f);
         parent->AddChild(child);
     };
-    add_child(knob);
+    addChild(knob);
     knob->MouseDown({5.0f, 0.0f}, kGrip);
     EXPECT_THAT(TakeCalls(), IsEmpty());
     auto* slider = AddWithPort(new GLView_TrimSlider(true, -20.0f, 20.0f));
-    add_child(slider);
+    addChild(slider);
     EXPECT_FALSE(slider->HitTest({5.0f, 0.0f}));
     slider->MouseDown({9.0f, 9.0f}, kGrip);
     for (const float dx : {50.0f, 75.0f}) {
@@ -272,9 +272,9 @@ struct Menu : Controls {
     }
     /// Presses the selector this far above its centre and releases at a point of the page; returns
     /// what was sent.
-    std::vector<std::pair<uint32_t, float>> Choose(float points_above, GLPoint release) {
+    std::vector<std::pair<uint32_t, float>> Choose(float pointsAbove, GLPoint release) {
         const GLPoint centre = selector->GetPosition();
-        selector->MouseDown({centre.x, centre.y + points_above * kScale}, {});
+        selector->MouseDown({centre.x, centre.y + pointsAbove * kScale}, {});
         EXPECT_EQ(page.capturedView, selector);
         page.eventTime += held_ms;
         selector->MouseUp(release);

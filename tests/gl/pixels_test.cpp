@@ -55,14 +55,27 @@ struct Pixels : ::testing::Test {
         page.boxy = themeBoxy = boxy;
         page.flat = themeFlat = flat;
     }
-    /// Draws one view and nothing else, on grey.
-    void Show(GLView& view) {
+    /// A picture of one view and nothing else, on grey.
+    Picture Show(GLView& view) {
         view.parent = &page;
         context.Clear(0.2f);
         for (auto pass : {&GLView::DrawBack, &GLView::Draw, &GLView::DrawFront}) {
             const MatrixScope matrix;
             (view.*pass)();
         }
+        return context.Read();
+    }
+    /// How many pixels around a point differ in brightness by more than `least`.
+    static int CountChanged(const Picture& a, const Picture& b, int least, int middleX = kSize / 2,
+                            int middleY = kSize / 2, int reach = kSize / 2) {
+        int changed = 0;
+        for (int y = middleY - reach; y < middleY + reach; ++y) {
+            for (int x = middleX - reach; x < middleX + reach; ++x) {
+                const int change = Brightness(a.At(x, y)) - Brightness(b.At(x, y));
+                changed += std::abs(change) > least ? 1 : 0;
+            }
+        }
+        return changed;
     }
     int Red(float x, float y) const { return context.At(x, y).red; }
     int BrightnessAt(float x, float y) const { return Brightness(context.At(x, y)); }
@@ -103,7 +116,7 @@ TEST_F(Pixels, TextStandsWhereItsAlignmentSays) {
     struct Case {
         const char* text;
         int alignment;
-        float first_middle, last_middle;
+        float firstMiddle, lastMiddle;
     };
     for (const Case& row :
          {Case{"10", kAlignLeft, 0.473f, 1.419f}, Case{"10", kAlignCentre, -0.473f, 0.473f},
@@ -115,8 +128,8 @@ TEST_F(Pixels, TextStandsWhereItsAlignmentSays) {
         glScalef(kScale, kScale, 1.0f);
         DrawText(resources.get(), row.text, row.alignment);
         const auto ink = InkColumns();
-        EXPECT_NEAR(ink.first, (row.first_middle - 1.0f) * kScale, 1.0) << row.text;
-        EXPECT_NEAR(ink.second, (row.last_middle + 1.0f) * kScale, 1.0) << row.text;
+        EXPECT_NEAR(ink.first, (row.firstMiddle - 1.0f) * kScale, 1.0) << row.text;
+        EXPECT_NEAR(ink.second, (row.lastMiddle + 1.0f) * kScale, 1.0) << row.text;
     }
     context.Clear();
     for (const char* nothing : {"", static_cast<const char*>(nullptr)}) {
@@ -271,16 +284,16 @@ TEST_F(Pixels, ViewsDrawAroundTheirCentreAtTheirScale) {
 }
 
 TEST_F(Pixels, PicturesAreLoadedOnceAndGapsAreLeftOut) {
-    const auto width_at = [](GLuint texture, int level) {
+    const auto widthAt = [](GLuint texture, int level) {
         int width = 0;
         glBindTexture(GL_TEXTURE_2D, texture);
         glGetTexLevelParameteriv(GL_TEXTURE_2D, level, GL_TEXTURE_WIDTH, &width);
         return width;
     };
-    EXPECT_EQ(width_at(resources->mipTexture150, 5), 8);
-    EXPECT_EQ(width_at(resources->mipTexture318, 3), 16);
-    EXPECT_EQ(width_at(resources->glyphs['A' - kFirstGlyph].texture, 2) * 4,
-              width_at(resources->glyphs['A' - kFirstGlyph].texture, 0));
+    EXPECT_EQ(widthAt(resources->mipTexture150, 5), 8);
+    EXPECT_EQ(widthAt(resources->mipTexture318, 3), 16);
+    EXPECT_EQ(widthAt(resources->glyphs['A' - kFirstGlyph].texture, 2) * 4,
+              widthAt(resources->glyphs['A' - kFirstGlyph].texture, 0));
     // In a small disc, a pixel on the edge (x from -4 to -3, y from -2 to -1, radius 3.875) has the
     // share that is inside; the large level is opaque at its centre.
     DrawDisc(resources.get(), 4.0f, 4.0f);
@@ -361,8 +374,8 @@ TEST_F(Pixels, LampsTellWhatIsOn) {
         EXPECT_LT(2 * on.red, on.green);
         EXPECT_GT(Brightness(on), BrightnessAt(24.0f, -5.0f) + 50);  // brightest in the middle
         toggle.enabled = false;
-        const Pixel without_effect = show(1.0f);
-        EXPECT_EQ(without_effect.green, without_effect.red);
+        const Pixel withoutEffect = show(1.0f);
+        EXPECT_EQ(withoutEffect.green, withoutEffect.red);
         toggle.enabled = true;
     }
     toggle.SetColor(kRed);
@@ -445,14 +458,9 @@ TEST_F(Pixels, EveryStateLooksDifferent) {
                 page.selectedView = *state == 'h' ? view : nullptr;
                 page.capturedView = state == std::string("held") ? view : nullptr;
                 view->enabled = *state != 'o';
-                Show(*view);
-                shown.push_back(context.Read());
+                shown.push_back(Show(*view));
                 for (const Picture& other : shown) {
-                    int changed = 0;
-                    for (size_t i = 0; i < other.pixels.size(); ++i) {
-                        changed += std::abs(Brightness(other.pixels[i]) -
-                                            Brightness(shown.back().pixels[i])) > 30;
-                    }
+                    const int changed = CountChanged(other, shown.back(), 30);
                     EXPECT_EQ(changed > 60, &other != &shown.back()) << style << state;
                 }
             }
@@ -469,20 +477,12 @@ TEST_F(Pixels, OutlinesHaveFourSidesWhereverTheyStand) {
         for (float part = 0.0f; part < 1.0f; part += 0.0625f) {
             button.SetPosition(part, part);
             page.selectedView = nullptr;
-            Show(button);
-            const Picture plain = context.Read();
+            const Picture plain = Show(button);
             page.selectedView = &button;
-            Show(button);
-            for (const auto& [x, y] : {std::pair(-30, 0), {30, 0}, {0, -10}, {0, 10}}) {
-                int gain = 0;  // largest gain in brightness of a pixel on this side
-                for (int i = 0; i < 25; ++i) {
-                    const int column = x + i % 5 - 2;
-                    const int row = y + i / 5 - 2;
-                    gain = std::max(
-                        gain, BrightnessAt(static_cast<float>(column), static_cast<float>(row)) -
-                                  Brightness(plain.At(column + 100, 99 - row)));
-                }
-                EXPECT_GT(gain, 100) << x << ' ' << y << " at " << part << boxy;
+            const Picture hovered = Show(button);
+            for (const auto& [x, y] : {std::pair(70, 100), {130, 100}, {100, 90}, {100, 110}}) {
+                EXPECT_GT(CountChanged(plain, hovered, 100, x, y, 3), 0)
+                    << x << ' ' << y << " at " << part << boxy;
             }
         }
     }

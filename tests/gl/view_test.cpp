@@ -23,7 +23,7 @@ class Probe : public GLView {
 
     void Draw() override {
         log_.push_back("draw " + id_);
-        if (leaves_when_drawn) parent->RemoveChild(this);
+        if (leavesWhenDrawn) parent->RemoveChild(this);
         GLView::Draw();
     }
     void ParameterChanged(uint32_t index) override {
@@ -35,7 +35,7 @@ class Probe : public GLView {
         GLView::MouseDown(point, pagePoint);
     }
 
-    bool leaves_when_drawn = false;
+    bool leavesWhenDrawn = false;
 
   private:
     std::string id_;
@@ -73,7 +73,7 @@ TEST_F(Tree, KeepsItsOrderAndGoesWithItsRoot) {
     page->AddChild(a);  // now after b, which does not come along
     page->ParameterChanged(7);
     EXPECT_THAT(TakeLog(), ElementsAre("b hears 7", "a hears 7", "c hears 7"));
-    b->leaves_when_drawn = true;
+    b->leavesWhenDrawn = true;
     page->Draw();
     page->Draw();
     EXPECT_THAT(TakeLog(), ElementsAre("draw b", "draw a", "draw c", "draw a", "draw c"));
@@ -101,11 +101,11 @@ TEST_F(Tree, HitsReachBeyondTheParentButNoBorderAndNoHiddenView) {
     a->SetScale(2.0f);
     c->SetScale(0.25f);
     // c's (2, 4) is a's (0.5, 1 + 3), is the page's (1 - 1, 8).
-    const GLPoint on_page = c->LocalToPage({2.0f, 4.0f});
-    EXPECT_FLOAT_EQ(on_page.x, 0.0f);
-    EXPECT_FLOAT_EQ(on_page.y, 8.0f);
-    EXPECT_FLOAT_EQ(c->PageToLocal(on_page).x, 2.0f);
-    EXPECT_FLOAT_EQ(c->PageToLocal(on_page).y, 4.0f);
+    const GLPoint onPage = c->LocalToPage({2.0f, 4.0f});
+    EXPECT_FLOAT_EQ(onPage.x, 0.0f);
+    EXPECT_FLOAT_EQ(onPage.y, 8.0f);
+    EXPECT_FLOAT_EQ(c->PageToLocal(onPage).x, 2.0f);
+    EXPECT_FLOAT_EQ(c->PageToLocal(onPage).y, 4.0f);
 }
 
 TEST_F(Tree, EachRoleHasOneHolder) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "graph/GLView_ParametricEQ.h"
@@ -71,24 +72,23 @@ struct GraphFixture {
         page.capturedView->MouseDragTo(pixel);
         Echo();
     }
-    void Release() {
+    std::vector<HostCall> Release() {
         if (page.capturedView != nullptr) page.capturedView->MouseUp({});
-        Echo();
+        return Echo();
     }
-    /// Reports the writes since the last call.
-    void Echo() {
-        for (; echoed < host.calls.size(); ++echoed) {
-            const HostCall& call = host.calls[echoed];
-            if (call.kind == HostCall::kWrite) page.Report(call.port, call.value);
-        }
+    /// Reports the writes since the last call, and returns them.
+    std::vector<HostCall> Echo() {
+        auto writes = std::exchange(host.calls, {});
+        std::erase_if(writes, [](const HostCall& call) { return call.kind != HostCall::kWrite; });
+        for (const HostCall& write : writes) page.Report(write.port, write.value);
         graph->UpdateCurves();
+        return writes;
     }
 
     RecordingHost host;  // outlives the handles, whose destructors end gestures
     FakePage page;
     GLView_ParametricEQ* graph;
     std::array<GLView_ParametricEQGrabber*, GLView_ParametricEQGrabber::kHandleCount> handles{};
-    size_t echoed = 0;
 };
 
 }  // namespace brindle

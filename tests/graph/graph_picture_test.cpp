@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "gl/GLResources.h"
+#include "gl/drawing.h"
 #include "gl/settings.h"
 #include "tests/graph/graph_fixture.h"
 #include "tests/support/gl_context.h"
@@ -29,24 +30,33 @@ struct GraphPicture : testing::Test, GraphFixture {
         graph->SetPosition(0.0f, 0.0f);
         Clear();
     }
-    void Clear() {
-        gl.Clear(0.16f);
+    void Clear(float grey = 0.16f) {
+        gl.Clear(grey);
         glScalef(kPixelsPerUnit, kPixelsPerUnit, 1.0f);
     }
-    static void ClearToWhite() {
-        glClearColor(1.0f, 1.0f, 1.0f, 1.0f);
-        glClear(GL_COLOR_BUFFER_BIT);
-    }
     void Pass(void (GLView::*pass)()) {
-        glPushMatrix();
+        const MatrixScope matrix;
         (graph->*pass)();
-        glPopMatrix();
     }
     Pixel At(float x, float y) const { return gl.At(x * kPixelsPerUnit, y * kPixelsPerUnit); }
+    int BrightnessAt(float x, float y) const { return Brightness(At(x, y)); }
     float X(float freq_hz) const {
         return graph->hw * (2.0f * std::log(freq_hz / 20.0f) / std::log(1000.0f) - 1.0f);
     }
+    float Y(float db) const { return db / 18.0f * graph->hh; }
     float M(float count) const { return count * page.pixelSize; }
+    /// A height below the graph, in design pixels.
+    float Below(float count) const { return -graph->hh - M(count); }
+    /// The brightest pixel of a rectangle around a point, in design pixels.
+    int Brightest(float x, float y, float halfWidth, float halfHeight) const {
+        int brightest = 0;
+        for (float dx = -halfWidth; dx <= halfWidth; dx += 0.5f) {
+            for (float dy = -halfHeight; dy <= halfHeight; dy += 0.5f) {
+                brightest = std::max(brightest, BrightnessAt(x + M(dx), y + M(dy)));
+            }
+        }
+        return brightest;
+    }
     /// Height of the centre of the curve's line in a column.
     float LineHeight(float x) const {
         std::vector<float> heights;
@@ -64,203 +74,144 @@ struct GraphPicture : testing::Test, GraphFixture {
 };
 
 TEST_F(GraphPicture, TheCurveIsDrawnAtItsHeight) {
+    GLView_ParametricEQ fresh;
+    fresh.SetSize(2.0f * graph->hw, 2.0f * graph->hh);
+    fresh.parent = &page;
+    fresh.Draw();
+    EXPECT_TRUE(std::isnan(LineHeight(X(1000.0f))));  // nothing is reported yet
+
+    Clear();
     for (int band = 0; band < kBandCount; ++band) page.Report(Port(band, kEnable), 0.0f);
     Set(0, {1.0f, 5.0f, 6.0f, 400.0f, 1.0f});    // low shelf, flat below 100 Hz
     Set(1, {1.0f, 9.0f, -9.0f, 8000.0f, 2.0f});  // bell
     graph->DeleteChildren();                     // their discs would hide the line
     Pass(&GLView::Draw);
-    const float step = graph->hh / 18.0f;
-    EXPECT_NEAR(LineHeight(X(25.0f)), 6.0f * step, M(1.0f));
-    EXPECT_NEAR(LineHeight(X(8000.0f)), -9.0f * step, M(1.0f));
-    EXPECT_NEAR(LineHeight(X(2200.0f)), 0.0f, 0.5f * step);
+    EXPECT_NEAR(LineHeight(X(25.0f)), Y(6.0f), M(1.0f));
+    EXPECT_NEAR(LineHeight(X(8000.0f)), Y(-9.0f), M(1.0f));
+    EXPECT_NEAR(LineHeight(X(2200.0f)), 0.0f, Y(0.5f));
     // The area extends from the zero line to the curve and is brightest in between.
-    const Pixel zero = At(X(60.0f), 0.3f * step);
-    const Pixel bright = At(X(60.0f), 0.7f * 6.0f * step);
-    EXPECT_GT(bright.green, zero.green + 80);
-    EXPECT_LT(Brightness(At(X(60.0f), -1.0f * step)), 150);
+    EXPECT_GT(At(X(60.0f), Y(4.2f)).green, At(X(60.0f), Y(0.3f)).green + 80);
+    EXPECT_LT(BrightnessAt(X(60.0f), Y(-1.0f)), 150);
 }
 
-TEST_F(GraphPicture, TheLineEndsAtItsLastPointsAndTheScaleShowsOnTheArea) {
-    const GraphLook look = graph->Look();
+TEST_F(GraphPicture, TheCurveEndsAtItsLastPointsAndOneUnitInsideTheEdges) {
     std::vector<float> heights(100, 0.5f * graph->hh);
-    DrawResponse(heights, look);
+    DrawResponse(heights, graph->Look());
     const float dx = 2.0f * graph->hw / 100.0f;
     const float first = dx / 2.0f - graph->hw;
     for (const auto& [end, inwards] : {std::pair(first, 1.0f), {first + 98.0f * dx, -1.0f}}) {
         EXPECT_EQ(At(end + M(0.75f) * inwards, heights[0] + M(1.0f)).red, 204) << end;
         EXPECT_LT(At(end - M(0.75f) * inwards, heights[0] + M(1.0f)).red, 60) << end;
     }
-    for (const float hz : {70.0f, 200.0f, 3000.0f}) {
-        const auto area = [&](float besideM) { return At(X(hz) + M(besideM), M(40.0f)).green; };
-        EXPECT_LT(area(0.0f), 0.95f * static_cast<float>(area(4.0f))) << hz;
+    Clear();
+    heights.assign(800, 10.0f * graph->hh);
+    std::fill_n(heights.begin(), 400, -10.0f * graph->hh);
+    DrawResponse(heights, graph->Look());
+    const int empty = BrightnessAt(0.0f, 0.9f);
+    for (const float side : {-1.0f, 1.0f}) {
+        const float x = side * graph->hw / 2.0f;
+        EXPECT_NE(BrightnessAt(x, side * (graph->hh - M(1.75f))), empty);
+        EXPECT_EQ(BrightnessAt(x, side * (graph->hh - M(0.25f))), empty);
     }
 }
 
 TEST_F(GraphPicture, LinesHangBelowTheirLevelsAndEdgesAreShaded) {
-    const GraphLook look = graph->Look();
-    const float step = graph->hh / 18.0f;
-    const int ground = Brightness(At(0.0f, M(20.0f)));
-    DrawLevelLines(look);
+    const int ground = BrightnessAt(0.0f, M(20.0f));
+    DrawLevelLines(graph->Look());
     for (float db = -18.0f; db <= 18.0f; db += 3.0f) {
-        const auto isLine = [&](float m) {
-            return Brightness(At(0.0f, db * step + M(m))) > ground;
-        };
-        EXPECT_EQ(isLine(-0.5f), db != 0.0f) << db;
-        EXPECT_EQ(isLine(-1.5f), db != 0.0f) << db;
-        EXPECT_FALSE(isLine(0.5f) || isLine(-2.5f)) << db;
+        for (const float m : {0.5f, -0.5f, -1.5f, -2.5f}) {
+            EXPECT_EQ(BrightnessAt(0.0f, Y(db) + M(m)) > ground,
+                      db != 0.0f && std::abs(m + 1.0f) < 1.0f)
+                << db << " dB, " << m;
+        }
     }
-    ClearToWhite();
-    DrawEdgeShading(look);
+    Clear(1.0f);
+    DrawEdgeShading(graph->Look());
     const float edge = graph->hh + 0.01f;
     for (const float side : {-1.0f, 1.0f}) {
-        const auto redAt = [&](float fromSide, float y) {
-            return At(side * (graph->hw + fromSide), y).red;
+        const auto redAt = [&](float fromSide) {
+            return At(side * (graph->hw + fromSide), 0.0f).red;
         };
-        EXPECT_NEAR(redAt(-0.01f, 0.0f), 128, 12);
-        EXPECT_EQ(redAt(-0.022f, 0.0f), 255);
-        EXPECT_EQ(redAt(0.002f, 0.0f), 255);
-        EXPECT_LT(redAt(-0.001f, graph->hh + 0.048f), 30);
-        EXPECT_EQ(redAt(-0.001f, graph->hh + 0.052f), 255);
+        EXPECT_NEAR(redAt(-0.01f), 128, 12);
+        EXPECT_EQ(redAt(-0.022f), 255);
+        EXPECT_EQ(redAt(0.002f), 255);
         EXPECT_NEAR(At(0.0f, side * 0.75f * edge).red, 128, 4);
         EXPECT_EQ(At(0.0f, side * 0.49f * edge).red, 255);
     }
 }
 
-TEST_F(GraphPicture, NothingIsPlottedBeforeTheFirstChange) {
-    GLView_ParametricEQ fresh;
-    fresh.SetSize(2.0f * graph->hw, 2.0f * graph->hh);
-    fresh.parent = &page;
-    fresh.Draw();
-    EXPECT_TRUE(std::isnan(LineHeight(X(1000.0f))));
-    fresh.MarkAllDirty(true);
-    glLoadIdentity();
-    glScalef(kPixelsPerUnit, kPixelsPerUnit, 1.0f);
-    fresh.Draw();
-    EXPECT_NEAR(LineHeight(X(1000.0f)), 0.0f, M(1.0f));
-}
-
-TEST_F(GraphPicture, TheCurveIsClippedOneUnitInsideTheEdges) {
-    std::vector<float> heights(800, 10.0f * graph->hh);
-    std::fill_n(heights.begin(), 400, -10.0f * graph->hh);
-    const GraphLook look = graph->Look();
-    DrawResponse(heights, look);
-    const Pixel empty = At(0.0f, 0.9f);
-    for (const float side : {-1.0f, 1.0f}) {
-        const float x = side * graph->hw / 2.0f;
-        EXPECT_NE(Brightness(At(x, side * (graph->hh - M(1.75f)))), Brightness(empty));
-        EXPECT_EQ(Brightness(At(x, side * (graph->hh - M(0.25f)))), Brightness(empty));
-    }
-}
-
 TEST_F(GraphPicture, TheStripShowsRowsWhereTheyHaveLevels) {
-    const GraphLook look = graph->Look();
-    const float newest = -graph->hh - M(56.0f);
-    const auto column = [&](int i) {
-        return graph->hw * (2.0f * (static_cast<float>(i) + 0.5f) / 241.0f - 1.0f);
+    const auto at = [&](int bin, float below) {
+        const float share = (static_cast<float>(bin) + 0.5f) / 241.0f;
+        return BrightnessAt(graph->hw * (2.0f * share - 1.0f), Below(below));
     };
-    const int dark = Brightness(At(0.0f, newest));
-    DrawSpectrum(MakeSpectrumImage(graph->spectrum), look);
-    for (int i = 0; i < 241; ++i) {
-        for (float y = 23.0f; y < 58.0f; y += 0.5f) {
-            ASSERT_EQ(Brightness(At(column(i), -graph->hh - M(y))), dark) << i << ' ' << y;
-        }
-    }
+    const auto show = [&] {
+        Clear();
+        DrawSpectrum(MakeSpectrumImage(graph->spectrum), graph->Look());
+    };
+    show();
+    const int dark = at(120, 56.0f);
     SpectrumHistory::Row row;
     row.fill(-120.0f);
     std::fill_n(row.begin() + 180, 20, 0.0f);
     graph->spectrum.Add(122, row.data());
     row.fill(-120.0f);
-    std::fill_n(row.begin() + 100, 20, 0.0f);
+    std::fill_n(row.begin() + 100, 20, 10.0f);
     std::fill_n(row.begin() + 50, 20, -30.0f);
     row[10] = NAN;
     graph->spectrum.Add(1, row.data());  // seven rows newer
-    Clear();
-    DrawSpectrum(MakeSpectrumImage(graph->spectrum), look);
-    EXPECT_GT(Brightness(At(column(110), newest)), 500);
-    EXPECT_EQ(Brightness(At(column(110), newest + M(3.0f))), dark);
-    EXPECT_EQ(Brightness(At(column(140), newest)), dark);
-    const int faint = Brightness(At(column(60), newest));
-    EXPECT_GT(faint, dark + 60);  // a quarter opaque
-    EXPECT_LT(faint, dark + 160);
-    EXPECT_EQ(Brightness(At(column(190), newest)), dark);
-    EXPECT_GT(Brightness(At(column(190), newest + M(7 * 0.92f))), 500);
+    show();
+    for (const auto& [bin, below] :
+         {std::pair(110, 53.0f), {140, 56.0f}, {190, 56.0f}, {10, 56.0f}}) {
+        EXPECT_EQ(at(bin, below), dark) << bin;
+    }
+    for (const auto& [bin, below] :
+         {std::pair(110, 56.0f), {100, 56.0f}, {119, 56.0f}, {190, 56.0f - 7 * 0.92f}}) {
+        EXPECT_GT(at(bin, below), 500) << bin;
+    }
+    EXPECT_NEAR(at(60, 56.0f), dark + 110, 50);  // a quarter opaque
 
     row.fill(0.0f);
     for (int i = 0; i < kPlotRows; ++i) graph->spectrum.Add(i, row.data());
-    Clear();
-    DrawSpectrum(MakeSpectrumImage(graph->spectrum), look);  // its oldest rows fade into the panel
-    EXPECT_LT(Brightness(At(0.0f, -graph->hh - M(13.25f))), 250);
-    EXPECT_GT(Brightness(At(0.0f, -graph->hh - M(22.5f))), 550);
+    const auto countTextures = [] {
+        int count = 0;
+        for (GLuint name = 1; name < 1000; ++name) count += glIsTexture(name);
+        return count;
+    };
+    const int textures = countTextures();
+    show();  // its oldest rows fade into the panel
+    EXPECT_LT(at(120, 13.25f), 250);
+    EXPECT_GT(at(120, 22.5f), 550);
+    EXPECT_EQ(countTextures(), textures);
 }
 
-TEST_F(GraphPicture, KeysStandUnderTheirFrequencies) {
-    const GraphLook look = graph->Look();
-    DrawKeyboard(look);
-    const auto isBlackKey = [](Pixel p) { return p.red < 36; };
-    const float y = -graph->hh - M(67.25f);  // the lower border of the black keys
+TEST_F(GraphPicture, FrameKeysAndLabelsStandWhereTheyBelong) {
+    Clear(1.0f);
+    Pass(&GLView::DrawBack);
+    for (const float side : {-1.0f, 1.0f}) {
+        const float middle = M(-40.0f);
+        EXPECT_LT(At(side * (graph->hw + M(31.0f)), 0.0f).red, 60);
+        EXPECT_EQ(At(side * (graph->hw + M(33.0f)), 0.0f).red, 255);
+        EXPECT_LT(At(0.0f, middle + side * (graph->hh + M(71.0f))).red, 60);
+        EXPECT_EQ(At(0.0f, middle + side * (graph->hh + M(73.0f))).red, 255);
+    }
     constexpr bool kBlack[] = {false, true,  false, true,  false, false,
                                true,  false, true,  false, true,  false};  // from C
     for (int note = 16; note <= 134; ++note) {
         const float freq_hz = 440.0f * std::exp2(static_cast<float>(note - 69) / 12.0f);
-        EXPECT_EQ(isBlackKey(At(X(freq_hz), y)), kBlack[note % 12]) << freq_hz << " Hz";
+        // The lower border of the black keys.
+        EXPECT_EQ(At(X(freq_hz), Below(67.25f)).red < 50, kBlack[note % 12]) << freq_hz << " Hz";
     }
-    // White keys fill the space between the black keys' tops and their own lower ends.
-    EXPECT_GT(At(X(440.0f), -graph->hh - M(72.0f)).red, 90);
-    EXPECT_LT(At(X(440.0f), -graph->hh - M(79.0f)).red, 50);
-}
-
-TEST_F(GraphPicture, FrameLabelsAndRingsStandAroundWhatTheyBelongTo) {
-    const float top = graph->hh + M(32.0f);
-    const float bottom = -graph->hh - M(112.0f);
-    graph->selectedHandle = 3;
-    ClearToWhite();
-    Pass(&GLView::DrawBack);
-    for (const float side : {-1.0f, 1.0f}) {
-        EXPECT_LT(At(side * (graph->hw + M(31.0f)), 0.0f).red, 60);
-        EXPECT_EQ(At(side * (graph->hw + M(33.0f)), 0.0f).red, 255);
-    }
-    EXPECT_LT(At(0.0f, top - M(1.0f)).red, 60);
-    EXPECT_EQ(At(0.0f, top + M(1.0f)).red, 255);
-    EXPECT_LT(At(0.0f, bottom + M(1.0f)).red, 60);
-    EXPECT_EQ(At(0.0f, bottom - M(1.0f)).red, 255);
-    // The bottom of the white key A4, which is between black keys.
-    EXPECT_GT(At(X(440.0f), -graph->hh - M(77.5f)).red, 120);  // its border
-    EXPECT_LT(At(X(440.0f), -graph->hh - M(78.5f)).red, 60);
+    EXPECT_GT(At(X(440.0f), Below(77.5f)).red, 120);  // the border of the white key A4
+    EXPECT_LT(At(X(440.0f), Below(78.5f)).red, 60);
 
     Clear();
     Pass(&GLView::Draw);
-    const float line_y = -9.0f / 18.0f * graph->hh - M(1.0f);
-    EXPECT_LT(2 * Brightness(At(M(2.0f) - graph->hw, line_y)), Brightness(At(0.0f, line_y)));
-    const float label_y = 6.0f / 18.0f * graph->hh;
-    const auto textWidth = [&](float from_m, float to_m) {
-        int lit = 0;
-        for (float x = from_m; x < to_m; x += 0.5f) {
-            int brightest = 0;
-            for (float y = -5.0f; y < 5.0f; y += 0.5f) {
-                brightest = std::max(brightest, Brightness(At(M(x), label_y + M(y))));
-            }
-            lit += brightest > 250 ? 1 : 0;
-        }
-        return lit;
-    };
-    const float edge_m = graph->hw / M(1.0f);
-    EXPECT_GT(textWidth(edge_m + 6.0f, edge_m + 16.0f), 5);
-    EXPECT_EQ(textWidth(edge_m + 16.0f, edge_m + 30.0f), 0);
-    EXPECT_GT(textWidth(-edge_m - 16.0f, -edge_m - 6.0f), 5);
-    EXPECT_EQ(textWidth(-edge_m - 30.0f, -edge_m - 16.0f), 0);
-
-    Clear();
-    Pass(&GLView::DrawFront);
-    const GLPoint place = handles[3]->Place();
-    const auto ring = [&](float fromRim) {
-        return Brightness(At(place.x, place.y + handles[3]->hh - M(fromRim)));
-    };
-    const int ground = Brightness(At(0.0f, graph->hh / 2.0f));
-    EXPECT_GT(ring(-1.0f), ground + 40);  // outside of the rim, which is as light
-    EXPECT_EQ(ring(0.5f), ground);
-    EXPECT_EQ(ring(2.5f), ground);
-    EXPECT_GT(ring(4.5f), ground + 40);
-    EXPECT_GT(Brightness(At(place.x + M(0.9f), place.y)), 400);  // the number, over the inner ring
+    const float edge = graph->hw / M(1.0f);
+    for (const float side : {-1.0f, 1.0f}) {
+        EXPECT_GT(Brightest(M(side * (edge + 9.0f)), Y(6.0f), 3.0f, 5.0f), 250);
+        EXPECT_LT(Brightest(M(side * (edge + 23.0f)), Y(6.0f), 7.0f, 5.0f), 250);
+    }
 }
 
 TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
@@ -270,60 +221,39 @@ TEST_F(GraphPicture, HandlesAndMarkersAreDrawnForWhatIsOn) {
     graph->selectedHandle = 3;
     Pass(&GLView::Draw);
     Pass(&GLView::DrawFront);
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    const auto place = [&](int handle) { return handles[static_cast<size_t>(handle)]->Place(); };
     const auto isSage = [](Pixel p) { return p.green > p.red + 30 && p.green > 150; };
     const auto isAmber = [](Pixel p) { return p.red > p.green + 40 && p.green > p.blue + 40; };
-    const auto rim = [&](int handle) {
-        auto& view = *handles[static_cast<size_t>(handle)];
-        return At(view.Place().x + view.hw - M(0.5f), view.Place().y);
-    };
-    const auto marker = [&](int handle) {
-        const float x = handles[static_cast<size_t>(handle)]->Place().x;
-        return At(x, -graph->hh - M(37.0f));  // the marker's upper side
-    };
-    EXPECT_TRUE(isSage(rim(3)));
-    EXPECT_TRUE(isSage(marker(3)));
-    EXPECT_TRUE(isSage(marker(4)));
-    EXPECT_TRUE(isAmber(rim(8)));
-    EXPECT_TRUE(isAmber(marker(8)));
-    EXPECT_FALSE(isSage(marker(5)));
-    EXPECT_FALSE(isAmber(marker(9)));
-    // A line connects only the selected handle with its marker.
-    EXPECT_TRUE(At(handles[3]->Place().x, -graph->hh - M(30.0f)).green > 90);
-    EXPECT_FALSE(At(handles[4]->Place().x, -graph->hh - M(30.0f)).green > 90);
-    // Only the selected handle has a note and, below it, a frequency, in the foreground colour.
-    const auto hasText = [&](int handle, float m) {
-        int brightest = 0;
-        for (float x = -8.0f; x < 8.0f; x += 0.25f) {
-            const Pixel p =
-                At(handles[static_cast<size_t>(handle)]->Place().x + M(x), -graph->hh - M(m));
-            brightest = std::max(brightest, Brightness(p));
+    for (const int handle : {3, 4, 5, 8, 9}) {
+        SCOPED_TRACE(handle);
+        const Pixel rim = At(place(handle).x + handles[3]->hw - M(0.5f), place(handle).y);
+        const Pixel marker = At(place(handle).x, Below(37.0f));  // its upper side
+        for (const Pixel p : {rim, marker}) {
+            EXPECT_EQ(isSage(p), handle < 5);
+            EXPECT_EQ(isAmber(p), handle == 8);
         }
-        return brightest > 450;
-    };
-    for (const float line : {88.0f, 99.9f}) {
-        EXPECT_TRUE(hasText(3, line)) << line;
-        EXPECT_FALSE(hasText(4, line)) << line;
+        // Only the selected handle has a line to its marker, a note and, below it, a frequency.
+        const bool isSelected = handle == 3;
+        EXPECT_EQ(At(place(handle).x, Below(30.0f)).green > 90, isSelected);
+        for (const float text : {88.0f, 99.9f}) {
+            EXPECT_EQ(Brightest(place(handle).x, Below(text), 8.0f, 0.0f) > 450, isSelected);
+        }
     }
-    for (const float gap : {82.0f, 94.0f, 106.0f}) EXPECT_FALSE(hasText(3, gap)) << gap;
-}
+    for (const float gap : {82.0f, 94.0f, 106.0f}) {
+        EXPECT_LT(Brightest(place(3).x, Below(gap), 8.0f, 0.0f), 450) << gap;
+    }
 
-TEST_F(GraphPicture, LeavesTheStateOfGLAsItWas) {
-    const std::vector<float> levels_db(kPlotBins, -10.0f);
-    graph->AddSpectrumRow(0, levels_db.data());
-    graph->selectedHandle = 0;
-    for (auto pass : {&GLView::DrawBack, &GLView::Draw, &GLView::DrawFront}) {
-        Pass(pass);
-        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-        EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
-        EXPECT_FALSE(glIsEnabled(GL_CLIP_PLANE0));
-        EXPECT_FALSE(glIsEnabled(GL_CLIP_PLANE1));
-        float width = 0.0f;
-        glGetFloatv(GL_LINE_WIDTH, &width);
-        EXPECT_EQ(width, 1.0f);
-        GLint depth = 0;
-        glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &depth);
-        EXPECT_EQ(depth, 1);
+    Clear();
+    Pass(&GLView::DrawFront);
+    const int ground = BrightnessAt(0.0f, graph->hh / 2.0f);
+    // Rings outside of the rim, which is as light, and inside of the disc.
+    for (const auto& [inwards, isRing] :
+         {std::pair(-1.0f, true), {0.5f, false}, {2.5f, false}, {4.5f, true}}) {
+        const int ring = BrightnessAt(place(3).x, place(3).y + handles[3]->hh - M(inwards));
+        EXPECT_EQ(ring > ground + 40, isRing) << inwards;
     }
+    EXPECT_GT(Brightest(place(3).x, place(3).y, 2.0f, 2.0f), 400);  // the number, over the rings
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: ISC
-// Which curves the graph evaluates, how it sums them, and what takes the pointer.
+// Which curves the graph evaluates and sums, what takes the pointer, and what handles write.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+#include "graph/GLView_ParametricEQSelector.h"
 #include "graph/scales.h"
 #include "tests/graph/graph_fixture.h"
 
@@ -12,7 +13,6 @@ namespace brindle {
 namespace {
 
 using testing::Each;
-using testing::ElementsAre;
 
 struct Graph : testing::Test, GraphFixture {
     /// Level in dB at a frequency.
@@ -22,25 +22,20 @@ struct Graph : testing::Test, GraphFixture {
 };
 
 TEST_F(Graph, AChangeMarksItsBandAndThoseAboveIt) {
-    graph->MarkAllDirty(false);
-    page.Report(band_port(5) + kGain, 3.0f);
-    EXPECT_THAT(graph->bandDirty, ElementsAre(false, false, false, false, false, true, true, true));
-    EXPECT_FALSE(graph->filtersDirty);
-
-    graph->MarkAllDirty(false);
-    page.Report(band_port(0) + kEnable, 1.0f);
-    EXPECT_THAT(graph->bandDirty, Each(true));
-
-    for (const uint32_t port : {42u, 46u, 47u, 51u}) {
+    for (const auto& [port, first, sections] : {std::tuple(band_port(5) + kGain, 5, false),
+                                                {band_port(0) + kEnable, 0, false},
+                                                {42u, 8, true},
+                                                {51u, 8, true},
+                                                {1u, 8, false},
+                                                {52u, 8, false},
+                                                {4000000000u, 8, false}}) {
         graph->MarkAllDirty(false);
         page.Report(port, 1.0f);
-        EXPECT_THAT(graph->bandDirty, Each(false)) << port;
-        EXPECT_TRUE(graph->filtersDirty) << port;
+        for (int band = 0; band < kBandCount; ++band) {
+            EXPECT_EQ(graph->bandDirty[static_cast<size_t>(band)], band >= first) << port;
+        }
+        EXPECT_EQ(graph->filtersDirty, sections) << port;
     }
-    graph->MarkAllDirty(false);
-    for (const uint32_t port : {0u, 1u, 52u, 53u, 4000000000u}) page.Report(port, 1.0f);
-    EXPECT_THAT(graph->bandDirty, Each(false));
-    EXPECT_FALSE(graph->filtersDirty);
 }
 
 TEST_F(Graph, TheCurveIsTheSumOfAllThatIsOn) {
@@ -48,13 +43,12 @@ TEST_F(Graph, TheCurveIsTheSumOfAllThatIsOn) {
     Set(4, {1.0f, 9.0f, -3.0f, 1000.0f, 4.0f});
     Set(5, {0.0f, 9.0f, 18.0f, 1000.0f, 4.0f});
     EXPECT_NEAR(LevelAt(1000.0f), 6.0f, 1e-4f);
-    Set(8, {1.0f, 2.0f, 0.0f, 1000.0f, 1.0f});                 // 24 dB/oct: 3 dB down at its corner
-    Set(9, {1.0f, 5.0f, 0.0f, 1000.0f, 1.0f});                 // 12 dB/oct: 3 dB down too
-    EXPECT_NEAR(LevelAt(1000.0f), 6.0f - 2.0f * 3.01f, 0.2f);  // the grid point is next to 1 kHz
-    Set(3, {0.0f, 9.0f, 9.0f, 1000.0f, 4.0f});
-    Set(4, {0.0f, 9.0f, 9.0f, 1000.0f, 4.0f});
-    Set(8, {0.0f, 2.0f, 0.0f, 1000.0f, 1.0f});
-    Set(9, {0.0f, 2.0f, 0.0f, 1000.0f, 1.0f});
+    // 24 and 12 dB/oct are 3 dB down at their corner; the grid point is next to 1 kHz.
+    Set(8, {1.0f, 2.0f, 0.0f, 1000.0f, 1.0f});
+    Set(9, {1.0f, 5.0f, 0.0f, 1000.0f, 1.0f});
+    EXPECT_NEAR(LevelAt(1000.0f), 6.0f - 2.0f * 3.01f, 0.2f);
+    for (const int strip : {3, 4, 8, 9}) page.Report(Port(strip, kEnable), 0.0f);
+    graph->UpdateCurves();
     EXPECT_THAT(graph->Heights(), Each(0.0f));
 }
 
@@ -80,18 +74,15 @@ TEST_F(Graph, OnlyHandlesAndTheirMarkersTakeThePointer) {
     EXPECT_EQ(graph->selectedHandle, 3);
     EXPECT_TRUE(hit(place.x + 0.7f * reach, place.y + 0.69f * reach));
     EXPECT_FALSE(hit(place.x + 0.8f * reach, place.y + 0.8f * reach));
-    EXPECT_FALSE(hit(place.x, place.y - 0.3f));
 
-    const float marker = -graph->hh - 44.0f * m;
     const float other = handles[6]->Place().x;
-    EXPECT_TRUE(hit(other - 0.99f * reach, marker));
+    EXPECT_TRUE(hit(other - 0.99f * reach, -graph->hh - 44.0f * m));
     EXPECT_EQ(graph->selectedHandle, 6);
-    EXPECT_FALSE(hit(other - 1.01f * reach, marker));
+    EXPECT_FALSE(hit(other - 1.01f * reach, -graph->hh - 44.0f * m));
     for (const float y : {34.5f, 53.5f}) EXPECT_TRUE(hit(other, -graph->hh - y * m)) << y;
     for (const float y : {33.5f, 54.5f}) EXPECT_FALSE(hit(other, -graph->hh - y * m)) << y;
-
     page.Report(Port(6, kEnable), 0.0f);
-    EXPECT_FALSE(hit(other, marker));
+    EXPECT_FALSE(hit(other, -graph->hh - 44.0f * m));
     // Beyond its margin the graph hit-tests no handle.
     Set(7, {1.0f, 9.0f, 0.0f, 20000.0f, 1.0f});
     handles[7]->SetWidth(1.0f);
@@ -99,17 +90,131 @@ TEST_F(Graph, OnlyHandlesAndTheirMarkersTakeThePointer) {
     EXPECT_FALSE(hit(graph->hw + 0.081f, 0.0f));
 }
 
-TEST(Scales, HoldGainsBeyondTheRangeAtItsEnds) {
-    EXPECT_EQ(PositionOfGainDb(-40.0f), 0.0f);
-    EXPECT_EQ(PositionOfGainDb(40.0f), 1.0f);
+TEST_F(Graph, HandlesFollowThePointerAtAnySize) {
+    for (const float width : {1000.0f, 2000.0f}) {
+        page.pageWidth = width;
+        page.pageHeight = 0.6f * width;
+        page.modifiers = 4;  // Alt, which is not fine
+        Set(3, {1.0f, 9.0f, 0.0f, 800.0f, 1.0f});
+        GLPoint pixel = PressHandle(3);
+        for (int step = 0; step < 60; ++step) {
+            pixel.x += step < 40 ? 5.0f : -5.0f;
+            pixel.y -= step < 40 ? 1.0f : -1.0f;
+            Drag(pixel);
+            const GLPoint handle = InPixels(handles[3]->Place());
+            ASSERT_NEAR(handle.x, pixel.x, 2.0f) << width;
+            ASSERT_NEAR(handle.y, pixel.y, 2.0f) << width;
+        }
+        Release();
+    }
+}
+
+TEST_F(Graph, HandlesStopAtTheEndsAndGoOnFromTheLastPlaceInRange) {
+    GLPoint pixel = PressHandle(3);
+    Drag({pixel.x - 5000.0f, pixel.y + 5000.0f});
+    EXPECT_EQ(Value(3, kFrequency), 20.0f);
+    EXPECT_EQ(Value(3, kGain), -18.0f);
+    Drag({pixel.x + 10.0f, pixel.y - 6.0f});
+    EXPECT_NEAR(Value(3, kFrequency), 20.0f * std::pow(1000.0f, 0.0108f), 0.01f);
+    EXPECT_NEAR(Value(3, kGain), -18.0f + 0.024f * 36.0f, 1e-4f);
+    Release();
+    Set(9, {1.0f, 5.0f, 0.0f, 14000.0f, 1.0f});
+    pixel = PressHandle(9);
+    Drag({pixel.x + 20.0f, pixel.y});
+    EXPECT_EQ(Value(9, kFrequency), 15000.0f);
+    Release();
+
+    page.modifiers = 1;
+    for (const auto& [delta, q] :
+         {std::pair(-1.0f, std::pow(1000.0f, -0.005f)), {1000.0f, 100.0f}, {-1000.0f, 0.1f}}) {
+        page.Report(Port(3, kQ), 1.0f);
+        handles[3]->Scroll(delta);
+        EXPECT_NEAR(host.calls.back().value, q, 1e-4f);
+    }
+}
+
+TEST_F(Graph, ASearchKeepsTypesWithoutACentre) {
+    for (const auto& [type, searched, restored] : {std::tuple(5.0f, 5.0f, 5.0f),
+                                                   {8.95f, 10.0f, 9.0f},  // as the engine reads it
+                                                   {99.75f, 99.75f, 99.75f},
+                                                   {-3.0f, -3.0f, -3.0f}}) {
+        Set(0, {1.0f, type, -1e6f, 100.0f, 1.0f});
+        PressMarker(0);
+        EXPECT_EQ(Echo()[0], Wrote(3, searched));
+        const auto writes = Release();
+        EXPECT_EQ(writes[0], Wrote(3, restored));
+        EXPECT_EQ(writes[1], Wrote(4, -18.0f));
+    }
+    // Only the middle of the marker's strip searches.
+    for (const auto& [y, searches] :
+         {std::pair(35.0f, false), {36.5f, true}, {47.5f, true}, {49.0f, false}, {53.0f, false}}) {
+        Press({handles[2]->Place().x, -graph->hh - y * page.pixelSize});
+        EXPECT_EQ(handles[2]->IsSearching(), searches) << y;
+        Release();
+    }
+}
+
+/// However a search ends, it restores all values.
+TEST_F(Graph, NoSearchLeavesThePluginMuted) {
+    using Ending = void (*)(Graph&, int);
+    const std::pair<const char*, Ending> endings[] = {
+        {"the marker is released", [](Graph& t, int) { t.Release(); }},
+        {"another view takes the pointer",
+         [](Graph& t, int) { t.graph->GLView::SetCaptured(true); }},
+        {"the editor closes", [](Graph& t, int) { t.page.Close(); }},
+        {"a second button on the same marker",
+         [](Graph& t, int handle) {
+             t.PressMarker(handle);
+             t.Release();
+         }},
+        {"a second button on another marker",
+         [](Graph& t, int) {
+             t.PressMarker(5);
+             t.Release();
+         }},
+    };
+    Set(2, {1.0f, 12.0f, -4.5f, 400.0f, 2.0f});
+    Set(8, {1.0f, 13.0f, 6.0f, 30.0f, 1.0f});
+    Set(9, {0.0f, 5.0f, 0.0f, 15000.0f, 1.0f});
+    const auto before = page.parameters;
+    for (const auto& [name, end] : endings) {
+        for (const int handle : {2, 8}) {
+            SCOPED_TRACE(testing::Message() << name << ", handle " << handle);
+            PressMarker(handle);
+            Echo();
+            EXPECT_TRUE(handles[static_cast<size_t>(handle)]->IsSearching());
+            for (int strip = 0; strip < kStripCount; ++strip) {
+                EXPECT_EQ(Value(strip, kEnable), strip == handle ? 1.0f : 0.0f);
+            }
+            EXPECT_EQ(Value(8, kType), 13.0f);  // sections are heard as they are
+            EXPECT_EQ(Value(8, kGain), 6.0f);
+            end(*this, handle);
+            Echo();
+            EXPECT_EQ(page.parameters, before);
+            page.ReleaseAll();
+        }
+    }
 }
 
 TEST(Scales, NotesAreNamedAsMusiciansDo) {
     const std::pair<float, const char*> notes[] = {
-        {440.0f, "A4"}, {261.63f, "C4"}, {246.94f, "B3"}, {27.5f, "A0"},   {20.0f, "D#0"},
-        {452.8f, "A4"}, {453.0f, "A#4"}, {4186.0f, "C8"}, {9397.0f, "D9"}, {9700.0f, ""},
-        {20000.0f, ""}, {0.0f, ""},      {-1.0f, ""},     {NAN, ""}};
+        {440.0f, "A4"}, {261.63f, "C4"}, {246.94f, "B3"}, {20.0f, "D#0"},
+        {452.8f, "A4"}, {453.0f, "A#4"}, {9397.0f, "D9"}, {9700.0f, ""},
+        {20000.0f, ""}, {0.0f, ""},      {NAN, ""}};
     for (const auto& [freq_hz, name] : notes) EXPECT_EQ(NoteName(freq_hz), name) << freq_hz;
+    EXPECT_EQ(PositionOfGainDb(40.0f), 1.0f);  // beyond its range
+    EXPECT_FLOAT_EQ(SectionHzAt(PositionOfSectionHz(300.0f)), 300.0f);
+}
+
+TEST(TypeSelector, ShowsTheShortLabelNearestInTheTable) {
+    FakePage page;
+    auto& band = page.Add<GLView_ParametricEQSelector>(0);
+    const std::pair<float, const char*> labels[] = {
+        {8.995f, "Bell"}, {8.9f, "Hsh2"}, {99.0f, kBandTypes.back().short_name}, {NAN, "Flat"}};
+    for (const auto& [value, label] : labels) {
+        page.Report(3, value);
+        EXPECT_STREQ(band.ShortLabel(), label) << value;
+    }
 }
 
 }  // namespace

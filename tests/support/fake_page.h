@@ -30,7 +30,6 @@ class FakePage : public GLView {
     }
 
     bool IsResetPress() override { return resetPress; }
-    int32_t GetPressedButton() override { return pressedButton; }
     uint32_t GetModifiers() override { return modifiers; }
     uint32_t GetEventTime() override { return eventTime; }
     GLResources* GetResources() override { return resources; }
@@ -57,18 +56,6 @@ class FakePage : public GLView {
         redrawNeeded = true;
     }
 
-    void SetInfoTitle(const char* text) override {
-        GLView::SetInfoTitle(text);
-        titles.emplace_back(infoTitle);
-    }
-    void SetInfoText(const char* text) override {
-        GLView::SetInfoText(text);
-        texts.emplace_back(infoText);
-    }
-    void ShowInfo(const char* title, const char* text) override {
-        SetInfoTitle(title);
-        SetInfoText(text);
-    }
     void ShowMessage(const char* line1, const char* line2, const char* line3, const char* line4,
                      const char* line5) override {
         for (const char* line : {line1, line2, line3, line4, line5}) {
@@ -90,7 +77,6 @@ class FakePage : public GLView {
     // What the services return.
     std::array<float, 128> parameters{};
     bool resetPress = false;
-    int32_t pressedButton = 0;
     uint32_t modifiers = 0;
     uint32_t eventTime = 0;
     GLResources* resources = nullptr;
@@ -111,8 +97,6 @@ class FakePage : public GLView {
 
     // What the views asked for, in order.
     std::vector<std::pair<uint32_t, float>> sent;
-    std::vector<std::string> titles;
-    std::vector<std::string> texts;
     std::vector<std::string> messages;
     std::vector<bool> closings;
 };

@@ -3,6 +3,7 @@
 /// order.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <ostream>
@@ -14,13 +15,13 @@ namespace brindle {
 
 /// One call to the host: a control write, or the begin or end of a touch.
 struct HostCall {
-    enum Kind { kWrite, kTouch, kRelease, kMalformed } kind;
+    enum Kind { kWrite, kTouch, kRelease } kind;
     uint32_t port;
     float value = 0.0f;
 
     bool operator==(const HostCall&) const = default;
     friend std::ostream& operator<<(std::ostream& out, const HostCall& call) {
-        constexpr const char* kNames[] = {"write", "touch", "release", "malformed"};
+        constexpr const char* kNames[] = {"write", "touch", "release"};
         return out << kNames[call.kind] << ' ' << call.port << ' ' << call.value;
     }
 };
@@ -49,12 +50,8 @@ class RecordingHost {
   private:
     static void Write(LV2UI_Controller controller, uint32_t port, uint32_t size, uint32_t protocol,
                       const void* buffer) {
-        HostCall call{HostCall::kWrite, port};
-        if (size == sizeof call.value && protocol == 0) {
-            std::memcpy(&call.value, buffer, size);
-        } else {
-            call.kind = HostCall::kMalformed;
-        }
+        HostCall call = Wrote(port, NAN);  // unless it is a control's value
+        if (size == sizeof call.value && protocol == 0) std::memcpy(&call.value, buffer, size);
         static_cast<RecordingHost*>(controller)->calls.push_back(call);
     }
     static void Touch(LV2UI_Feature_Handle handle, uint32_t port, bool grabbed) {
