@@ -114,6 +114,7 @@ void FrameLayers::DrawAreas(const Areas& areas, const std::function<void()>& dra
         drawn_ = area;
         glScissor(area.left, area.bottom, area.right - area.left, area.top - area.bottom);
         draw();
+        glFlush();  // software GL fills this area while the next one is prepared
     }
     drawn_.reset();
     glDisable(GL_SCISSOR_TEST);

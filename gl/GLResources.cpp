@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "gl/bitmap.h"
 #include "gl/settings.h"
@@ -59,22 +60,20 @@ struct QuietScope {
     QuietScope& operator=(const QuietScope&) = delete;
 };
 
-/// Loads a picture file into `image` and a texture with linear filters. 0 if it cannot be read.
-GLuint LoadTexture(const char* path, Bitmap& image) {
-    glGetError();
-    if (!LoadBitmap(path, image)) return 0;
+/// A new texture with linear filters, bound.
+GLuint MakeLinearTexture() {
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    UploadLevel(0, image, path);
     return texture;
 }
 
 /// `image` at half its size, rounded like software GL; empty if a side is a single pixel.
 Bitmap Halved(const Bitmap& image) {
     Bitmap half{image.width / 2, image.height / 2, {}};
+    half.pixels.reserve(image.pixels.size() / 4);
     const auto stride = static_cast<size_t>(image.width) * 4;
     for (size_t y = 0; y < static_cast<size_t>(half.height); ++y) {
         for (size_t i = 0; i < static_cast<size_t>(half.width) * 4; ++i) {
@@ -87,20 +86,39 @@ Bitmap Halved(const Bitmap& image) {
     return half;
 }
 
-/// Loads a glyph's texture with up to two smaller mipmap levels, for text that is drawn directly
-/// into a window of the design size: a linear filter alone would skip strokes there. One level at a
-/// time is sharper than two mixed; the bias keeps the full picture in use down to half its size.
-/// The levels are not made by GL: it would compile a program, which takes longer than the rest.
-GLuint LoadGlyph(const char* path) {
-    Bitmap image;
-    const GLuint texture = LoadTexture(path, image);
-    if (texture == 0) return 0;
-    int level = 0;
-    for (Bitmap half = Halved(image); level < 2 && !half.pixels.empty(); half = Halved(half)) {
-        UploadLevel(++level, half, path);
+/// The sheet with all glyphs' pictures: cells with a margin, so that a linear filter reads none of
+/// a neighbour. The margin holds the picture's opposite edge, as a repeated texture does.
+constexpr int kGlyphSide = 40;
+constexpr int kMargin = 4;
+constexpr int kCell = kGlyphSide + 2 * kMargin;
+constexpr int kSheetSide = 512;
+constexpr int kSheetColumns = kSheetSide / kCell;
+
+/// Copies a glyph's picture and its margin into a cell.
+void CopyToSheet(const Bitmap& picture, int left, int bottom, Bitmap& sheet) {
+    const auto wrapped = [](int i) { return (i + kGlyphSide - kMargin) % kGlyphSide; };
+    for (int y = 0; y < kCell; ++y) {
+        for (int x = 0; x < kCell; ++x) {
+            const auto from = static_cast<size_t>(wrapped(y) * kGlyphSide + wrapped(x)) * 4;
+            const auto to = static_cast<size_t>((bottom + y) * kSheetSide + left + x) * 4;
+            std::copy_n(&picture.pixels[from], 4, &sheet.pixels[to]);
+        }
+    }
+}
+
+/// Makes the sheet's texture with two smaller mipmap levels, for text that is drawn directly into a
+/// window of the design size: a linear filter alone would skip strokes there. One level at a time
+/// is sharper than two mixed; the bias keeps the full picture in use down to half its size. The
+/// levels are not made by GL: it would compile a program, which takes longer than the rest.
+GLuint MakeSheetTexture(Bitmap sheet) {
+    constexpr int kLevels = 3;
+    const GLuint texture = MakeLinearTexture();
+    for (int level = 0; level < kLevels; ++level) {
+        UploadLevel(level, sheet, "res/chars");
+        sheet = Halved(sheet);
     }
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, level);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, kLevels - 1);
     glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_LOD_BIAS, -0.5f);
     return texture;
 }
@@ -109,7 +127,11 @@ GLuint LoadGlyph(const char* path) {
 
 GLuint LoadTexture(const char* path) {
     Bitmap image;
-    return LoadTexture(path, image);
+    glGetError();
+    if (!LoadBitmap(path, image)) return 0;
+    const GLuint texture = MakeLinearTexture();
+    UploadLevel(0, image, path);
+    return texture;
 }
 
 GLResources::GLResources(float pageScale) : interfaceScale(pageScale) {
@@ -126,16 +148,39 @@ GLResources::GLResources(float pageScale) : interfaceScale(pageScale) {
     glEnable(GL_LINE_SMOOTH);
     glHint(GL_LINE_SMOOTH_HINT, GL_DONT_CARE);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
-    for (size_t k = 0; k < kGlyphCount; ++k) {
-        const std::string path = GlyphPath(kFirstGlyph + static_cast<int>(k));
-        const float advance = kGlyphAdvances[k];
-        glyphs[k] = {advance, advance * 0.5f, Keep(LoadGlyph(path.c_str()))};
-    }
+    LoadGlyphs();
     mipTexture160 = LoadMipmappedTexture(160, 6);
     mipTexture150 = LoadMipmappedTexture(150, 6);
     mipTexture250 = LoadMipmappedTexture(250, 4);
     mipTexture318 = LoadMipmappedTexture(318, 4);
     defaultImage = Image(102);
+}
+
+void GLResources::LoadGlyphs() {
+    Bitmap sheet{kSheetSide, kSheetSide, std::vector<uint8_t>(size_t{kSheetSide} * kSheetSide * 4)};
+    std::vector<Glyph*> onSheet;
+    for (size_t k = 0; k < kGlyphCount; ++k) {
+        Glyph& glyph = glyphs[k];
+        glyph = {kGlyphAdvances[k], kGlyphAdvances[k] * 0.5f};
+        Bitmap picture;
+        const auto index = static_cast<int>(k);
+        const std::string path = GlyphPath(kFirstGlyph + index);
+        if (!LoadBitmap(path.c_str(), picture)) continue;
+        if (picture.width != kGlyphSide || picture.height != kGlyphSide) {
+            glyph.texture = Keep(LoadTexture(path.c_str()));
+            continue;
+        }
+        const int left = index % kSheetColumns * kCell;
+        const int bottom = index / kSheetColumns * kCell;
+        CopyToSheet(picture, left, bottom, sheet);
+        const auto share = [](int place) { return static_cast<float>(place) / kSheetSide; };
+        glyph.picture = {share(left + kMargin), share(bottom + kMargin),
+                         share(left + kMargin + kGlyphSide), share(bottom + kMargin + kGlyphSide)};
+        onSheet.push_back(&glyph);
+    }
+    if (onSheet.empty()) return;
+    const GLuint texture = Keep(MakeSheetTexture(std::move(sheet)));
+    for (Glyph* glyph : onSheet) glyph->texture = texture;
 }
 
 GLResources::~GLResources() {

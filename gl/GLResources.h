@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "gl/GLRect.h"
 #include "gl/gl.h"
 #include "gl/glyph_table.h"
 
@@ -18,7 +19,8 @@ class GLResources {
     struct Glyph {
         float advance = 0.0f;  ///< text units
         float halfAdvance = 0.0f;
-        GLuint texture = 0;
+        GLuint texture = 0;  ///< glyphs share one, so that a text is drawn at once
+        GLRect picture = {0.0f, 0.0f, 1.0f, 1.0f};  ///< the glyph's place in it
     };
     static constexpr uint32_t kImageCount = 512;
 
@@ -50,6 +52,7 @@ class GLResources {
     float interfaceScale;
 
   private:
+    void LoadGlyphs();
     /// Takes ownership of a texture, which may be 0.
     GLuint Keep(GLuint texture);
 

@@ -32,17 +32,17 @@ void GLView_DecoratorBox::DrawBack() {
     constexpr std::array<GLPoint, 5> kOpenTowards = {
         {{0.0f, 0.0f}, {0.0f, 1.0f}, {0.0f, -1.0f}, {-1.0f, 0.0f}, {1.0f, 0.0f}}};
     const GLPoint open = kOpenTowards[style >= 1 && style <= 4 ? static_cast<size_t>(style) : 0];
-    const auto layer = [&](float inset) {
+    const auto layer = [&](float inset, float rim) {
         const float half = 0.5f * inset;
         const MatrixScope matrix;
         glTranslatef(half * open.x, half * open.y, 0.0f);
         DrawFramedBox(look.resources, style, hw - inset + half * std::abs(open.x),
-                      hh - inset + half * std::abs(open.y), corner);
+                      hh - inset + half * std::abs(open.y), corner, rim);
     };
     kEdgeColor.ApplyFaded(look.flat ? 0.6f : 0.45f);
-    layer(0.0f);
+    layer(0.0f, 2.0f * look.s);
     kBoxColor.Apply();
-    layer(look.s);
+    layer(look.s, kNoRim);
     if (label[0] != '\0') {
         const MatrixScope matrix;
         glTranslatef(0.0f, hh - (labelSize + 2.0f) * look.s, 0.0f);

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: ISC
 #include "gl/drawing.h"
 
+#include <algorithm>
 #include <span>
-#include <utility>
 
-#include "gl/GLRect.h"
+#include "gl/primitives.h"
 #include "gl/settings.h"
 
 namespace brindle {
 namespace {
-
-constexpr GLRect kWholeTexture = {0.0f, 0.0f, 1.0f, 1.0f};
 
 /// A corner of a rectangle: its direction from the middle, and its part of the texture.
 struct Corner {
@@ -24,31 +22,14 @@ constexpr Corner kLowerRight = {1.0f, -1.0f, {0.5f, 0.0f, 1.0f, 0.5f}};
 constexpr Corner kLowerLeft = {-1.0f, -1.0f, {0.0f, 0.0f, 0.5f, 0.5f}};
 constexpr Corner kCorners[] = {kUpperLeft, kUpperRight, kLowerRight, kLowerLeft};
 
-/// A quad's colours along its top and bottom edge.
-struct Fade {
-    GLColor top;
-    GLColor bottom;
-};
+/// Where the disc is opaque, for the straight parts of a shape that are too small for another draw
+/// call without a texture.
+constexpr GLRect kMiddleOfTexture = {0.5f, 0.5f, 0.5f, 0.5f};
 
 GLColor Faded(const GLColor& color, float alpha) {
     GLColor faded = color;
     faded.ScaleAlpha(alpha);
     return faded;
-}
-
-/// Emits one quad between glBegin and glEnd, clockwise from the upper left corner.
-void EmitQuad(const GLRect& place, const GLRect& texture = kWholeTexture,
-              const Fade* fade = nullptr) {
-    if (fade != nullptr) fade->top.Apply();
-    glTexCoord2f(texture.left, texture.top);
-    glVertex2f(place.left, place.top);
-    glTexCoord2f(texture.right, texture.top);
-    glVertex2f(place.right, place.top);
-    if (fade != nullptr) fade->bottom.Apply();
-    glTexCoord2f(texture.right, texture.bottom);
-    glVertex2f(place.right, place.bottom);
-    glTexCoord2f(texture.left, texture.bottom);
-    glVertex2f(place.left, place.bottom);
 }
 
 /// The square with side `r` in a corner of a rectangle.
@@ -57,50 +38,6 @@ GLRect CornerArea(const Corner& corner, float hw, float hh, float r) {
     const float bottom = corner.y < 0.0f ? -hh : hh - r;
     return {left, bottom, left + r, bottom + r};
 }
-
-/// Draws quads without a texture (`PlainQuads`) or with one (`TexturedQuads`) during a scope.
-struct PlainQuads {
-    PlainQuads() {
-        glDisable(GL_TEXTURE_2D);
-        glBegin(GL_QUADS);
-    }
-    ~PlainQuads() {
-        glEnd();
-        glEnable(GL_TEXTURE_2D);
-    }
-    PlainQuads(const PlainQuads&) = delete;
-    PlainQuads& operator=(const PlainQuads&) = delete;
-};
-
-struct TexturedQuads {
-    explicit TexturedQuads(GLuint texture) {
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glBegin(GL_QUADS);
-    }
-    ~TexturedQuads() { glEnd(); }
-    TexturedQuads(const TexturedQuads&) = delete;
-    TexturedQuads& operator=(const TexturedQuads&) = delete;
-};
-
-/// Switches blending off during a scope if the current colour is opaque: the picture is the same,
-/// in half the time for large areas.
-class OpaqueScope {
-  public:
-    OpaqueScope() {
-        GLfloat current[4];
-        glGetFloatv(GL_CURRENT_COLOR, current);
-        switched_ = current[3] >= 1.0f && glIsEnabled(GL_BLEND) == GL_TRUE;
-        if (switched_) glDisable(GL_BLEND);
-    }
-    ~OpaqueScope() {
-        if (switched_) glEnable(GL_BLEND);
-    }
-    OpaqueScope(const OpaqueScope&) = delete;
-    OpaqueScope& operator=(const OpaqueScope&) = delete;
-
-  private:
-    bool switched_ = false;
-};
 
 /// An inner edge of a sunken shape: shade at the upper edge, light at the lower.
 struct InnerEdge {
@@ -129,29 +66,12 @@ void DrawTexture(GLuint texture, float hw, float hh) {
     EmitQuad({-hw, -hh, hw, hh});
 }
 
-void DrawTextureAround(GLuint texture, float distance) {
-    constexpr float kDiagonal = 0.7f;
-    const TexturedQuads quads(texture);
-    for (const auto& [dx, dy] : {std::pair(1.0f, 0.0f),
-                                 {kDiagonal, kDiagonal},
-                                 {0.0f, 1.0f},
-                                 {-kDiagonal, kDiagonal},
-                                 {-1.0f, 0.0f},
-                                 {-kDiagonal, -kDiagonal},
-                                 {0.0f, -1.0f},
-                                 {kDiagonal, -kDiagonal}}) {
-        const float x = dx * distance;
-        const float y = dy * distance;
-        EmitQuad({x - 1.0f, y - 1.0f, x + 1.0f, y + 1.0f});
-    }
-}
-
 void DrawImage(GLResources* resources, uint32_t number) {
     if (resources != nullptr) DrawTexture(resources->Image(number), 1.0f, 1.0f);
 }
 
 void DrawRect(float hw, float hh) {
-    const PlainQuads quads;
+    const PlainPrimitives quads;
     EmitQuad({-hw, -hh, hw, hh});
 }
 
@@ -166,33 +86,43 @@ void DrawBar(const GLResources* resources, float hw, float hh) {
         EmitQuad({-hw, -hh, hh - hw, hh}, {0.0f, 0.0f, 0.5f, 1.0f});
         EmitQuad({hw - hh, -hh, hw, hh}, {0.5f, 0.0f, 1.0f, 1.0f});
     }
-    const PlainQuads quads;
+    const PlainPrimitives quads;
     EmitQuad({hh - hw, -hh, hw - hh, hh});
 }
 
-void DrawRoundRect(const GLResources* resources, float hw, float hh, float r) {
-    DrawFramedBox(resources, 0, hw, hh, r);
+void DrawRoundRect(const GLResources* resources, float hw, float hh, float r, float rim) {
+    DrawFramedBox(resources, 0, hw, hh, r, rim);
 }
 
-void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, float r) {
+void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, float r,
+                   float rim) {
     if (resources == nullptr) return;
     const auto isOpen = [style](const Corner& corner) {
         return (style == 1 && corner.y > 0.0f) || (style == 2 && corner.y < 0.0f) ||
                (style == 3 && corner.x < 0.0f) || (style == 4 && corner.x > 0.0f);
+    };
+    const float top = style == 1 ? hh - r : hh;
+    const float bottom = style == 2 ? r - hh : -hh;
+    const float side = std::min(r, rim);
+    const bool isRim = 2.0f * rim < top - bottom;
+    const auto emitStraightParts = [&](const GLRect& texture) {
+        if (!isRim) EmitQuad({-hw + r, bottom, hw - r, top}, texture);
+        if (isRim && style != 1) EmitQuad({-hw + r, top - rim, hw - r, top}, texture);
+        if (isRim && style != 2) EmitQuad({-hw + r, bottom, hw - r, bottom + rim}, texture);
+        if (style != 3) EmitQuad({-hw, -hh + r, -hw + side, hh - r}, texture);
+        if (style != 4) EmitQuad({hw - side, -hh + r, hw, hh - r}, texture);
     };
     {
         const TexturedQuads quads(resources->mipTexture150);
         for (const Corner& corner : kCorners) {
             if (!isOpen(corner)) EmitQuad(CornerArea(corner, hw, hh, r), corner.texture);
         }
+        if (isRim) emitStraightParts(kMiddleOfTexture);
     }
-    const float top = style == 1 ? hh - r : hh;
-    const float bottom = style == 2 ? r - hh : -hh;
+    if (isRim) return;
     const OpaqueScope opaque;
-    const PlainQuads quads;
-    EmitQuad({-hw + r, bottom, hw - r, top});
-    if (style != 3) EmitQuad({-hw, -hh + r, -hw + r, hh - r});
-    if (style != 4) EmitQuad({hw - r, -hh + r, hw, hh - r});
+    const PlainPrimitives quads;
+    emitStraightParts(kWholeTexture);
 }
 
 void DrawRoundFrame(const GLResources* resources, float hw, float hh, float r) {
@@ -204,7 +134,7 @@ void DrawRoundFrame(const GLResources* resources, float hw, float hh, float r) {
         }
     }
     const float thickness = r * 0.25f;
-    const PlainQuads quads;
+    const PlainPrimitives quads;
     EmitQuad({-hw + r, hh - thickness, hw - r, hh});
     EmitQuad({-hw + r, -hh, hw - r, -hh + thickness});
     EmitQuad({-hw, -hh + r, -hw + thickness, hh - r});
@@ -233,15 +163,12 @@ void DrawShadow(const GLResources* resources, float hw, float hh, float r, bool 
         MakeInnerEdge(hw - d, hh - d, r, false, Faded(lightColor, 0.3f)),
     };
     const std::span drawn(edges, lower ? 2 : 1);
-    {
-        const TexturedQuads quads(resources->mipTexture150);
-        for (const InnerEdge& edge : drawn) {
-            EmitQuad(edge.corners[0], edge.left.texture, &edge.fade);
-            EmitQuad(edge.corners[1], edge.right.texture, &edge.fade);
-        }
+    const TexturedQuads quads(resources->mipTexture150);
+    for (const InnerEdge& edge : drawn) {
+        EmitQuad(edge.corners[0], edge.left.texture, &edge.fade);
+        EmitQuad(edge.corners[1], edge.right.texture, &edge.fade);
+        EmitQuad(edge.middle, kMiddleOfTexture, &edge.fade);
     }
-    const PlainQuads quads;
-    for (const InnerEdge& edge : drawn) EmitQuad(edge.middle, kWholeTexture, &edge.fade);
 }
 
 void DrawGloss(const GLResources* resources, float hw, float hh) {

@@ -50,8 +50,6 @@ void DrawImage(GLResources* resources, uint32_t number);
 
 /// Draws a texture over the rectangle.
 void DrawTexture(GLuint texture, float hw, float hh);
-/// Draws a texture over the square from -1 to 1, moved to eight places around it.
-void DrawTextureAround(GLuint texture, float distance);
 
 void DrawRect(float hw, float hh);
 
@@ -61,12 +59,16 @@ void DrawDisc(const GLResources* resources, float hw, float hh);
 /// A pill shape: its ends are half circles of radius `hh`.
 void DrawBar(const GLResources* resources, float hw, float hh);
 
-void DrawRoundRect(const GLResources* resources, float hw, float hh, float r);
+/// The inside of a shape can be left out, where another one will hide it: `rim` is what is drawn of
+/// its straight edges at least. Its corners are always whole.
+constexpr float kNoRim = 1e9f;
+void DrawRoundRect(const GLResources* resources, float hw, float hh, float r, float rim = kNoRim);
 
 /// A rounded rectangle that can be open on one side: styles 1 to 4 leave out the slices with the
 /// corners at the top, bottom, left and right, and end straight, `r` short of that edge. All other
 /// styles are `DrawRoundRect`.
-void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, float r);
+void DrawFramedBox(const GLResources* resources, int style, float hw, float hh, float r,
+                   float rim = kNoRim);
 
 /// The outline of a rounded rectangle, r / 4 thick, inside its edge.
 void DrawRoundFrame(const GLResources* resources, float hw, float hh, float r);

@@ -27,16 +27,16 @@ void ApplyMixed(const GLColor& color, const GLColor& other, float share, float a
               color.blue + (other.blue - color.blue) * share, alpha);
 }
 
-/// Fills the shape of a part in the current colour.
-void Fill(const Look& look, float hw, float hh) {
-    DrawRoundRect(look.resources, hw, hh, look.Corner(hh));
+/// Fills the shape of a part in the current colour, or its rim if another shape hides the rest.
+void Fill(const Look& look, float hw, float hh, float rim = kNoRim) {
+    DrawRoundRect(look.resources, hw, hh, look.Corner(hh), rim);
 }
 
 /// Fills the shape of a part, moved upwards by `dy`.
-void FillAt(const Look& look, float dy, float hw, float hh) {
+void FillAt(const Look& look, float dy, float hw, float hh, float rim = kNoRim) {
     const MatrixScope matrix;
     glTranslatef(0.0f, dy, 0.0f);
-    Fill(look, hw, hh);
+    Fill(look, hw, hh, rim);
 }
 
 void RectAt(float x, float y, float hw, float hh) {
@@ -95,7 +95,7 @@ GLColor Lightened(const GLColor& color, float share) {
 void DrawDisplay(const Look& look, float hw, float hh) {
     if (!look.flat) {
         kEdgeColor.ApplyFaded(0.35f);
-        FillAt(look, -look.s, hw, hh);
+        FillAt(look, -look.s, hw, hh, look.enabled ? 2.0f * look.s : kNoRim);
     }
     kDisplayColor.ApplyFaded(look.enabled ? 1.0f : 0.55f);
     Fill(look, hw, hh);
@@ -109,10 +109,11 @@ void DrawDisplay(const Look& look, float hw, float hh) {
 void DrawKey(const Look& look, float hw, float hh) {
     const bool lit = look.enabled && !look.flat;
     if (lit) {
+        const float rim = 2.0f * look.s;
         shadeColor.ApplyFaded(0.45f);
-        FillAt(look, -1.25f * look.s, hw, hh);
+        FillAt(look, -1.25f * look.s, hw, hh, rim);
         kEdgeColor.ApplyFaded(look.captured ? 0.15f : 0.7f);
-        Fill(look, hw, hh);
+        Fill(look, hw, hh, rim);
     }
     const GLColor& face = look.captured ? kKeyDownColor : kKeyColor;
     face.ApplyFaded(look.enabled ? 1.0f : 0.35f);

@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: ISC
+#include <optional>
+
+#include "gl/GLPoint.h"
 #include "gl/drawing.h"
+#include "gl/primitives.h"
 #include "gl/settings.h"
 
 namespace brindle {
@@ -10,24 +14,27 @@ size_t GlyphIndex(char character) {
     return static_cast<uint8_t>(static_cast<uint8_t>(character) - kFirstGlyph);
 }
 
-/// Calls `draw` with the texture of each glyph of a text, the origin at the glyph's place.
-template <typename Draw>
-void ForEachGlyph(const GLResources* resources, const char* text, int alignment, Draw draw) {
-    if (resources == nullptr || text == nullptr || *text == '\0') return;
-    const MatrixScope matrix;
-    if (alignment == kAlignCentre) {
-        glTranslatef(-TextWidth(text) * 0.5f, 0.0f, 0.0f);
-    } else if (alignment == kAlignRight) {
-        glTranslatef(-TextWidth(text), 0.0f, 0.0f);
-    }
+/// Calls `emit` for each glyph of a text with the glyph and the place of its middle, between
+/// glBegin and glEnd. Glyphs that share a texture are drawn at once.
+template <typename Emit>
+void EmitGlyphs(const GLResources* resources, const char* text, int alignment, Emit emit) {
+    if (resources == nullptr || text == nullptr) return;
+    const float width = TextWidth(text);
+    float x = alignment == kAlignCentre ? -0.5f * width : alignment == kAlignRight ? -width : 0.0f;
+    std::optional<TexturedQuads> quads;
+    GLuint bound = 0;
     for (; *text != '\0'; ++text) {
         const size_t k = GlyphIndex(*text);
         if (k >= kGlyphCount) return;
-        const float halfAdvance = resources->glyphs[k].halfAdvance;
-        glTranslatef(halfAdvance, 0.0f, 0.0f);
-        draw(resources->glyphs[k].texture);
-        glTranslatef(halfAdvance, 0.0f, 0.0f);
+        const GLResources::Glyph& glyph = resources->glyphs[k];
+        if (!quads || glyph.texture != bound) quads.emplace(bound = glyph.texture);
+        emit(glyph, x + glyph.halfAdvance);
+        x += glyph.advance;
     }
+}
+
+GLRect GlyphSquare(float x, float y) {
+    return {x - 1.0f, y - 1.0f, x + 1.0f, y + 1.0f};
 }
 
 }  // namespace
@@ -44,20 +51,28 @@ float TextWidth(const char* text) {
 }
 
 void DrawGlyph(const GLResources* resources, size_t index) {
-    if (resources != nullptr && index < kGlyphCount) {
-        DrawTexture(resources->glyphs[index].texture, 1.0f, 1.0f);
-    }
+    if (resources == nullptr || index >= kGlyphCount) return;
+    const TexturedQuads quads(resources->glyphs[index].texture);
+    EmitQuad(GlyphSquare(0.0f, 0.0f), resources->glyphs[index].picture);
 }
 
 void DrawText(const GLResources* resources, const char* text, int alignment) {
-    ForEachGlyph(resources, text, alignment,
-                 [](GLuint texture) { DrawTexture(texture, 1.0f, 1.0f); });
+    EmitGlyphs(resources, text, alignment, [](const GLResources::Glyph& glyph, float x) {
+        EmitQuad(GlyphSquare(x, 0.0f), glyph.picture);
+    });
 }
 
 void DrawTextOutline(const GLResources* resources, const char* text, int alignment,
                      float distance) {
-    ForEachGlyph(resources, text, alignment,
-                 [distance](GLuint texture) { DrawTextureAround(texture, distance); });
+    constexpr float kDiagonal = 0.7f;
+    static constexpr GLPoint kPlaces[] = {
+        {1.0f, 0.0f},  {kDiagonal, kDiagonal},   {0.0f, 1.0f},  {-kDiagonal, kDiagonal},
+        {-1.0f, 0.0f}, {-kDiagonal, -kDiagonal}, {0.0f, -1.0f}, {kDiagonal, -kDiagonal}};
+    EmitGlyphs(resources, text, alignment, [distance](const GLResources::Glyph& glyph, float x) {
+        for (const GLPoint& place : kPlaces) {
+            EmitQuad(GlyphSquare(x + distance * place.x, distance * place.y), glyph.picture);
+        }
+    });
 }
 
 void DrawTextShadow(const GLResources* resources, const char* text, int alignment) {

@@ -11,6 +11,7 @@
 #include "gl/GLPoint.h"
 #include "gl/drawing.h"
 #include "gl/gl.h"
+#include "gl/primitives.h"
 #include "graph/scales.h"
 
 namespace brindle {
@@ -38,20 +39,6 @@ constexpr Frequency kFrequencies[] = {{20, "20"},     {50, "50"},    {100, "100"
                                       {10000, "10k"}, {20000, "20k"}};
 
 constexpr GLColor kClearBlack{0.0f, 0.0f, 0.0f, 0.0f};
-
-/// Draws primitives without texture during a scope.
-struct PlainPrimitives {
-    explicit PlainPrimitives(GLenum mode) {
-        glDisable(GL_TEXTURE_2D);
-        glBegin(mode);
-    }
-    ~PlainPrimitives() {
-        glEnd();
-        glEnable(GL_TEXTURE_2D);
-    }
-    PlainPrimitives(const PlainPrimitives&) = delete;
-    PlainPrimitives& operator=(const PlainPrimitives&) = delete;
-};
 
 /// Emits a rectangle between glBegin(GL_QUADS) and glEnd.
 void EmitRect(float left, float bottom, float right, float top) {
@@ -125,6 +112,7 @@ void EmitBlackKeys(const GraphLook& look) {
 /// Draws a strip between two heights at each point, given as shares of the curve's height there.
 void DrawFillStrip(std::span<const float> heights, float x0, float dx, float lowerShare,
                    float lowerBrightness, float upperShare, float upperBrightness) {
+    const OpaqueScope opaque;
     const PlainPrimitives strip(GL_QUAD_STRIP);
     float x = x0;
     for (const float y : heights) {
@@ -281,6 +269,7 @@ void DrawResponse(std::span<const float> heights, const GraphLook& look) {
     const VerticalClip clip(look.hh - look.m);
     const float dx = 2.0f * look.hw / static_cast<float>(heights.size());
     const float x0 = dx / 2.0f - look.hw;
+    kSage.Apply();  // the fill is opaque
     // Brightest at 0.7 of the height, darker towards the zero line and the curve.
     DrawFillStrip(heights, x0, dx, 0.0f, 0.3f, 0.7f, 1.5f);
     DrawFillStrip(heights, x0, dx, 0.7f, 1.5f, 1.0f, 0.3f);
