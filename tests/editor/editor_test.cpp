@@ -53,10 +53,6 @@ struct Editor : testing::Test {
     static void ExpectRefusal(UiHost& refused, const char* error) {
         EXPECT_THAT(PrintedBy([&] { EXPECT_FALSE(refused.Open()); }).err, EndsWith(error));
     }
-    std::vector<uint32_t> Picture() {
-        host.IdleTimes(2);
-        return host.window.GetPixels(host.child, 1000, 600);
-    }
 };
 
 TEST_F(Editor, OpensInTheParentAndSaysItsTwoMessagesToTheByte) {
@@ -359,105 +355,6 @@ TEST_F(Editor, OpensAndClosesWithoutTrace) {
     EXPECT_TRUE(other.window.IsShown(other.child));
 }
 #endif
-
-/// The trim slider's centre, in window pixels.
-constexpr int kTrimX = 843;
-constexpr int kTrimY = 537;
-
-/// Presses the trim slider and holds it.
-void HoldTrim(UiHost& host) {
-    host.Report(kTrimPort, 0.0f);
-    host.IdleTimes(2);
-    host.window.MovePointer(kTrimX, kTrimY);
-    host.window.Press();
-    host.IdleTimes(1);
-    host.touches.clear();
-    host.writes.clear();
-}
-
-TEST_F(Editor, ForgetsWhatWasPointedAtWhenThePointerLeaves) {
-    Open();
-    for (uint32_t i = 0; i < kControlCount; ++i) {
-        host.Report(band_port(4) + i, strip_row(4).defaults[i]);
-        host.Report(band_port(0) + i, strip_row(0).defaults[i]);
-    }
-    const auto strips = [&] {  // the area without pulsing parts
-        auto pixels = Picture();
-        pixels.erase(pixels.begin(), pixels.begin() + 420 * 1000);
-        return pixels;
-    };
-    host.window.MovePointer(500, 595);  // no control is there
-    host.IdleTimes(2);
-    host.window.MovePointer(500, 610);
-    const auto untouched = Picture();
-    // A handle, a knob, an on/off button and a preset.
-    for (const auto& [x, y] : {std::pair(561, 187), {124, 470}, {124, 440}, {120, 16}}) {
-        SCOPED_TRACE(x);
-        host.window.MovePointer(x, y);
-        EXPECT_FALSE(Picture() == untouched);
-        host.window.MovePointer(-10, y);
-        EXPECT_TRUE(Picture() == untouched);
-    }
-    // A held knob, which only moves vertically, stays highlighted until it is released outside.
-    host.window.MovePointer(124, 470);
-    const auto pointed = strips();
-    host.window.Press();
-    const auto held = strips();
-    host.window.MovePointer(-10, 470);
-    EXPECT_TRUE(strips() == held);
-    host.window.Release();
-    EXPECT_TRUE(Picture() == untouched);
-    // A host that grabs the pointer, as for a menu, changes no highlight. The grab may end over a
-    // control that the pointer was not over before.
-    host.window.MovePointer(124, 470);
-    host.window.Grab();
-    EXPECT_TRUE(strips() == pointed);
-    host.window.Ungrab();
-    host.window.MovePointer(-10, -10);
-    EXPECT_TRUE(Picture() == untouched);
-    host.window.Grab();
-    host.window.MovePointer(124, 470);
-    host.window.Ungrab();
-    host.window.MovePointer(124, 471);
-    EXPECT_TRUE(strips() == pointed);
-}
-
-TEST_F(Editor, LetsGoOfWhatIsHeldWhereItIsHidden) {
-    Open();
-    const auto expectLetGo = [&] {
-        EXPECT_THAT(host.touches, ElementsAre(Pair(kTrimPort, false)));
-        host.window.MovePointer(kTrimX + 20, kTrimY);
-        host.IdleTimes(2);
-        EXPECT_THAT(host.writes, IsEmpty());
-        host.window.MovePointer(-10, -10);
-    };
-    for (const uintptr_t hidden : {host.child, host.window.GetId()}) {
-        HoldTrim(host);
-        host.window.Hide(hidden);
-        host.IdleTimes(2);
-        host.window.Release();
-        host.window.Show(hidden);
-        expectLetGo();
-        const auto before = Picture();
-        host.window.Hide(hidden);
-        host.IdleTimes(2);
-        host.window.Show(hidden);
-        host.IdleTimes(1);  // the picture is there with the first idle call
-        EXPECT_TRUE(host.window.GetPixels(host.child, 1000, 600) == before);
-    }
-    HoldTrim(host);
-    host.window.Hide(host.child);  // between two idle calls
-    host.window.Release();
-    host.window.Show(host.child);
-    host.window.MovePointer(kTrimX + 10, kTrimY);
-    host.IdleTimes(1);
-    expectLetGo();
-    HoldTrim(host);
-    host.window.Destroy();
-    host.IdleTimes(2);
-    EXPECT_THAT(host.touches, ElementsAre(Pair(kTrimPort, false)));
-    host.window.Release();
-}
 
 TEST_F(Editor, TellsTheUserWherePicturesAreMissing) {
     // A bundle's folder without pictures, and then without letters.

@@ -79,6 +79,10 @@ struct Panel : testing::Test {
         Tick();
         return std::string(Root().infoTitle) + "|" + Root().infoText;
     }
+    std::vector<uint32_t> Picture() {
+        host.IdleTimes(2);
+        return host.window.GetPixels(host.child, 1000, 600);
+    }
     /// The control writes during a gesture.
     PortValues During(const std::function<void()>& gesture) {
         host.touches.clear();

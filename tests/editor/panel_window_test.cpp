@@ -106,6 +106,85 @@ TEST_F(Panel, FitsIntoTheMiddleOfEveryWindow) {
     }
 }
 
+TEST_F(Panel, ForgetsWhatWasPointedAtWhenThePointerLeaves) {
+    const auto strips = [&] {  // the area without pulsing parts
+        auto pixels = Picture();
+        pixels.erase(pixels.begin(), pixels.begin() + 420 * 1000);
+        return pixels;
+    };
+    HelpAt({667.0f, 7.0f});  // no control is there
+    MoveTo(kOutside);
+    const auto untouched = Picture();
+    const Spot knob = InStrip(0, 40.0f);
+    for (const Spot& spot : {HandleAt(4), knob, KeyOf(0), PresetAt(0)}) {
+        SCOPED_TRACE(spot.x);
+        MoveTo(spot);
+        EXPECT_FALSE(Picture() == untouched);
+        MoveTo({kOutside.x, spot.y});
+        EXPECT_TRUE(Picture() == untouched);
+    }
+    // A held knob, which only moves vertically, stays highlighted until it is released outside.
+    MoveTo(knob);
+    const auto pointed = strips();
+    host.window.Press();
+    const auto held = strips();
+    MoveTo({kOutside.x, knob.y});
+    EXPECT_TRUE(strips() == held);
+    host.window.Release();
+    EXPECT_TRUE(Picture() == untouched);
+    // A host that grabs the pointer, as for a menu, changes no highlight. The grab may end over a
+    // control that the pointer was not over before.
+    MoveTo(knob);
+    host.window.Grab();
+    EXPECT_TRUE(strips() == pointed);
+    host.window.Ungrab();
+    MoveTo(kOutside);
+    EXPECT_TRUE(Picture() == untouched);
+    host.window.Grab();
+    MoveTo(knob);
+    host.window.Ungrab();
+    MoveTo({knob.x, knob.y - 1.0f});
+    EXPECT_TRUE(strips() == pointed);
+}
+
+TEST_F(Panel, LetsGoOfWhatIsHeldWhereItIsHidden) {
+    const auto hold = [&] {
+        PressAt(kTrim);
+        Tick();
+        host.touches.clear();
+    };
+    const auto expect_let_go = [&] {
+        Tick();
+        EXPECT_THAT(host.touches, ElementsAre(Pair(kTrimPort, false)));
+        EXPECT_THAT(During([&] { MoveTo({kTrim.x + 27.0f, kTrim.y}); }), testing::IsEmpty());
+        MoveTo(kOutside);
+    };
+    for (const uintptr_t hidden : {host.child, host.window.GetId()}) {
+        hold();
+        host.window.Hide(hidden);
+        Tick();
+        host.window.Release();
+        host.window.Show(hidden);
+        expect_let_go();
+        const auto before = Picture();
+        host.window.Hide(hidden);
+        host.IdleTimes(2);
+        host.window.Show(hidden);
+        Tick();  // the picture is there with the first idle call
+        EXPECT_TRUE(host.window.GetPixels(host.child, 1000, 600) == before);
+    }
+    hold();
+    host.window.Hide(host.child);  // between two idle calls
+    host.window.Release();
+    host.window.Show(host.child);
+    MoveTo({kTrim.x + 13.0f, kTrim.y});
+    expect_let_go();
+    hold();
+    host.window.Destroy();
+    expect_let_go();
+    host.window.Release();
+}
+
 /// A view that draws what a test wants, and counts its frames.
 struct Painter : GLView {
     std::function<void()> paintBack = [] {};
