@@ -8,6 +8,7 @@
 #include <numbers>
 
 #include "tests/editor/panel_fixture.h"
+#include "tests/support/plot_message.h"
 
 namespace brindle {
 namespace {
@@ -135,6 +136,11 @@ TEST_F(Panel, ShowsTheSpectrumOfItsInput) {
     // Earlier rows are kept; rows that have not arrived yet are silent.
     EXPECT_GT(row(-1)[135], -20.0f);
     EXPECT_EQ(row(1)[135], -120.0f);
+
+    const auto message = test::PlotMessage(plugin.map(), 5, std::vector<float>(kPlotBins));
+    host.Deliver(kNotifyPort, plugin.map()(LV2_ATOM__eventTransfer), message.data(),
+                 static_cast<uint32_t>(4 * message.size()));
+    EXPECT_EQ(spectrum.newest, 5);
 }
 
 }  // namespace

@@ -23,11 +23,18 @@ using testing::Pair;
 constexpr double kLn750 = 6.6200733;
 
 TEST_F(Panel, PresetsAndFlatAllWriteTheirValuesInOrder) {
-    EXPECT_STREQ(Root().infoTitle, "");  // nothing is touched yet
+    EXPECT_STREQ(Root().infoTitle, "");     // nothing is touched yet
+    std::set<std::vector<uint32_t>> lines;  // the help line's pictures
     const auto expect_writes = [&](const Spot& place, const std::string& help,
                                    const PortValues& wanted) {
         SCOPED_TRACE(help);
         EXPECT_EQ(HelpAt(place), help);
+        const auto picture = Picture();
+        std::vector<uint32_t> line;
+        for (auto row = picture.begin() + 10000; row < picture.begin() + 24000; row += 1000) {
+            line.insert(line.end(), row + 594, row + 966);
+        }
+        EXPECT_TRUE(lines.insert(line).second) << "shown as another one";
         EXPECT_EQ(Click(place), wanted);
         Tick();
         EXPECT_STREQ(Root().infoTitle, "");  // until the pointer moves
