@@ -87,6 +87,12 @@ TEST_F(Tree, HitsReachBeyondTheParentButNoBorderAndNoHiddenView) {
     EXPECT_THAT(TakeLog(), ElementsAre("press a"));
     page->MouseDown({-1.0f, 3.5f}, {});  // only c, outside a
     EXPECT_THAT(TakeLog(), ElementsAre("press a", "press c"));
+    c->SetInfoTitle("Band 1");
+    c->SetInfoText("Frequency");
+    page->ShowInfoAt({-1.0f, 3.0f});
+    EXPECT_EQ(page->selectedView, c);
+    EXPECT_STREQ(page->infoTitle, "Band 1");
+    EXPECT_STREQ(page->infoText, "Frequency");
     EXPECT_FALSE(b->HitTest({3.0f, 0.0f}));
     EXPECT_TRUE(b->HitTest({2.999f, 0.0f}));
     b->SetScale(0.5f);  // half widths count in local units

@@ -89,7 +89,7 @@ Prototype Notch(double q) {
 struct Case {
     int type;
     Prototype prototype;
-    bool has_pinned_centre = false;
+    bool hasPinnedCentre = false;
 };
 
 std::vector<Case> BandCases(double gain, double q) {
@@ -144,7 +144,7 @@ void ExpectPrototypes(const std::vector<Case>& cases, int strip, const CurveSett
         memory.curve[kPoints] = kSentinel;
         AddStripCurve(grid, memory.curve, strip, static_cast<float>(c.type), set);
         for (size_t i = 0; i < kPoints; ++i) {
-            if (c.has_pinned_centre && i == centre) continue;
+            if (c.hasPinnedCentre && i == centre) continue;
             const Complex s(0.0,
                             static_cast<double>(grid.hz[i]) / static_cast<double>(set.freq_hz));
             const double expected = 20.0 * std::log10(std::abs(c.prototype(s)));
