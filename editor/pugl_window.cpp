@@ -202,7 +202,9 @@ PuglWindow::PuglWindow() : impl_(std::make_unique<Impl>()) {}
 std::unique_ptr<PuglWindow> PuglWindow::Create(uintptr_t parent, const char* title, int width,
                                                int height) {
     const HostContext hostContext;
-    if (!CanOpenWindow(parent)) return nullptr;
+    // Kept open until Pugl's connection is, so that the driver is loaded once.
+    const OwnedDisplay probe = ProbeWindow(parent);
+    if (probe == nullptr) return nullptr;
     std::unique_ptr<PuglWindow> window(new PuglWindow);
     PuglView* view = puglCreate(static_cast<PuglNativeWindow>(parent), title, width, height, true);
     if (view == nullptr) return nullptr;

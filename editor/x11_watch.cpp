@@ -65,10 +65,6 @@ bool IsWheel(unsigned button) {
     return button >= Button4 && button <= 7;
 }
 
-struct CloseDisplay {
-    void operator()(Display* display) const { XCloseDisplay(display); }
-};
-
 }  // namespace
 
 X11Watch::X11Watch(Display* newDisplay, Window newWindow, Window newParent)
@@ -208,16 +204,16 @@ void X11Watch::FollowParent() {
     parentResized_ = false;
 }
 
-bool CanOpenWindow(Window parent) {
-    const std::unique_ptr<Display, CloseDisplay> owner(XOpenDisplay(nullptr));
+OwnedDisplay ProbeWindow(Window parent) {
+    OwnedDisplay owner(XOpenDisplay(nullptr));
     Display* display = owner.get();
-    if (display == nullptr) return false;
+    if (display == nullptr) return nullptr;
     for (int error = Success + 1; error <= kLastError; ++error) {
         XESetWireToError(display, error, IgnoreError);
     }
     int firstError = 0;
     int firstEvent = 0;
-    if (glXQueryExtension(display, &firstError, &firstEvent) == False) return false;
+    if (glXQueryExtension(display, &firstError, &firstEvent) == False) return nullptr;
     // The visual that Pugl requests, and the one that it accepts instead.
     std::array<int, 12> wanted = {GLX_RGBA,
                                   GLX_DOUBLEBUFFER,
@@ -236,17 +232,21 @@ bool CanOpenWindow(Window parent) {
     const int screen = DefaultScreen(display);
     XVisualInfo* visual = glXChooseVisual(display, screen, wanted.data());
     if (visual == nullptr) visual = glXChooseVisual(display, screen, enough.data());
-    if (visual == nullptr) return false;
+    if (visual == nullptr) return nullptr;
     // If the driver cannot be loaded, GLX creates an indirect context, which many servers refuse.
     GLXContext context = glXCreateContext(display, visual, nullptr, True);
     XFree(visual);
-    if (context == nullptr) return false;
+    if (context == nullptr) return nullptr;
     const bool direct = glXIsDirect(display, context) != False;
     glXDestroyContext(display, context);
-    if (!direct || parent == 0) return direct;
+    if (!direct) return nullptr;
     XWindowAttributes attributes{};
-    return XGetWindowAttributes(display, parent, &attributes) != 0 &&
-           attributes.c_class == InputOutput && XScreenNumberOfScreen(attributes.screen) == screen;
+    if (parent != 0 &&
+        (XGetWindowAttributes(display, parent, &attributes) == 0 ||
+         attributes.c_class != InputOutput || XScreenNumberOfScreen(attributes.screen) != screen)) {
+        return nullptr;
+    }
+    return owner;
 }
 
 }  // namespace brindle

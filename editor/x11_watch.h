@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <vector>
 
 namespace brindle {
@@ -73,8 +74,13 @@ class X11Watch {
     InputEvent lastInput_;
 };
 
-/// Whether Pugl can create a window: there is a display with direct OpenGL, and the parent exists
-/// (0: none needed). Pugl itself crashes if this is false.
-bool CanOpenWindow(Window parent);
+struct CloseDisplay {
+    void operator()(Display* display) const { XCloseDisplay(display); }
+};
+using OwnedDisplay = std::unique_ptr<Display, CloseDisplay>;
+
+/// A connection over which Pugl can create a window: its display has direct OpenGL, and the parent
+/// exists (0: none needed). Null if it cannot; Pugl itself would crash.
+OwnedDisplay ProbeWindow(Window parent);
 
 }  // namespace brindle
