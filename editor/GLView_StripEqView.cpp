@@ -206,6 +206,8 @@ void GLView_StripEqView::Scroll(float delta) {
 
 void GLView_StripEqView::MouseDown(GLPoint point, GLPoint pixelPoint) {
     GLView_BaseView::MouseDown(point, pixelPoint);
+    // A drag goes on from the value that a double click has written.
+    if (IsResetPress()) AssumeUnreportedWrites(0);
     presetChosen_ = dynamic_cast<GLView_PresetButton*>(captureView) != nullptr;
 }
 

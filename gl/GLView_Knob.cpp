@@ -88,7 +88,6 @@ void GLView_Knob::ParameterChanged(uint32_t index) {
         return;  // the engine ignores it too and keeps the last valid value
     }
     normalised = Normalise(value);
-    resetPending_ = false;
     FormatValue(infoText, sizeof infoText, value, style, unit.c_str());
     Redraw(Layer::Main);
     if (GLView* page = Page()) {
@@ -114,18 +113,11 @@ void GLView_Knob::MouseDown(GLPoint point, GLPoint pagePoint) {
     dragStart = dragLast = pagePoint;
     SetCaptured(true);
     gesture.Begin();
-    if (IsResetPress() && sendOnReset) {
-        resetPending_ = true;  // first: the host may report the value before it returns
-        writer.Write(port, resetValue);
-    }
+    if (IsResetPress() && sendOnReset) writer.Write(port, resetValue);
     activePort = static_cast<int32_t>(port);
 }
 
 void GLView_Knob::MouseDragTo(GLPoint pagePoint) {
-    if (resetPending_) {
-        dragStart = dragLast = pagePoint;
-        return;
-    }
     const float step = IsFine() ? sensitivity * kFine : sensitivity;
     const float moved = horizontal ? pagePoint.x - dragStart.x : dragStart.y - pagePoint.y;
     const float wanted = normalised + step * moved;
@@ -140,7 +132,6 @@ void GLView_Knob::MouseDragTo(GLPoint pagePoint) {
 
 void GLView_Knob::LetGo() {
     gesture.End();
-    resetPending_ = false;
     activePort = -1;
 }
 

@@ -98,9 +98,6 @@ class GLView_Knob : public GLView_PortControl {
     bool IsRound() const;
     /// Distance of the label below the view's middle.
     float LabelBelow();
-
-    /// A reset was written but not reported yet, so a drag has no value to start from.
-    bool resetPending_ = false;
 };
 
 }  // namespace brindle

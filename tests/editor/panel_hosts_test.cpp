@@ -115,7 +115,6 @@ TEST_P(PanelInHost, GesturesEndWhereTheHandEnds) {
     host.window.Release();
     host.window.Press(1, 10);  // a double click
     Tick();
-    Settle();
     Move(knob(8), 0, 50);
     Release();
     wanted[section_port(0) + kGain] = 36.0f * 0.003f * 50.0f;
