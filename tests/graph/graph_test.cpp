@@ -133,6 +133,24 @@ TEST_F(Graph, HandlesStopAtTheEndsAndGoOnFromTheLastPlaceInRange) {
     }
 }
 
+TEST_F(Graph, SearchesAndModifiersMakeDragsFiner) {
+    struct Row {
+        uint32_t modifiers;
+        float below;  // design pixels, under the graph
+        float share;
+    };
+    for (const auto& [modifiers, below, share] :
+         {Row{0, 51.0f, 1.0f}, {0, 42.0f, 0.25f}, {1, 51.0f, 0.1f}, {2, 42.0f, 0.025f}}) {
+        page.modifiers = modifiers;
+        Set(3, {1.0f, 9.0f, 0.0f, 800.0f, 1.0f});
+        const GLPoint pixel = Press({handles[3]->Place().x, -graph->hh - below * page.pixelSize});
+        Drag({pixel.x + 100.0f, pixel.y});
+        EXPECT_NEAR(Value(3, kFrequency), 800.0f * std::pow(1000.0f, 0.108f * share), 0.1f)
+            << share;
+        Release();
+    }
+}
+
 TEST_F(Graph, ASearchKeepsTypesWithoutACentre) {
     for (const auto& [type, searched, restored] : {std::tuple(5.0f, 5.0f, 5.0f),
                                                    {8.95f, 10.0f, 9.0f},  // as the engine reads it
@@ -140,7 +158,9 @@ TEST_F(Graph, ASearchKeepsTypesWithoutACentre) {
                                                    {-3.0f, -3.0f, -3.0f}}) {
         Set(0, {1.0f, type, -1e6f, 100.0f, 1.0f});
         PressMarker(0);
-        EXPECT_EQ(Echo()[0], Wrote(3, searched));
+        const auto begun = Echo();
+        EXPECT_EQ(begun[0], Wrote(3, searched));
+        EXPECT_EQ(begun[1], Wrote(4, 10.0f));
         const auto writes = Release();
         EXPECT_EQ(writes[0], Wrote(3, restored));
         EXPECT_EQ(writes[1], Wrote(4, -18.0f));
