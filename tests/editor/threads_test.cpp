@@ -114,8 +114,11 @@ TEST(Threads, EnginesAndEditorsMeetInQueuesOnly) {
             wander();
             pointer.Release(button);
             for (Session& each : sessions) {
-                if (each.editor) each.editor->tick();
-                if (!each.editor) each.TakeRows();
+                if (each.editor) {
+                    each.editor->tick();
+                } else {
+                    each.TakeRows();
+                }
             }
         }
         // The window on top hides the other one from the pointer.
