@@ -70,7 +70,7 @@ TEST_F(Input, OutputFallsBackToSilence) {
              tone(1000.0, 0.2, 0.5, rate_hz, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT));
     }
     const Outcome outcome = with_jack(
-        "says() { " BRINDLE_PROGRAM
+        "says() { rm -f $1; " BRINDLE_PROGRAM
         " open --no-editor $1.wav >$1 & player=$!; "
         "wait_for grep -q Playing $1; kill -INT $player; wait $player; echo $? $(cat $1); }; "
         "says 48000; says 44100; kill $jack; wait $jack; says 48000");

@@ -118,7 +118,7 @@ TEST_F(Open, ARequestToStopEndsItLikeAClosedWindow) {
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(state("s.ttl")["b2_gain"], 4.0);
     // The state that was loaded may be written over.
-    shell(BRINDLE_PROGRAM " open --silent --load s.ttl --set b2_gain=5 --save s.ttl" +
+    shell("rm said; " BRINDLE_PROGRAM " open --silent --load s.ttl --set b2_gain=5 --save s.ttl" +
           kUntilItPlays + "kill -INT $!; wait $!");
     EXPECT_EQ(state("s.ttl")["b2_gain"], 5.0);
     EXPECT_THAT(files(), testing::ElementsAre("s.ttl", "said"));
