@@ -24,7 +24,7 @@ class Input : public ProgramTest {
     /// system has room for until another of its name starts.
     Outcome with_jack(const std::string& commands) {
         return shell(
-            "exec 9>${TMPDIR:-/tmp}/brindle-jack.lock; flock 9; "
+            "exec 9>${TMPDIR:-/tmp}/brindle-jack-$(id -u).lock; flock 9; "
             "export JACK_DEFAULT_SERVER=brindle-test JACK_NO_AUDIO_RESERVATION=1 "
             "JACK_NO_START_SERVER=1; "
             "unset DISPLAY; jackd -r -S -t 10000 -d dummy -r 48000 -p 1024 >/dev/null 2>&1 9>&- & "
@@ -39,16 +39,17 @@ class Input : public ProgramTest {
 TEST_F(Input, SoundsLikeAFileThatIsRendered) {
     save("tone.wav", tone(1000.0, 0.2, 4.0, 48000, 2, SF_FORMAT_WAV | SF_FORMAT_FLOAT));
     const std::string settings = " --set b5_gain=6 --set trim=-3 ";
-    const Outcome outcome = with_jack(
-        BRINDLE_PROGRAM
-        " open tone.wav --no-editor >player & player=$!; "
-        "wait_for grep -q Playing player; " BRINDLE_PROGRAM " open --input --save s.ttl" +
-        settings +
-        ">live & live=$!; wait_for grep -q Playing live; "
-        "jack_connect 'Brindle Console EQ:outport 0' 'Brindle Console EQ-01:inport 0'; sleep 1; "
-        "jack_rec -f heard.wav -b 32 -d 2 'Brindle Console EQ-01:outport 0' "
-        "'Brindle Console EQ-01:outport 1' >jack_rec.log; "
-        "kill -INT $live $player; wait $live && cat live");
+    const Outcome outcome =
+        with_jack(BRINDLE_PROGRAM
+                  " open tone.wav --no-editor >player & player=$!; "
+                  "wait_for grep -q Playing player; " BRINDLE_PROGRAM " open --input --save s.ttl" +
+                  settings +
+                  ">live & live=$!; wait_for grep -q Playing live; "
+                  "jack_connect 'Brindle Console EQ:outport 0' 'Brindle Console EQ-01:inport 0' "
+                  "2>/dev/null; sleep 1; "
+                  "jack_rec -f heard.wav -b 32 -d 2 'Brindle Console EQ-01:outport 0' "
+                  "'Brindle Console EQ-01:outport 1' >jack_rec.log 2>&1; "
+                  "kill -INT $live $player; wait $live && cat live");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
     EXPECT_THAT(outcome.out,
@@ -105,7 +106,7 @@ TEST_F(Input, ALostOrWrongDeviceIsASentenceAndAnExit) {
 TEST_F(ProgramTest, PipewirePlaysThroughThePrintedConfiguration) {
     save("tone.wav", tone(1000.0, 0.2, 12.0, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_16));
     const Outcome outcome = shell(
-        "exec 9>${TMPDIR:-/tmp}/brindle-jack.lock; flock 9; "
+        "exec 9>${TMPDIR:-/tmp}/brindle-jack-$(id -u).lock; flock 9; "
         "export XDG_RUNTIME_DIR=$PWD HOME=$PWD LV2_PATH=$PWD/lv2; unset DISPLAY; umask 077; "
         "folder=.config/pipewire/pipewire.conf.d; mkdir -p $folder lv2; "
         "ln -s " BRINDLE_FOLDER "/brindle.lv2 lv2; " BRINDLE_PROGRAM
