@@ -19,7 +19,7 @@ class GLResources {
     struct Glyph {
         float advance = 0.0f;  ///< text units
         float halfAdvance = 0.0f;
-        GLuint texture = 0;  ///< glyphs share one, so that a text is drawn at once
+        GLuint texture = 0;  ///< shared by most glyphs, so that a text is one draw call
         GLRect picture = {0.0f, 0.0f, 1.0f, 1.0f};  ///< the glyph's place in it
     };
     static constexpr uint32_t kImageCount = 512;

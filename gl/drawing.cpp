@@ -22,8 +22,8 @@ constexpr Corner kLowerRight = {1.0f, -1.0f, {0.5f, 0.0f, 1.0f, 0.5f}};
 constexpr Corner kLowerLeft = {-1.0f, -1.0f, {0.0f, 0.0f, 0.5f, 0.5f}};
 constexpr Corner kCorners[] = {kUpperLeft, kUpperRight, kLowerRight, kLowerLeft};
 
-/// Where the disc is opaque, for the straight parts of a shape that are too small for another draw
-/// call without a texture.
+/// The opaque middle of the disc. Small straight parts are drawn with it, in the corners' draw
+/// call.
 constexpr GLRect kMiddleOfTexture = {0.5f, 0.5f, 0.5f, 0.5f};
 
 GLColor Faded(const GLColor& color, float alpha) {

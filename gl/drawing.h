@@ -59,8 +59,8 @@ void DrawDisc(const GLResources* resources, float hw, float hh);
 /// A pill shape: its ends are half circles of radius `hh`.
 void DrawBar(const GLResources* resources, float hw, float hh);
 
-/// The inside of a shape can be left out, where another one will hide it: `rim` is what is drawn of
-/// its straight edges at least. Its corners are always whole.
+/// Where another shape will hide the inside, only the corners and a strip of width `rim` along each
+/// straight edge are drawn.
 constexpr float kNoRim = 1e9f;
 void DrawRoundRect(const GLResources* resources, float hw, float hh, float r, float rim = kNoRim);
 

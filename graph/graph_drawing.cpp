@@ -269,7 +269,7 @@ void DrawResponse(std::span<const float> heights, const GraphLook& look) {
     const VerticalClip clip(look.hh - look.m);
     const float dx = 2.0f * look.hw / static_cast<float>(heights.size());
     const float x0 = dx / 2.0f - look.hw;
-    kSage.Apply();  // the fill is opaque
+    kSage.Apply();  // opaque, so that the fill is drawn without blending
     // Brightest at 0.7 of the height, darker towards the zero line and the curve.
     DrawFillStrip(heights, x0, dx, 0.0f, 0.3f, 0.7f, 1.5f);
     DrawFillStrip(heights, x0, dx, 0.7f, 1.5f, 1.0f, 0.3f);
