@@ -29,8 +29,7 @@ class Input : public ProgramTest {
             "JACK_NO_START_SERVER=1; "
             "unset DISPLAY; jackd -r -S -t 10000 -d dummy -r 48000 -p 1024 >/dev/null 2>&1 9>&- & "
             "jack=$!; trap 'kill $jack 2>/dev/null; wait $jack' EXIT; "
-            "wait_for() { for i in $(seq 200); do \"$@\" >/dev/null 2>&1 && return; sleep 0.05; "
-            "done; }; wait_for jack_lsp; brindle() { timeout 60 " BRINDLE_PROGRAM " \"$@\"; }; " +
+            "wait_for jack_lsp; " +
             commands);
     }
 };
@@ -39,17 +38,16 @@ class Input : public ProgramTest {
 TEST_F(Input, SoundsLikeAFileThatIsRendered) {
     save("tone.wav", tone(1000.0, 0.2, 4.0, 48000, 2, SF_FORMAT_WAV | SF_FORMAT_FLOAT));
     const std::string settings = " --set b5_gain=6 --set trim=-3 ";
-    const Outcome outcome =
-        with_jack(BRINDLE_PROGRAM
-                  " open tone.wav --no-editor >player & player=$!; "
-                  "wait_for grep -q Playing player; " BRINDLE_PROGRAM " open --input --save s.ttl" +
-                  settings +
-                  ">live & live=$!; wait_for grep -q Playing live; "
-                  "jack_connect 'Brindle Console EQ:outport 0' 'Brindle Console EQ-01:inport 0' "
-                  "2>/dev/null; sleep 1; "
-                  "jack_rec -f heard.wav -b 32 -d 2 'Brindle Console EQ-01:outport 0' "
-                  "'Brindle Console EQ-01:outport 1' >jack_rec.log 2>&1; "
-                  "kill -INT $live $player; wait $live && cat live");
+    const Outcome outcome = with_jack(
+        "brindle open tone.wav --no-editor >player & player=$!; "
+        "wait_for grep -q Playing player; brindle open --input --save s.ttl" +
+        settings +
+        ">live & live=$!; wait_for grep -q Playing live; "
+        "jack_connect 'Brindle Console EQ:outport 0' 'Brindle Console EQ-01:inport 0' "
+        "2>/dev/null; "
+        "jack_rec -f heard.wav -b 32 -d 2 'Brindle Console EQ-01:outport 0' "
+        "'Brindle Console EQ-01:outport 1' >jack_rec.log 2>&1; "
+        "kill -INT $live $player; wait $live && cat live");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
     EXPECT_THAT(outcome.out,
@@ -58,10 +56,10 @@ TEST_F(Input, SoundsLikeAFileThatIsRendered) {
                       HasSubstr("ms). Interrupt it (Ctrl-C) to end.\nXruns: "),
                       EndsWith("Wrote s.ttl.\n")));
     ASSERT_EQ(brindle("render tone.wav rendered.wav --load s.ttl").status, 0);
-    const double heard = level_at(load("heard.wav"), 1000.0, 0);
-    EXPECT_NEAR(heard / level_at(load("rendered.wav"), 1000.0, 0), 1.0, 1e-3);
+    const double heard = load("heard.wav").level_at(1000.0);
+    EXPECT_NEAR(heard / load("rendered.wav").level_at(1000.0), 1.0, 1e-3);
     EXPECT_NEAR(heard, 0.2 * std::pow(10.0, 3.0 / 20.0), 1e-3);
-    EXPECT_LT(level_at(load("heard.wav"), 1000.0, 1), 1e-5);
+    EXPECT_LT(load("heard.wav").level_at(1000.0, 1), 1e-5);
 }
 
 // Without a server, the sound plays into the void at its own rate.
@@ -71,8 +69,7 @@ TEST_F(Input, OutputFallsBackToSilence) {
              tone(1000.0, 0.2, 0.5, rate_hz, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT));
     }
     const Outcome outcome = with_jack(
-        "says() { rm -f $1; " BRINDLE_PROGRAM
-        " open --no-editor $1.wav >$1 & player=$!; "
+        "says() { rm -f $1; brindle open --no-editor $1.wav >$1 & player=$!; "
         "wait_for grep -q Playing $1; kill -INT $player; wait $player; echo $? $(cat $1); }; "
         "says 48000; says 44100; kill $jack; wait $jack; says 48000");
     EXPECT_EQ(outcome.out,
@@ -86,10 +83,11 @@ TEST_F(Input, OutputFallsBackToSilence) {
 
 TEST_F(Input, ALostOrWrongDeviceIsASentenceAndAnExit) {
     const Outcome outcome = with_jack(
-        "brindle open --list-devices; brindle open --input --rate 44100; echo status $?; "
-        "brindle open --input --device other; echo status $?; " BRINDLE_PROGRAM
-        " open --input --save s.ttl >live & live=$!; "
-        "wait_for grep -q Playing live; kill -KILL $jack; wait $live; echo status $?");
+        "brindle open --list-devices; timeout 60 brindle open --input --rate 44100; echo status "
+        "$?; "
+        "timeout 60 brindle open --input --device other; echo status $?; "
+        "timeout 60 brindle open --input --save s.ttl >live & live=$!; wait_for grep -q Playing "
+        "live; kill -KILL $jack; wait $live; echo status $?");
     EXPECT_EQ(outcome.out,
               "Jack      2 in    2 out   48000 Hz  system (default)\n"
               "status 1\nstatus 1\nstatus 1\n");
@@ -109,8 +107,8 @@ TEST_F(ProgramTest, PipewirePlaysThroughThePrintedConfiguration) {
         "exec 9>${TMPDIR:-/tmp}/brindle-jack-$(id -u).lock; flock 9; "
         "export XDG_RUNTIME_DIR=$PWD HOME=$PWD LV2_PATH=$PWD/lv2; unset DISPLAY; umask 077; "
         "folder=.config/pipewire/pipewire.conf.d; mkdir -p $folder lv2; "
-        "ln -s " BRINDLE_FOLDER "/brindle.lv2 lv2; " BRINDLE_PROGRAM
-        " pipewire --set trim=-4 --set b5_gain=10 >$folder/brindle.conf; "
+        "ln -s \"$BRINDLE_FOLDER/brindle.lv2\" lv2; brindle pipewire --set trim=-4 --set "
+        "b5_gain=10 >$folder/brindle.conf; "
         "cat >$folder/sink.conf <<'END'\n"
         "context.objects = [ { factory = adapter args = { factory.name = support.null-audio-sink "
         "node.name = nowhere media.class = Audio/Sink object.linger = true audio.position = [ FL "
@@ -119,7 +117,7 @@ TEST_F(ProgramTest, PipewirePlaysThroughThePrintedConfiguration) {
         "mkdir .config/wireplumber; grep -v bluetooth /usr/share/wireplumber/wireplumber.conf "
         ">.config/wireplumber/wireplumber.conf; "
         "cat >desktop <<'END'\n"
-        "wait_for() { for i in $(seq 200); do eval \"$1\" && return; sleep 0.05; done; }\n"
+        "wait_for() { for i in $(seq 600); do eval \"$1\" && return; sleep 0.05; done; }\n"
         "pipewire & pipewire=$!\n"
         "wait_for 'pw-cli info 0'\n"
         "wireplumber & manager=$!\n"

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: ISC
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include "tests/host/program.h"
 
@@ -44,7 +42,6 @@ TEST_F(RenderCommand, KeepsFormatAndLengthUnlessTheEndingTellsAnother) {
          768000},
         {"e.wav", "o.FLAC", kShortWav, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 44100, 2},
         {"f.wav", "o.ogg", kShortWav, SF_FORMAT_OGG | SF_FORMAT_VORBIS, 44100, 2},
-        {"g.wav", "o.opus", kShortWav, SF_FORMAT_OGG | SF_FORMAT_OPUS},
         {"h.wav", "o.mp3", kShortWav, SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III},
         {"i.flac", "o.wav", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, SF_FORMAT_WAV | SF_FORMAT_PCM_24},
         {"j.mp3", "o.wav", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, kFloatWav},
@@ -53,7 +50,6 @@ TEST_F(RenderCommand, KeepsFormatAndLengthUnlessTheEndingTellsAnother) {
         {"m.wav", "o.flac", SF_FORMAT_WAV | SF_FORMAT_ULAW, SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
         {"n.wav", "o.flac", SF_FORMAT_WAV | SF_FORMAT_PCM_U8, SF_FORMAT_FLAC | SF_FORMAT_PCM_S8},
         {"p.au", "o.caf", SF_FORMAT_AU | SF_FORMAT_DOUBLE, SF_FORMAT_CAF | SF_FORMAT_DOUBLE},
-        {"q.wav", "o.w64", kShortWav, SF_FORMAT_W64 | SF_FORMAT_PCM_16},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.in + std::string(" to ") + each.out);
@@ -67,14 +63,14 @@ TEST_F(RenderCommand, KeepsFormatAndLengthUnlessTheEndingTellsAnother) {
         EXPECT_EQ(after.info.samplerate, each.rate_hz);
         EXPECT_EQ(after.info.channels, each.channels);
         EXPECT_EQ(after.info.frames, before.info.frames);
-        EXPECT_NEAR(db(level_at(after, 1000.0, 0) / level_at(before, 1000.0, 0)), -6.0, 0.1);
+        EXPECT_NEAR(db(after.level_at(1000.0) / before.level_at(1000.0)), -6.0, 0.1);
     }
 }
 
 // Dither and rounding stay below half a 16-bit step, so default settings give the file itself.
 TEST_F(RenderCommand, StreamsBeginAndEndWhereOneLikes) {
     save("in.wav", noise(0.999, 30011, 44100, 2, kShortWav));
-    const Outcome piped = shell("cat in.wav | " BRINDLE_PROGRAM " render - - >piped.wav");
+    const Outcome piped = shell("cat in.wav | brindle render - - >piped.wav");
     EXPECT_EQ(piped.err, "");
     EXPECT_EQ(load("piped.wav").samples, load("in.wav").samples);
     EXPECT_EQ(brindle("render in.wav /dev/null").status, 0);
@@ -99,11 +95,10 @@ TEST_F(RenderCommand, ACutFileIsRenderedWithAWarning) {
 
 TEST_F(RenderCommand, TheBlockLengthDoesNotMatter) {
     save("in.wav", noise(0.5, 10007, 48000, 2, kFloatWav));
-    for (const char* block : {"1", "64", "1000", "65536"}) {
-        const std::string arguments =
-            std::string("render in.wav ") + block + ".wav --preset Snare --block " + block;
-        ASSERT_EQ(brindle(arguments).status, 0);
-        EXPECT_EQ(load(std::string(block) + ".wav").samples, load("1.wav").samples) << block;
+    for (const std::string block : {"1", "64", "1000", "65536"}) {
+        ASSERT_EQ(brindle("render --preset Snare in.wav " + block + ".wav --block " + block).status,
+                  0);
+        EXPECT_EQ(load(block + ".wav").samples, load("1.wav").samples) << block;
     }
 }
 
@@ -141,45 +136,28 @@ TEST_F(RenderCommand, SamplesBeyondFullScaleAreClippedAndReported) {
     EXPECT_EQ(brindle("render full.wav full.flac").err, "");
     save("float.wav", tone(1000.0, 0.5, 1.0, 48000, 1, kFloatWav));
     EXPECT_THAT(brindle("render float.wav loud.wav --set trim=12").err, Not(HasSubstr("clipped")));
-    EXPECT_NEAR(db(level_at(load("loud.wav"), 1000.0, 0) / 0.5), 12.0, 0.01);
+    EXPECT_NEAR(db(load("loud.wav").level_at(1000.0) / 0.5), 12.0, 0.01);
 }
 
 TEST_F(RenderCommand, OnlyATerminalSeesProgress) {
     save("in.wav", noise(0.5, 48000, 48000, 1, kShortWav));
     const Outcome piped = brindle("render in.wav piped.wav");
     EXPECT_EQ(piped.err, "");
-    const Outcome terminal =
-        shell(std::string("script -qec '") + BRINDLE_PROGRAM + " render in.wav out.wav' /dev/null");
+    const Outcome terminal = shell("script -qec 'brindle render in.wav out.wav' /dev/null");
     EXPECT_THAT(terminal.out, AllOf(HasSubstr("Rendering ["), HasSubstr("100 %, 0 s left")));
-}
-
-TEST_F(RenderCommand, AFullDiskLeavesNothingBehind) {
-    save("in.wav", noise(0.5, 200000, 48000, 2, kShortWav));
-    for (const char* name : {"out.wav", "out.flac", "out.ogg"}) {
-        SCOPED_TRACE(name);
-        const Outcome outcome =
-            brindle(std::string("render in.wav ") + name, "ulimit -f 20");  // blocks of 512 bytes
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.err,
-                  std::string("brindle: cannot write ") + name + ": File too large.\n");
-        EXPECT_THAT(files(), ElementsAre("in.wav"));
-    }
 }
 
 TEST_F(RenderCommand, ManyFilesAreRenderedSideBySideAndBadOnesSpoilNothing) {
     shell("mkdir in; echo text >in/text.wav; touch in/nothing.flac");
     save("in/six.wav", noise(0.5, 1000, 48000, 6, kShortWav));
     std::string inputs = "in/none.wav in/text.wav in/nothing.flac in/six.wav";
-    const std::vector<std::string> names = {"a.wav", "b.flac", "c.ogg"};
-    const std::vector<int> formats = {
-        kShortWav,
-        SF_FORMAT_FLAC | SF_FORMAT_PCM_24,
-        SF_FORMAT_OGG | SF_FORMAT_VORBIS,
-    };
-    for (size_t i = 0; i < names.size(); ++i) {
-        const int rate_hz = i % 2 == 0 ? 44100 : 48000;
-        save("in/" + names[i], noise(0.2, 20000 + 100 * i, rate_hz, 1 + i % 2, formats[i]));
-        inputs += " in/" + names[i];
+    const std::map<std::string, Sound> sounds = {
+        {"a.wav", noise(0.2, 20000, 44100, 1, kShortWav)},
+        {"b.flac", noise(0.2, 20100, 48000, 2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24)},
+        {"c.ogg", noise(0.2, 20200, 44100, 1, SF_FORMAT_OGG | SF_FORMAT_VORBIS)}};
+    for (const auto& [name, sound] : sounds) {
+        save("in/" + name, sound);
+        inputs += " in/" + name;
     }
     const Outcome outcome = brindle("render --into out --preset Kick " + inputs);
     EXPECT_EQ(outcome.status, 1);
@@ -189,11 +167,11 @@ TEST_F(RenderCommand, ManyFilesAreRenderedSideBySideAndBadOnesSpoilNothing) {
                                    HasSubstr("brindle: cannot read in/nothing.flac: it is no"),
                                    HasSubstr("brindle: cannot process in/six.wav: it has 6"),
                                    HasSubstr("brindle: 4 of 7 files could not be rendered.\n")));
-    for (const std::string& name : names) {
+    for (const auto& [name, sound] : sounds) {
         SCOPED_TRACE(name);
         brindle("render --preset Kick in/" + name + ' ' + name);
-        EXPECT_EQ(load("out/" + name).info.format, load("in/" + name).info.format);
-        EXPECT_EQ(load("out/" + name).info.samplerate, load("in/" + name).info.samplerate);
+        EXPECT_EQ(load("out/" + name).info.format, sound.info.format);
+        EXPECT_EQ(load("out/" + name).info.samplerate, sound.info.samplerate);
         EXPECT_EQ(load("out/" + name).samples, load(name).samples);
     }
     EXPECT_EQ(shell("ls -A out").out, "a.wav\nb.flac\nc.ogg\n");
@@ -218,23 +196,6 @@ TEST_F(RenderCommand, KeepsTags) {
     EXPECT_STREQ(broadcast.originator, "stage box");
     EXPECT_EQ(broadcast.time_reference_low, 4711u);
     sf_close(file);
-}
-
-// A request to stop that is pending across exec comes before the first block for certain.
-TEST_F(RenderCommand, AnInterruptionLeavesNothingBehind) {
-    save("in.wav", noise(0.5, 200000, 48000, 2, kShortWav));
-    for (const std::string arguments :
-         {"\"in.wav\", \"out.wav\"", "\"in.wav\", \"--into\", \"out\""}) {
-        const std::string script =
-            "import os, signal; signal.pthread_sigmask(signal.SIG_BLOCK, [signal.SIGTERM]); "
-            "os.kill(os.getpid(), signal.SIGTERM); "
-            "os.execv(os.environ[\"BRINDLE\"], [\"brindle\", \"render\", " +
-            arguments + "])";
-        const Outcome outcome = shell("python3 -c '" + script + "'");
-        EXPECT_EQ(outcome.status, 128 + SIGTERM);
-        EXPECT_EQ(outcome.err, "brindle: interrupted.\n");
-        EXPECT_THAT(files(), ElementsAre("in.wav"));
-    }
 }
 
 }  // namespace
