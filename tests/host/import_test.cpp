@@ -22,41 +22,20 @@ struct Listed {
     double freq_hz, gain_db, q;
 };
 
-/// The level of digital filters by the cookbook's formulas, at so high a rate that they are their
-/// analogue models.
+/// The level of the cookbook's analogue filters.
 double level_db(const std::vector<Listed>& list, double freq_hz) {
-    constexpr double kRateHz = 6144000.0;
     double level = 0.0;
-    for (const Listed& filter : list) {
-        const double a = std::pow(10.0, filter.gain_db / 40.0);
-        const double w = 2.0 * std::numbers::pi * filter.freq_hz / kRateHz;
-        const double alpha = std::sin(w) / (2.0 * filter.q);
-        const double c = std::cos(w);
-        const double side = 2.0 * std::sqrt(a) * alpha;
-        double b0 = 1.0 + alpha * a, b1 = -2.0 * c, b2 = 1.0 - alpha * a;
-        double a0 = 1.0 + alpha / a, a1 = -2.0 * c, a2 = 1.0 - alpha / a;
-        if (filter.shape == 'L' || filter.shape == 'H') {
-            const double turn = filter.shape == 'L' ? c : -c;
-            const double sign = filter.shape == 'L' ? 1.0 : -1.0;
-            b0 = a * (a + 1.0 - (a - 1.0) * turn + side);
-            b1 = sign * 2.0 * a * (a - 1.0 - (a + 1.0) * turn);
-            b2 = a * (a + 1.0 - (a - 1.0) * turn - side);
-            a0 = a + 1.0 + (a - 1.0) * turn + side;
-            a1 = sign * -2.0 * (a - 1.0 + (a + 1.0) * turn);
-            a2 = a + 1.0 + (a - 1.0) * turn - side;
-        } else if (filter.shape == 'R') {
-            b0 = b2 = (1.0 + c) / 2.0;
-            b1 = -(1.0 + c);
-            a0 = 1.0 + alpha;
-            a2 = 1.0 - alpha;
-        } else if (filter.shape == 'N') {
-            b0 = b2 = 1.0;
-            a0 = 1.0 + alpha;
-            a2 = 1.0 - alpha;
-        }
-        const auto z = std::polar(1.0, -2.0 * std::numbers::pi * freq_hz / kRateHz);
-        level +=
-            20.0 * std::log10(std::abs((b0 + b1 * z + b2 * z * z) / (a0 + a1 * z + a2 * z * z)));
+    for (const auto& [shape, centre_hz, gain_db, q] : list) {
+        const std::complex<double> s(0.0, freq_hz / centre_hz);
+        const double a = std::pow(10.0, gain_db / 40.0);
+        const double side = std::sqrt(a) / q;
+        const auto response =
+            shape == 'P'   ? (s * s + s * a / q + 1.0) / (s * s + s / (a * q) + 1.0)
+            : shape == 'L' ? a * (s * s + s * side + a) / (a * s * s + s * side + 1.0)
+            : shape == 'H' ? a * (a * s * s + s * side + 1.0) / (s * s + s * side + a)
+            : shape == 'R' ? s * s / (s * s + s / q + 1.0)
+                           : (s * s + 1.0) / (s * s + s / q + 1.0);
+        level += 20.0 * std::log10(std::abs(response));
     }
     return level;
 }
