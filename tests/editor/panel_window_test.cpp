@@ -263,7 +263,7 @@ TEST_F(Panel, SwapsDoNotWaitForTheScreen) {
     offeredExtension = nullptr;
 }
 
-TEST_F(Panel, ShowsThinLinesInSmallWindowsWhereverTheyFall) {
+TEST_F(Panel, ScalesThinLinesAndTheEdgesOfWhatChanges) {
     std::vector<float> places;  // of lines two pixels wide in a layer, below the strips
     for (int pixel = -900; pixel < 750; pixel += 55) {
         places.push_back(static_cast<float>(pixel) / 600.0f);
@@ -291,6 +291,25 @@ TEST_F(Panel, ShowsThinLinesInSmallWindowsWhereverTheyFall) {
     }
     const auto [faintest, strongest] = std::ranges::minmax(lights);
     EXPECT_GT(3 * faintest, 2 * strongest) << faintest << " of " << strongest;
+    // Nothing stale is left beside a view that grows by a pixel on each side.
+    painter.SetPosition(-0.8f, 0.5f);
+    painter.paintBack = [&] {  // all of the area that it is redrawn in
+        painter.Enter();
+        painter.color.Apply();
+        DrawRect(painter.hw + 0.005f, painter.hh + 0.005f);
+    };
+    for (const float width : {775.0f, 1300.0f, 2200.0f}) {
+        host.window.Resize(static_cast<int>(width), static_cast<int>(0.6f * width));
+        ASSERT_TRUE(WaitFor([&] { return Root().GetPageWidth() == width; }, [&] { Tick(); }));
+        for (float height = 0.1f; height < 0.125f; height += 1.0f / 300.0f) {
+            painter.SetSize(0.1f + height, height);
+            host.IdleTimes(2);
+            const auto parts = host.window.GetPixels(host.child, 700, 420);
+            Root().redrawNeeded = true;
+            host.IdleTimes(2);
+            EXPECT_TRUE(parts == host.window.GetPixels(host.child, 700, 420)) << width;
+        }
+    }
 }
 
 TEST_F(Panel, IgnoresInputBeforeItsFirstFrame) {
