@@ -83,6 +83,8 @@ TEST_F(Graph, OnlyHandlesAndTheirMarkersTakeThePointer) {
     for (const float y : {33.5f, 54.5f}) EXPECT_FALSE(hit(other, -graph->hh - y * m)) << y;
     page.Report(Port(6, kEnable), 0.0f);
     EXPECT_FALSE(hit(other, -graph->hh - 44.0f * m));
+    page.Report(Port(3, kGain), 9.0f);
+    EXPECT_TRUE(hit(place.x, 0.5f * graph->hh)) << "before it is drawn there";
     // Beyond its margin the graph hit-tests no handle.
     Set(7, {1.0f, 9.0f, 0.0f, 20000.0f, 1.0f});
     handles[7]->SetWidth(1.0f);
