@@ -106,19 +106,21 @@ void CopyToSheet(const Bitmap& picture, int left, int bottom, Bitmap& sheet) {
     }
 }
 
-/// Makes the sheet's texture with two smaller mipmap levels, for text that is drawn directly into a
-/// window of the design size: a linear filter alone would skip strokes there. One level at a time
-/// is sharper than two mixed; the bias keeps the full picture in use down to half its size. The
-/// levels are not made by GL: it would compile a program, which takes longer than the rest.
-GLuint MakeSheetTexture(Bitmap sheet) {
-    constexpr int kLevels = 3;
+/// Makes a texture of letters with up to two smaller mipmap levels, for text that is drawn directly
+/// into a window of the design size: a linear filter alone would skip strokes there. One level at a
+/// time is sharper than two mixed; the bias keeps the full picture in use down to half its size.
+/// The levels are not made by GL: it would compile a program, which takes longer than the rest.
+GLuint MakeLetterTexture(Bitmap picture, const char* path) {
+    constexpr int kMostLevels = 3;
+    glGetError();
     const GLuint texture = MakeLinearTexture();
-    for (int level = 0; level < kLevels; ++level) {
-        UploadLevel(level, sheet, "res/chars");
-        sheet = Halved(sheet);
+    int levels = 0;
+    for (; levels < kMostLevels && !picture.pixels.empty(); ++levels) {
+        UploadLevel(levels, picture, path);
+        picture = Halved(picture);
     }
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, kLevels - 1);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, levels - 1);
     glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_LOD_BIAS, -0.5f);
     return texture;
 }
@@ -167,7 +169,7 @@ void GLResources::LoadGlyphs() {
         const std::string path = GlyphPath(kFirstGlyph + index);
         if (!LoadBitmap(path.c_str(), picture)) continue;
         if (picture.width != kGlyphSide || picture.height != kGlyphSide) {
-            glyph.texture = Keep(LoadTexture(path.c_str()));
+            glyph.texture = Keep(MakeLetterTexture(std::move(picture), path.c_str()));
             continue;
         }
         const int left = index % kSheetColumns * kCell;
@@ -179,7 +181,7 @@ void GLResources::LoadGlyphs() {
         onSheet.push_back(&glyph);
     }
     if (onSheet.empty()) return;
-    const GLuint texture = Keep(MakeSheetTexture(std::move(sheet)));
+    const GLuint texture = Keep(MakeLetterTexture(std::move(sheet), "res/chars"));
     for (Glyph* glyph : onSheet) glyph->texture = texture;
 }
 
