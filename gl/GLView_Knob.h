@@ -35,8 +35,7 @@ class GLView_Knob : public GLView_PortControl {
     void SetMapping(float (*toValue)(float), float (*toNormalised)(float));
     /// Limits drags to these port values. The wheel ignores the limits.
     void SetLimits(float lowest, float highest);
-    /// Sets the value that a reset press writes; until then a reset press writes nothing. A drag
-    /// that follows a reset starts when the host has reported a value.
+    /// Sets the value that a reset press writes; until then a reset press writes nothing.
     void SetResetValue(float value);
     /// The text after the number.
     void SetUnit(const char* text);

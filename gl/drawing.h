@@ -59,9 +59,9 @@ void DrawDisc(const GLResources* resources, float hw, float hh);
 /// A pill shape: its ends are half circles of radius `hh`.
 void DrawBar(const GLResources* resources, float hw, float hh);
 
-/// Where another shape will hide the inside, only the corners and a strip of width `rim` along each
-/// straight edge are drawn.
 constexpr float kNoRim = 1e9f;
+/// A rounded rectangle. Where another shape will hide its inside, only the corners and a strip of
+/// width `rim` along each straight edge are drawn (left and right at most as wide as the corners).
 void DrawRoundRect(const GLResources* resources, float hw, float hh, float r, float rim = kNoRim);
 
 /// A rounded rectangle that can be open on one side: styles 1 to 4 leave out the slices with the
