@@ -71,11 +71,7 @@ Curve Drawn(const Row& row, const Setting& set, const FrequencyGrid& grid) {
 
 std::vector<double> Measured(const Row& row, const Setting& set) {
     test::PluginHost host(1, kRateHz);
-    if (row.isBand) {
-        host.set_band(0, row.type, set.gain_db, set.freq_hz, set.q);
-    } else {
-        host.set_section(0, row.type, set.gain_db, set.freq_hz, set.q);
-    }
+    host.set_strip(row.isBand ? 0 : kBandCount, row.type, set.gain_db, set.freq_hz, set.q);
     return host.impulse_response(kImpulseLength);
 }
 

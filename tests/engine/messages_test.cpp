@@ -2,19 +2,19 @@
 // Messages between editor and engine as a host forwards them: requests on the loaded plugin's
 // control port, analyser rows on its notify port.
 #include <gtest/gtest.h>
-#include <lv2/atom/util.h>
+#include <lv2/atom/atom.h>
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
-#include <optional>
-#include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "contract/brindle.h"
 #include "tests/engine/reference_analyser.h"
 #include "tests/support/atom_sequence.h"
+#include "tests/support/hard_treatment.h"
+#include "tests/support/plot_message.h"
 #include "tests/support/plugin_host.h"
 
 namespace brindle::test {
@@ -23,13 +23,7 @@ namespace {
 using Words = AtomSequence::Words;
 constexpr uint32_t kJunk = 0xdeadbeef;
 
-struct RowMessage {
-    int32_t sample_rate;
-    int32_t id;
-    std::vector<float> row;
-};
-
-/// A host with an editor. It processes noise in place and decodes the plugin's messages.
+/// A host with an editor. It processes noise in place and reads the plugin's messages.
 class EditorHost : public PluginHost {
   public:
     using PluginHost::PluginHost;
@@ -60,37 +54,23 @@ class EditorHost : public PluginHost {
         return first;
     }
     void play(uint32_t n) { play(n, sequence()); }
-    /// Whether rows come after `requests`, with rows coming before or not.
-    bool rows_after(const AtomSequence& requests, bool before, size_t shift = 0) {
-        play(1, request(before ? kEnableUiUri : kDisableUiUri));
-        play(512, requests, shift);
-        return message().has_value();
-    }
 
     Words notify_words(size_t count) const {
         Words words(count);
         std::memcpy(words.data(), notify.data(), 4 * count);
         return words;
     }
-    bool notified() const { return notify_words(4)[2] != kJunk; }
+    /// What the notify port holds before junk where no row was sent.
+    Words empty_sequence() { return {8, urid(LV2_ATOM__Sequence), 0, 0, kJunk}; }
+    bool notified() const { return notify_words(3)[2] != kJunk; }
+    /// The number of the row that was sent.
+    uint32_t row_id() const { return notify_words(21)[20]; }
 
-    std::optional<RowMessage> message() {
-        const auto& sequence = *reinterpret_cast<const LV2_Atom_Sequence*>(notify.data());
-        if (!notified() || sequence.atom.size == sizeof(LV2_Atom_Sequence_Body)) {
-            return std::nullopt;
-        }
-        const LV2_Atom_Event* event = lv2_atom_sequence_begin(&sequence.body);
-        const auto* object = reinterpret_cast<const LV2_Atom_Object*>(&event->body);
-        const LV2_Atom_Int* rate = nullptr;
-        const LV2_Atom_Int* id = nullptr;
-        const LV2_Atom_Vector* vector = nullptr;
-        lv2_atom_object_get_typed(object, urid(kSampleRateUri), &rate, urid(LV2_ATOM__Int),
-                                  urid(kPlotIdUri), &id, urid(LV2_ATOM__Int), urid(kPlotArrayUri),
-                                  &vector, urid(LV2_ATOM__Vector), 0);
-        if (rate == nullptr || id == nullptr || vector == nullptr) return std::nullopt;
-        RowMessage message = {rate->body, id->body, std::vector<float>(kPlotBins)};
-        std::memcpy(message.row.data(), vector + 1, kPlotBins * sizeof(float));
-        return message;
+    /// Whether rows come after `requests`, with rows coming before or not.
+    bool rows_after(const AtomSequence& requests, bool before, size_t shift = 0) {
+        play(1, request(before ? kEnableUiUri : kDisableUiUri));
+        play(512, requests, shift);
+        return notified() && notify_words(5) != empty_sequence();
     }
 
   private:
@@ -156,44 +136,14 @@ TEST(Requests, ThatAreMalformedChangeNothing) {
     }
 }
 
-TEST(Rows, HaveTheirPlaceToTheByte) {
-    EditorHost host(2, 44100.0);
-    reference::Analyser plain(44100.0);
-    host.notify_capacity = 1080;
-    for (float x : host.play(2049, host.request(kEnableUiUri))) plain.add(x);
-    const LV2_URID atom_int = host.urid(LV2_ATOM__Int);
-    Words expected;
-    for (const Words& part : {
-             Words{1072, host.urid(LV2_ATOM__Sequence), 0, 0},  // size, type, unit, padding
-             Words{0, 0},                                       // time in frames, 64 bits
-             Words{1048, host.urid(LV2_ATOM__Object)},          // size and type
-             Words{1, host.urid(kMessageUri)},                  // the object's id and type
-             Words{host.urid(kSampleRateUri), 0},               // key and context
-             Words{4, atom_int, 44100, 0},                      // size, type, value, padding
-             Words{host.urid(kPlotIdUri), 0},                   // key and context
-             Words{4, atom_int, 2, 0},                          // size, type, value, padding
-             Words{host.urid(kPlotArrayUri), 0},                // key and context
-             Words{972, host.urid(LV2_ATOM__Vector)},           // size and type
-             Words{4, host.urid(LV2_ATOM__Float)},              // size and type of a child
-         }) {
-        expected.insert(expected.end(), part.begin(), part.end());
-    }
-    expected.resize(28 + 241);
-    std::memcpy(&expected[28], plain.rows[2].data(), 4 * 241);
-    expected.push_back(0);  // padding
-    expected.push_back(kJunk);
-    EXPECT_EQ(host.notify_words(271), expected);
-}
-
 TEST(Rows, AreLeftOutWhereTheyDoNotFit) {
     EditorHost host(1, 48000.0);
-    const Words empty = {8, host.urid(LV2_ATOM__Sequence), 0, 0, kJunk, kJunk};
     host.play(1, host.request(kEnableUiUri));
     for (uint32_t capacity : {16u, 24u, 104u, 1024u, 1072u, 1079u}) {
         SCOPED_TRACE(capacity);
         host.notify_capacity = capacity;
         host.play(512);
-        EXPECT_EQ(host.notify_words(6), empty);
+        EXPECT_EQ(host.notify_words(5), host.empty_sequence());
     }
     for (uint32_t capacity : {0u, 7u, 8u, 15u}) {
         SCOPED_TRACE(capacity);
@@ -205,17 +155,18 @@ TEST(Rows, AreLeftOutWhereTheyDoNotFit) {
     host.play(512);
 }
 
-TEST(Rows, AreThoseOfTheFirstInputAndComeInBlocksWithAMeterTick) {
+TEST(Rows, AreThoseOfTheFirstInputToTheByteAndComeInBlocksWithAMeterTick) {
     for (const auto& [channels, rate, period] :
          {std::tuple{1, 44100.0, 512}, {2, 48000.0, 512}, {2, 96000.9, 1024}}) {
         SCOPED_TRACE(rate);
         EditorHost host(channels, rate);
+        host.notify_capacity = 1080;
         reference::Analyser plain(rate);
-        std::mt19937 random(6);
+        Random random(6);
         int ticks = 0;
         int position = 0;
         for (int block = 0; block < 300; ++block) {
-            const int n = static_cast<int>(random() % 400) + 1;
+            const int n = random.between(1, 400);
             const auto left = host.play(static_cast<uint32_t>(n), host.request(kEnableUiUri));
             for (float x : left) plain.add(x);
             position += n;
@@ -223,29 +174,29 @@ TEST(Rows, AreThoseOfTheFirstInputAndComeInBlocksWithAMeterTick) {
             const int ticks_before = ticks;
             ticks = (position + period - 1) / period;
             ASSERT_EQ(host.notified(), ticks > ticks_before) << "block " << block;
-            if (host.notified()) {
-                const auto message = host.message();
-                ASSERT_TRUE(message);
-                ASSERT_EQ(message->sample_rate, static_cast<int>(rate));
-                ASSERT_EQ(message->id, plain.row_index);
-                ASSERT_EQ(message->row, plain.rows[static_cast<size_t>(plain.row_index)]);
-            }
+            if (!host.notified()) continue;
+            // Size, type, unit and padding, the event's time, the row, and what lay there before.
+            Words expected = {1072, host.urid(LV2_ATOM__Sequence), 0, 0, 0, 0};
+            const Words row = PlotMessage(host.map(), static_cast<int>(plain.row_index),
+                                          plain.rows[plain.row_index], static_cast<uint32_t>(rate));
+            expected.insert(expected.end(), row.begin(), row.end());
+            expected.push_back(kJunk);
+            ASSERT_EQ(host.notify_words(271), expected);
         }
-        EXPECT_GT(plain.row_index, 10);
+        EXPECT_GT(plain.row_index, 10u);
     }
 }
 
 TEST(Rows, StandStillWhileNoEditorListens) {
     EditorHost host(2, 48000.0);
-    const auto only_empty = [&host] { return host.notified() && !host.message(); };
     host.play(4096);
-    EXPECT_TRUE(only_empty());
+    EXPECT_EQ(host.notify_words(5), host.empty_sequence());
     host.play(4096, host.request(kEnableUiUri));
-    EXPECT_EQ(host.message()->id, 2);
+    EXPECT_EQ(host.row_id(), 2u);
     host.play(8192, host.request(kDisableUiUri));
-    EXPECT_TRUE(only_empty());
+    EXPECT_EQ(host.notify_words(5), host.empty_sequence());
     host.play(1, host.request(kEnableUiUri));
-    EXPECT_EQ(host.message()->id, 3) << "the row that the disabled blocks did not fill";
+    EXPECT_EQ(host.row_id(), 3u) << "the row that the disabled blocks did not fill";
 }
 
 }  // namespace

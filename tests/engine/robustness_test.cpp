@@ -26,14 +26,28 @@ bool all_finite(const Audio& audio) {
 }
 
 void set_usual_controls(PluginHost& host) {
-    host.set_section(0, 2, 0.0f, 40.0f, 1.0f);
-    host.set_section(1, 17, 0.0f, 3000.0f, 2.0f);
+    host.set_strip(kBandCount, 2, 0.0f, 40.0f, 1.0f);
+    host.set_strip(kBandCount + 1, 17, 0.0f, 3000.0f, 2.0f);
     for (int band = 0; band < kBandCount; ++band) {
-        host.set_band(band, 5 + band % 5, 6.0f - 2.0f * static_cast<float>(band),
-                      80.0f * std::exp2(static_cast<float>(band)), 0.8f);
+        host.set_strip(band, 5 + band % 5, 6.0f - 2.0f * static_cast<float>(band),
+                       80.0f * std::exp2(static_cast<float>(band)), 0.8f);
     }
     host.port(kTrimPort) = -3.0f;
 }
+
+/// Two instances with the usual controls, one of which is disturbed.
+struct Twins {
+    PluginHost host, undisturbed;
+
+    explicit Twins(int channels = 2) : host(channels, 48000.0), undisturbed(channels, 48000.0) {
+        set_usual_controls(host);
+        set_usual_controls(undisturbed);
+    }
+    void expect_same(const Audio& in) {
+        EXPECT_EQ(host.process(in), undisturbed.process(in));
+        EXPECT_EQ(host.port(kMeterOutPort), undisturbed.port(kMeterOutPort));
+    }
+};
 
 TEST(Entry, OffersTheTwoVariantsOnly) {
     ASSERT_NE(descriptor(0), nullptr);
@@ -91,37 +105,33 @@ TEST(Entry, TakesRatesThatNoHostHas) {
 
 TEST(Entry, IgnoresPortsOutsideTheTableAndOnesWithoutABuffer) {
     for (int channels : {1, 2}) {
-        PluginHost host(channels, 48000.0), undisturbed(channels, 48000.0);
+        Twins twins(channels);
+        PluginHost& host = twins.host;
         float beyond = 1.0f;
         for (uint32_t number : {kStereoPortCount, kStereoPortCount + 1, 1u << 16, 0xffffffffu}) {
             host.connect(number, &beyond);
         }
         const Audio in = noise(channels, 2048, 3);
-        EXPECT_EQ(host.process(in), undisturbed.process(in));
-        EXPECT_EQ(host.port(kMeterOutPort), undisturbed.port(kMeterOutPort));
-        host.connect(kControlPort, nullptr);
-        host.connect(kNotifyPort, nullptr);
-        for (uint32_t number = 2; number < kFirstAudioPort; ++number) host.connect(number, nullptr);
+        twins.expect_same(in);
+        for (uint32_t number = 0; number < kFirstAudioPort; ++number) host.connect(number, nullptr);
         EXPECT_TRUE(all_finite(host.process(in)));
+        std::vector<float> buffer(512);
         for (uint32_t number = kFirstAudioPort; number < kStereoPortCount; ++number) {
-            host.connect(number, nullptr);
+            for (uint32_t other = kFirstAudioPort; other < kStereoPortCount; ++other) {
+                host.connect(other, other == number ? nullptr : buffer.data());
+            }
             host.run(512);
         }
         EXPECT_EQ(beyond, 1.0f);
     }
 }
 
+// Filters ring, controls glide and the counters stand between two ticks.
 TEST(LifeCycle, StateSurvivesDeactivateAndActivate) {
-    PluginHost host(2, 48000.0), undisturbed(2, 48000.0);
-    set_usual_controls(host);
-    set_usual_controls(undisturbed);
-    // Filters ring, controls glide and the counters stand between two ticks.
-    const Audio in = noise(2, 5000, 29);
-    host.process(in);
-    undisturbed.process(in);
-    host.restart();
-    EXPECT_EQ(host.process(in), undisturbed.process(in));
-    EXPECT_EQ(host.port(kMeterOutPort), undisturbed.port(kMeterOutPort));
+    Twins twins;
+    twins.expect_same(noise(2, 5000, 29));
+    twins.host.restart();
+    twins.expect_same(noise(2, 5000, 30));
 }
 
 // As PipeWire connects the message ports: to one empty atom.
@@ -141,22 +151,21 @@ TEST(LifeCycle, InstancesLeaveNothingBehind) {
         const auto used = mallinfo2();
         return used.uordblks + used.hblkhd;
     };
-    PluginHost(2, 48000.0);  // what is kept for all of them
-    const size_t before = used_bytes();
-    for (int i = 0; i < 20; ++i) PluginHost(2, 48000.0);
+    size_t before = 0;
+    for (int i = 0; i < 21; ++i) {
+        if (i == 1) before = used_bytes();  // with what is kept for all of them
+        const PluginHost host(2, 48000.0);
+    }
     EXPECT_LT(used_bytes(), before + 10000);
 }
 
 TEST(Controls, ThatAreNoNumberLeaveTheLastValueInForce) {
     for (float bad : {kNan, kInf, -kInf}) {
         SCOPED_TRACE(bad);
-        PluginHost host(2, 48000.0), undisturbed(2, 48000.0);
-        set_usual_controls(host);
-        set_usual_controls(undisturbed);
-        const Audio in = noise(2, 30000, 5);
-        ASSERT_EQ(host.process(in), undisturbed.process(in));
-        for (uint32_t number = 2; number <= kTrimPort; ++number) host.port(number) = bad;
-        EXPECT_EQ(host.process(in), undisturbed.process(in));
+        Twins twins;
+        twins.expect_same(noise(2, 30000, 5));
+        for (uint32_t number = 2; number <= kTrimPort; ++number) twins.host.port(number) = bad;
+        twins.expect_same(noise(2, 30000, 6));
     }
 }
 
@@ -166,25 +175,20 @@ TEST(Bursts, EndWithinOneControlTickAndLeaveTheOtherChannelAlone) {
     for (float bad : {kNan, kInf, -kInf}) {
         for (size_t channel : {0u, 1u}) {
             SCOPED_TRACE(testing::Message() << bad << " on channel " << channel);
-            PluginHost host(2, 48000.0), undisturbed(2, 48000.0);
-            set_usual_controls(host);
-            set_usual_controls(undisturbed);
+            Twins twins;
+            PluginHost& host = twins.host;
             host.settle();
-            undisturbed.settle();
+            twins.undisturbed.settle();
             Audio in = noise(2, 24000, 17);
             // Silence before the tick that ends the burst, where the other channel clears nothing.
             std::fill_n(in[channel].begin(), kEnd + kTick, 0.0f);
-            const Audio expected = undisturbed.process(in, 480);
+            const Audio expected = twins.undisturbed.process(in, 480);
             for (size_t i = kStart; i < kEnd; i += 3) in[channel][i] = bad;
             const Audio out = host.process(in, 480);
 
             EXPECT_EQ(out[1 - channel], expected[1 - channel]);
             for (size_t i = kEnd + kTick; i < out[channel].size(); ++i) {
                 ASSERT_NEAR(out[channel][i], expected[channel][i], 1e-4f) << "sample " << i;
-            }
-            for (uint32_t meter : {kMeterInPort, kMeterOutPort}) {
-                EXPECT_GT(host.port(meter), 0.01f);
-                EXPECT_LT(host.port(meter), 20.0f);
             }
         }
     }
@@ -201,14 +205,11 @@ TEST(Bursts, DoNotHoldTheMeters) {
         host.port(kTrimPort) = trim_db;
         host.settle();
         host.process({std::vector<float>(4096, sample)});
-        EXPECT_TRUE(std::isfinite(host.port(kMeterInPort)));
-        EXPECT_TRUE(std::isfinite(host.port(kMeterOutPort)));
         host.port(kTrimPort) = 0.0f;
         host.port(kMeterInPort) = kNan;
         host.port(kMeterOutPort) = kInf;
         host.process({std::vector<float>(192000, 0.5f)});
-        EXPECT_TRUE(std::isfinite(host.port(kMeterInPort)));
-        EXPECT_TRUE(std::isfinite(host.port(kMeterOutPort)));
+        EXPECT_TRUE(all_finite({{host.port(kMeterInPort), host.port(kMeterOutPort)}}));
         host.port(kMeterInPort) = host.port(kMeterOutPort) = 0.0f;
         host.process({std::vector<float>(4096, 0.5f)});
         EXPECT_NEAR(host.port(kMeterInPort), 0.25f, 0.01f);

@@ -5,7 +5,6 @@
 #include <pthread.h>
 #include <semaphore.h>
 
-#include <cerrno>
 #include <cstddef>
 
 namespace {
@@ -51,15 +50,6 @@ void* realloc(void* block, size_t size) {
 void* aligned_alloc(size_t alignment, size_t size) {
     note_call();
     return __libc_memalign(alignment, size);
-}
-void* memalign(size_t alignment, size_t size) {
-    note_call();
-    return __libc_memalign(alignment, size);
-}
-int posix_memalign(void** block, size_t alignment, size_t size) {
-    note_call();
-    *block = __libc_memalign(alignment, size);
-    return *block ? 0 : ENOMEM;
 }
 void free(void* block) {
     note_call();

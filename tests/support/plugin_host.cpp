@@ -62,14 +62,9 @@ PluginHost::~PluginHost() {
     descriptor_->cleanup(handle_);
 }
 
-void PluginHost::set_band(int band, int type, float gain_db, float freq_hz, float q) {
+void PluginHost::set_strip(int strip, int type, float gain_db, float freq_hz, float q) {
     const float values[] = {1.0f, static_cast<float>(type), gain_db, freq_hz, q};
-    std::copy(std::begin(values), std::end(values), &ports_[band_port(band)]);
-}
-
-void PluginHost::set_section(int section, int type, float gain_db, float freq_hz, float q) {
-    const float values[] = {1.0f, static_cast<float>(type), gain_db, freq_hz, q};
-    std::copy(std::begin(values), std::end(values), &ports_[section_port(section)]);
+    std::copy(std::begin(values), std::end(values), &ports_[strip_port(strip)]);
 }
 
 void PluginHost::make_room() {

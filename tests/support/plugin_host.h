@@ -33,8 +33,8 @@ class PluginHost {
 
     /// Value of a control port, 2 to 54.
     float& port(uint32_t number) { return ports_[number]; }
-    void set_band(int band, int type, float gain_db, float freq_hz, float q);
-    void set_section(int section, int type, float gain_db, float freq_hz, float q);
+    /// Sets a strip's controls and switches it on.
+    void set_strip(int strip, int type, float gain_db, float freq_hz, float q);
 
     /// Processes `in` in blocks of `block` samples, through the host's own buffers.
     Audio process(const Audio& in, uint32_t block = 1024);
