@@ -79,8 +79,9 @@ struct CloseDisplay {
 };
 using OwnedDisplay = std::unique_ptr<Display, CloseDisplay>;
 
-/// A connection over which Pugl can create a window: its display has direct OpenGL, and the parent
-/// exists (0: none needed). Null if it cannot; Pugl itself would crash.
+/// Tries whether Pugl can create a window: the display has direct OpenGL, and the parent exists (0:
+/// none needed). Returns the connection that was used, which keeps the driver loaded; null where
+/// Pugl itself would crash.
 OwnedDisplay ProbeWindow(Window parent);
 
 }  // namespace brindle
