@@ -42,7 +42,7 @@ const char* const kNotAutomatic = LV2_PORT_PROPS_PREFIX "notAutomatic";
 
 /// Digests of ports, types and presets of the mono and stereo plugin, and their version.
 constexpr int kDigestedVersion = 4;
-constexpr std::array<uint64_t, 2> kDigests = {14347757726147920187u, 1747009595401588636u};
+constexpr std::array<uint64_t, 2> kDigests = {256011436602999517u, 17494857838118998690u};
 
 using Presets = std::map<std::string, std::map<std::string, float>>;
 
@@ -133,8 +133,11 @@ TEST_P(Turtle, PortsAreWhatTheEngineConnectsAndHostsShow) {
                                          : is_audio ? LV2_CORE__AudioPort
                                                     : LV2_CORE__ControlPort));
         EXPECT_EQ(of_port(i, LV2_CORE__designation).size(), is_message || is_audio ? 1u : 0u);
-        EXPECT_EQ(of_port(i, LV2_PORT_GROUPS__group).size(),
-                  is_message || i == kTrimPort ? 0u : 1u);
+        const Texts group = of_port(i, LV2_PORT_GROUPS__group);
+        EXPECT_EQ(group.size(), is_message || i == kTrimPort ? 0u : 1u);
+        for (const std::string& uri : group) {
+            EXPECT_EQ(objects(node(uri.c_str()), LV2_CORE__name).size(), 1u) << uri;
+        }
     }
     EXPECT_EQ(names.size(), port_count());
     EXPECT_EQ(short_names.size(), port_count());
@@ -167,6 +170,7 @@ TEST_P(Turtle, TheEditorIsFoundAndAsksForWhatItShows) {
     EXPECT_TRUE(lilv_ui_is_a(editor, node(LV2_UI__X11UI)));
     const std::string binary = lilv_node_as_uri(lilv_ui_get_binary_uri(editor));
     EXPECT_TRUE(binary.ends_with("/brindle.so")) << binary;
+    EXPECT_EQ(of_plugin(LV2_CORE__binary), Texts{binary});
     const LilvNode* subject = lilv_ui_get_uri(editor);
     lilv_world_load_resource(world, subject);
     EXPECT_THAT(
@@ -210,7 +214,7 @@ TEST_P(Turtle, PortsTypesAndPresetsChangeWithTheMinorVersionOnly) {
         for (const char* property :
              {LV2_CORE__symbol, LV2_CORE__name, LV2_CORE__portProperty, LV2_UNITS__unit,
               LV2_PORT_PROPS__rangeSteps, LV2_CORE__default, LV2_CORE__minimum, LV2_CORE__maximum,
-              LV2_CORE__designation, LV2_PORT_GROUPS__group}) {
+              LV2_CORE__designation, LV2_PORT_GROUPS__group, LV2_ATOM__bufferType}) {
             for (const std::string& value : of_port(i, property)) text << ' ' << value;
         }
         std::map<int, std::string> labels;

@@ -102,8 +102,6 @@ TEST(Requests, SwitchRowsOnAndOff) {
                                       .event(77, {1, 2, 3});
         EXPECT_TRUE(host.rows_after(among_others, false, shift));
     }
-    EXPECT_TRUE(host.rows_after(host.sequence().unit(99).event(object, enable), false))
-        << "the time of a request does not matter, whatever its unit";
 }
 
 TEST(Requests, ThatAreMalformedChangeNothing) {

@@ -80,16 +80,13 @@ TEST(Entry, TakesTheLaterOfTwoMapsAndAsksForItsKeysInOrder) {
     LV2_Handle handle = descriptor(1)->instantiate(descriptor(1), 48000.0, "", features);
     ASSERT_NE(handle, nullptr);
     descriptor(1)->cleanup(handle);
-    EXPECT_TRUE(first.requests().empty());
+    EXPECT_TRUE(first.order().empty());
     const std::vector<std::string> keys = {
-        LV2_ATOM__Blank, LV2_ATOM__Object,        LV2_ATOM__Vector, LV2_ATOM__Float,
-        LV2_ATOM__Int,   LV2_ATOM__eventTransfer, kEnableUiUri,     kDisableUiUri,
-        kMessageUri,     kSampleRateUri,          kPlotIdUri,       kPlotArrayUri};
-    const std::vector<std::string>& all = second.requests();
-    ASSERT_GT(all.size(), keys.size());
-    EXPECT_EQ(std::vector<std::string>(all.end() - static_cast<long>(keys.size()), all.end()),
-              keys);
-    EXPECT_EQ(all.front(), LV2_ATOM__Blank) << "the forge's types come before";
+        LV2_ATOM__eventTransfer, kEnableUiUri, kDisableUiUri, kMessageUri,
+        kSampleRateUri,          kPlotIdUri,   kPlotArrayUri};
+    const std::vector<std::string>& all = second.order();
+    ASSERT_GT(all.size(), keys.size()) << "the forge's types come before";
+    EXPECT_EQ(std::vector(all.end() - static_cast<long>(keys.size()), all.end()), keys);
 }
 
 TEST(Entry, TakesRatesThatNoHostHas) {

@@ -34,10 +34,6 @@ class AtomSequence {
     AtomSequence& request(const char* type) {
         return event(map_(LV2_ATOM__Object), {1, map_(type)});
     }
-    AtomSequence& unit(uint32_t unit) {
-        words_[2] = unit;
-        return *this;
-    }
     /// Removes the last `count` bytes.
     AtomSequence& cut(size_t count) {
         cut_ = count;

@@ -10,7 +10,7 @@
 
 namespace brindle::test {
 
-/// A host's URID map that records requests in order. URIDs count from 1, so they are the same in
+/// A host's URID map that records what it is asked for. URIDs count from 1, so they are the same in
 /// each run.
 class UridMap {
   public:
@@ -19,16 +19,14 @@ class UridMap {
     UridMap& operator=(const UridMap&) = delete;
 
     LV2_URID operator()(const std::string& uri) {
-        requests_.push_back(uri);
         const auto [place, is_new] = ids_.try_emplace(uri, static_cast<LV2_URID>(ids_.size() + 1));
         if (is_new) order_.push_back(uri);
         return place->second;
     }
     LV2_URID_Map* get() { return &map_; }
     const LV2_Feature* feature() const { return &feature_; }
+    /// What was asked for, each at its first request.
     const std::vector<std::string>& order() const { return order_; }
-    /// All requests, repeated ones included.
-    const std::vector<std::string>& requests() const { return requests_; }
 
   private:
     static LV2_URID map_uri(LV2_URID_Map_Handle handle, const char* uri) {
@@ -37,7 +35,6 @@ class UridMap {
 
     std::map<std::string, LV2_URID> ids_;
     std::vector<std::string> order_;
-    std::vector<std::string> requests_;
     LV2_URID_Map map_ = {this, map_uri};
     LV2_Feature feature_ = {LV2_URID__map, &map_};
 };
