@@ -112,7 +112,7 @@ void CopyToSheet(const Bitmap& picture, int left, int bottom, Bitmap& sheet) {
 /// The levels are not made by GL: it would compile a program, which takes longer than the rest.
 GLuint MakeLetterTexture(Bitmap picture, const char* path) {
     constexpr int kMostLevels = 3;
-    glGetError();
+    glGetError();  // an earlier error is not this picture's
     const GLuint texture = MakeLinearTexture();
     int levels = 0;
     for (; levels < kMostLevels && !picture.pixels.empty(); ++levels) {
