@@ -101,7 +101,7 @@ TEST_P(Bits, OfThePlainEngine) {
     constexpr uint32_t kLengths[] = {0, 1, 2, 63, 64, 65, 128, 256, 1000, 1024, 4096, 8192};
     uint32_t seed = 0;
     for (double rate : {32000.0, 44100.0, 48000.0, 60000.5, 60001.0, 88200.0, 96000.0, 192000.0}) {
-        for (int repeat = 0; repeat < 4; ++repeat, ++seed) {
+        for (int repeat = 0; repeat < 8; ++repeat, ++seed) {
             SCOPED_TRACE(testing::Message() << rate << " Hz, seed " << seed);
             Session session(seed % 2 == 0 ? 2 : 1, rate, seed);
             for (int block = 0; block < 60; ++block) {

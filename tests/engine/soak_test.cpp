@@ -6,14 +6,13 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <numeric>
 #include <vector>
 
 #include "contract/brindle.h"
-#include "contract/ports.h"
 #include "tests/support/atom_sequence.h"
 #include "tests/support/call_guard.h"
 #include "tests/support/hard_treatment.h"
@@ -25,8 +24,6 @@ namespace {
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInf = std::numeric_limits<float>::infinity();
 constexpr uint32_t kMaxBlock = 4096;
-constexpr size_t kRoom = 4096;        // of the message ports
-constexpr double kDitherPeak = 1e-6;  // what the plugin adds to its input
 
 constexpr double kRates[] = {4000.0,  8000.0,  11025.5, 22050.0, 44100.0,  48000.0,
                              59999.9, 60001.0, 88200.0, 96000.0, 176400.0, 192000.0};
@@ -55,29 +52,23 @@ constexpr size_t kHarmless = std::size(kSignals) - 1;
 /// a buffer that ends there ends the program.
 class Fenced {
   public:
-    explicit Fenced(size_t room)
-        : room_((room + kPage - 1) / kPage * kPage),
-          bytes_(static_cast<uint8_t*>(mmap(nullptr, room_ + kPage, PROT_READ | PROT_WRITE,
+    Fenced()
+        : bytes_(static_cast<uint8_t*>(mmap(nullptr, kRoom + kPage, PROT_READ | PROT_WRITE,
                                             MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
-        mprotect(bytes_ + room_, kPage, PROT_NONE);
+        mprotect(bytes_ + kRoom, kPage, PROT_NONE);
     }
-    Fenced(Fenced&& other) noexcept : room_(other.room_), bytes_(other.bytes_) {
-        other.bytes_ = nullptr;
-    }
-    Fenced& operator=(Fenced&&) = delete;
-    ~Fenced() {
-        if (bytes_) munmap(bytes_, room_ + kPage);
-    }
+    Fenced(const Fenced&) = delete;
+    Fenced& operator=(const Fenced&) = delete;
+    ~Fenced() { munmap(bytes_, kRoom + kPage); }
 
     /// The last `count` values.
     template <typename T>
     T* last(size_t count) const {
-        return reinterpret_cast<T*>(bytes_ + room_ - count * sizeof(T));
+        return reinterpret_cast<T*>(bytes_ + kRoom - count * sizeof(T));
     }
 
   private:
-    static constexpr size_t kPage = 4096;
-    size_t room_;
+    static constexpr size_t kPage = 4096, kRoom = kMaxBlock * sizeof(float);
     uint8_t* bytes_;
 };
 
@@ -87,11 +78,7 @@ class Life {
     Life(Random& random, int channels, double rate)
         : random_(random),
           host_(channels, rate),
-          tick_(static_cast<uint32_t>(rate) < 60001 ? 64 : 128),
-          notify_(kRoom),
-          control_(kRoom) {
-        for (int i = 0; i < 2 * channels; ++i) buffers_.emplace_back(kMaxBlock * sizeof(float));
-    }
+          tick_(static_cast<uint32_t>(rate) < 60001 ? 64 : 128) {}
 
     /// Puts anything on any port at any time: finite input must give finite output.
     void go_wild(int blocks) {
@@ -106,41 +93,8 @@ class Life {
         }
     }
 
-    /// Keeps the controls at rest. Over any stretch, the output then has at most the input's energy
-    /// times the largest gain (Parseval), the product of the stages' largest boosts, plus the
-    /// energy that the stages held before the stretch.
-    void keep_within_gains() {
-        const double gain = set_sane_controls();
-        const double quiet_rms = 2.0 * kDitherPeak * gain;
-        come_to_rest(quiet_rms);
-        const Signal& signal = kSignals[1 + random_.below(kHarmless - 1)];
-        SCOPED_TRACE(signal.name);
-        std::vector<double> in(channels()), out(channels());
-        double samples = 0;
-        for (int i = 0; i < 20 && !testing::Test::HasFailure(); ++i) {
-            const uint32_t n = 1 + random_.below(kMaxBlock);
-            play(signal, n, false);
-            for (size_t c = 0; c < channels(); ++c) {
-                in[c] += energy(2 * c, n);
-                out[c] += energy(2 * c + 1, n);
-            }
-            samples += n;
-        }
-        constexpr double kRounding = 1.05;  // of 16 stages in single precision
-        for (size_t c = 0; c < channels(); ++c) {
-            EXPECT_LE(std::sqrt(out[c]),
-                      kRounding * gain * std::sqrt(in[c]) + 2.0 * quiet_rms * std::sqrt(samples))
-                << "gain " << gain << " channel " << c << " rate " << host_.rate();
-        }
-    }
-
   private:
     size_t channels() const { return static_cast<size_t>(host_.channels()); }
-
-    double energy(size_t buffer, uint32_t n) const {
-        const float* samples = buffers_[buffer].last<float>(n);
-        return std::inner_product(samples, samples + n, samples, 0.0);
-    }
 
     void shake_controls() {
         const float kAnything[] = {0.0f,  1.0f,    -1.0f,    0.4f,   0.95f,    2.5f,     17.0f,
@@ -155,42 +109,6 @@ class Life {
         }
     }
 
-    /// Sets controls within their ranges; returns the largest gain that they allow.
-    double set_sane_controls() {
-        for (uint32_t port = 2; port <= kTrimPort; ++port)
-            host_.port(port) = any_value(random_, port);
-        double gain_db = host_.port(kTrimPort);
-        for (int strip = 0; strip < kStripCount; ++strip) {
-            const uint32_t first = strip_port(strip);
-            const auto types = static_cast<uint32_t>(strip_types(strip).size());
-            const auto type = static_cast<float>(random_.below(types));
-            const bool on = random_.one_in(2);
-            host_.port(first + kEnable) = on ? 1.0f : 0.0f;
-            host_.port(first + kType) = type;
-            if (on && strip_type(strip, type).heeds_gain) {
-                gain_db += std::max(0.0f, host_.port(first + kGain));
-            }
-        }
-        return std::pow(10.0, gain_db / 20.0);
-    }
-
-    /// Runs silence until the glides have ended and the stages no longer ring.
-    void come_to_rest(double quiet_rms) {
-        for (uint32_t n = 0; n < 2000 * tick_; n += kMaxBlock) play(kSignals[0], kMaxBlock, false);
-        const double seconds = 300.0;  // a bell at 20 Hz, Q 100, +18 dB falls 14 dB in 10 seconds
-        for (double n = 0; n < seconds * host_.rate(); n += 8 * kMaxBlock) {
-            double loudest = 0.0;
-            for (int block = 0; block < 8; ++block) {
-                play(kSignals[0], kMaxBlock, false);
-                for (size_t c = 0; c < channels(); ++c) {
-                    loudest = std::max(loudest, energy(2 * c + 1, kMaxBlock));
-                }
-            }
-            if (std::sqrt(loudest / kMaxBlock) <= quiet_rms) return;
-        }
-        FAIL() << "still sounding after " << seconds << " seconds of silence";
-    }
-
     /// Puts requests, foreign objects, events with wrong sizes and junk on the control port.
     void send_messages() {
         const char* kTypes[] = {kEnableUiUri, kDisableUiUri, kEnableUiUri, "urn:x:other"};
@@ -202,8 +120,8 @@ class Life {
             const uint32_t type = random_.one_in(8) ? 77 : host_.map()(LV2_ATOM__Object);
             sequence.event(type, {1, host_.map()(random_.pick(kTypes))}, size);
         }
-        if (random_.one_in(4))
-            sequence.cut(random_.below(static_cast<uint32_t>(sequence.size()) - 7));
+        const auto most = static_cast<uint32_t>(sequence.size()) - 7;
+        if (random_.one_in(4)) sequence.cut(random_.below(most));
         auto* bytes = control_.last<uint8_t>(sequence.size());
         sequence.write(bytes);
         for (size_t i = 8; i < sequence.size(); ++i) {
@@ -260,20 +178,16 @@ class Life {
     PluginHost host_;
     uint32_t tick_;                  // samples between control ticks
     uint32_t since_bad_ = 1u << 20;  // samples since the last one that was not finite
-    std::vector<Fenced> buffers_;    // input and output of each channel
+    std::array<Fenced, 4> buffers_;  // input and output of each channel
     Fenced notify_, control_;
 };
 
-TEST(Soak, KeepsFiniteInputFiniteAndWithinTheGains) {
-    live(30, [](Random& random) {
+TEST(Soak, KeepsFiniteInputFinite) {
+    live(150, [](Random& random) {
         const int channels = random.between(1, 2);
         const double rate = random.pick(kRates);
         SCOPED_TRACE(testing::Message() << channels << " channels at " << rate << " Hz");
-        Life life(random, channels, rate);
-        for (int phase = 0; phase < 2 && !testing::Test::HasFailure(); ++phase) {
-            life.go_wild(random.between(20, 200));
-            life.keep_within_gains();
-        }
+        Life(random, channels, rate).go_wild(random.between(40, 400));
     });
 }
 
