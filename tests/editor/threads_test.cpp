@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: ISC
 // The plugin as the program runs it: engines on their own threads, editors on another one, and only
-// queues between them. The thread sanitizer watches if it is built in.
+// queues between them. The thread sanitizer watches if it is built in, as where many files are
+// rendered side by side.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -16,31 +16,9 @@
 #include "host/top_window.h"
 #include "tests/support/hard_treatment.h"
 #include "tests/support/host_window.h"
-#include "tests/support/plugin_host.h"
 
 namespace brindle::test {
 namespace {
-
-Audio PlayAlone(uint32_t seed) {
-    Random random(seed);
-    PluginHost host(2, 48000.0);
-    for (uint32_t port = band_port(0); port <= kTrimPort; ++port) {
-        host.port(port) = any_value(random, port);
-    }
-    return host.process(noise(2, 20000, seed), 256);
-}
-
-// Engines are created, run and freed at the same time; the first ones select the vector code.
-TEST(Threads, EnginesDoNotDisturbEachOther) {
-    constexpr size_t kEngines = 4;
-    std::array<Audio, kEngines> together;
-    std::vector<std::thread> threads;
-    for (uint32_t i = 0; i < kEngines; ++i) {
-        threads.emplace_back([&together, i] { together[i] = PlayAlone(i); });
-    }
-    for (std::thread& thread : threads) thread.join();
-    for (uint32_t i = 0; i < kEngines; ++i) EXPECT_EQ(together[i], PlayAlone(i)) << "engine " << i;
-}
 
 /// A plugin that plays on its own audio thread, with an editor that may be open.
 struct Session {

@@ -147,14 +147,15 @@ TEST_F(RenderCommand, OnlyATerminalSeesProgress) {
     EXPECT_THAT(terminal.out, AllOf(HasSubstr("Rendering ["), HasSubstr("100 %, 0 s left")));
 }
 
+// So long that their engines run at the same time: what these share, they disturb.
 TEST_F(RenderCommand, ManyFilesAreRenderedSideBySideAndBadOnesSpoilNothing) {
     shell("mkdir in; echo text >in/text.wav; touch in/nothing.flac");
     save("in/six.wav", noise(0.5, 1000, 48000, 6, kShortWav));
     std::string inputs = "in/none.wav in/text.wav in/nothing.flac in/six.wav";
     const std::map<std::string, Sound> sounds = {
-        {"a.wav", noise(0.2, 20000, 44100, 1, kShortWav)},
-        {"b.flac", noise(0.2, 20100, 48000, 2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24)},
-        {"c.ogg", noise(0.2, 20200, 44100, 1, SF_FORMAT_OGG | SF_FORMAT_VORBIS)}};
+        {"a.wav", noise(0.2, 200000, 44100, 1, kShortWav)},
+        {"b.flac", noise(0.2, 201000, 48000, 2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24)},
+        {"c.ogg", noise(0.2, 202000, 44100, 1, SF_FORMAT_OGG | SF_FORMAT_VORBIS)}};
     for (const auto& [name, sound] : sounds) {
         save("in/" + name, sound);
         inputs += " in/" + name;
