@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: ISC
 // `brindle open` on a real display: the window, a user's hands on it, and the state that is left.
+// The thread sanitizer, where it is built in, watches audio and editor meet in queues only.
 #include <gmock/gmock.h>
 
 #include <algorithm>
