@@ -7,11 +7,13 @@
 namespace brindle {
 namespace {
 
-void MakeTexture(GLuint& texture, GLint components, int32_t width, int32_t height) {
+/// Makes a picture in the layout of window pixels, of which the fourth byte means nothing: drivers
+/// copy them unconverted, and software GL has a fast way to fill rectangles in them.
+void MakeTexture(GLuint& texture, int32_t width, int32_t height) {
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);
-    glTexImage2D(GL_TEXTURE_2D, 0, components, width, height, 0, GL_BGRA,
-                 GL_UNSIGNED_INT_8_8_8_8_REV, nullptr);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
+                 nullptr);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
 }
@@ -66,8 +68,8 @@ void FrameLayers::Create(int32_t newWidth, int32_t newHeight) {
     height_ = newHeight;
     glGenFramebuffers(1, &framebuffer);
     glGenFramebuffers(1, &shownFramebuffer_);
-    MakeTexture(staticTexture, GL_RGB, width_, height_);
-    MakeTexture(frameTexture, GL_RGB, width_, height_);
+    MakeTexture(staticTexture, width_, height_);
+    MakeTexture(frameTexture, width_, height_);
 }
 
 void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
@@ -79,12 +81,11 @@ void FrameLayers::SetShownSize(int32_t newWidth, int32_t newHeight) {
     glDeleteTextures(1, &shownTexture_);
     shownWidth_ = newWidth;
     shownHeight_ = newHeight;
-    // The layout of window pixels: with alpha as fourth byte, drivers copy them unconverted.
-    MakeTexture(shownTexture_, GL_RGBA, shownWidth_, shownHeight_);
+    MakeTexture(shownTexture_, shownWidth_, shownHeight_);
     Attach(shownFramebuffer_, shownTexture_);
     if (IsScaledTwice() && halfFramebuffer_ == 0) {
         glGenFramebuffers(1, &halfFramebuffer_);
-        MakeTexture(halfTexture_, GL_RGB, width_ / 2, height_ / 2);
+        MakeTexture(halfTexture_, width_ / 2, height_ / 2);
         Attach(halfFramebuffer_, halfTexture_);
     }
     Mark(Layer::Front, {0, 0, width_, height_});

@@ -2,6 +2,8 @@
 /// Primitives as the drawing routines emit them. UI thread, with the editor's GL context current.
 #pragma once
 
+#include <cmath>
+
 #include "gl/GLColor.h"
 #include "gl/GLRect.h"
 #include "gl/gl.h"
@@ -33,9 +35,12 @@ inline void EmitQuad(const GLRect& place, const GLRect& texture = kWholeTexture,
 
 /// Begins primitives with the current colour at each vertex. Software GL treats a colour set
 /// outside as a constant of the fragment program, and copies all its state for every other colour.
+/// The colour is rounded to those of pixels: its fast way to fill rectangles would cut the rest.
 inline void BeginInColor(GLenum mode) {
+    constexpr GLfloat kSteps = 255.0f;
     GLfloat color[4];
     glGetFloatv(GL_CURRENT_COLOR, color);
+    for (GLfloat& component : color) component = std::round(component * kSteps) / kSteps;
     glBegin(mode);
     glColor4fv(color);
 }

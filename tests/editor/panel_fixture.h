@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
+#include <vector>
 
 #include "contract/ports.h"
 #include "editor/GLView_StripEqView.h"
@@ -18,6 +20,19 @@ LV2_SYMBOL_EXPORT const LV2UI_Descriptor* lv2ui_descriptor(uint32_t index);
 namespace brindle {
 
 inline constexpr double kLn1000 = 6.9077554;
+
+/// Whether two pictures differ by no more than the rounding of software GL, which is a step of a
+/// colour and depends on where the drawn area begins.
+inline bool AreAlike(const std::vector<uint32_t>& a, const std::vector<uint32_t>& b) {
+    return std::ranges::equal(a, b, [](uint32_t one, uint32_t other) {
+        const auto is_near = [&](int shift) {
+            return std::abs(static_cast<int>(one >> shift & 0xff) -
+                            static_cast<int>(other >> shift & 0xff)) <= 1;
+        };
+        return is_near(0) && is_near(8) && is_near(16);
+    });
+}
+
 /// A position on the panel in interface points from its lower left corner.
 struct Spot {
     float x;
