@@ -100,7 +100,6 @@ class UiHost {
     bool hasTouch = true;
     bool hasTouchData = true;  ///< without it, the touch feature has null data
     bool hasResize = true;
-    bool hasOptions = true;
     bool failsWrites = false;  ///< its write function throws
     uintptr_t parent = 0;      ///< 0: the host's own window
     LV2UI_Touch touch = {
@@ -132,11 +131,10 @@ class UiHost {
         const LV2_Feature optionsFeature = {LV2_OPTIONS__options, options.data()};
         const LV2_Feature idle = {LV2_UI__idleInterface, nullptr};
         const LV2_Feature nameless = {nullptr, nullptr};
-        std::vector<const LV2_Feature*> features = {&idle, &nameless};
+        std::vector<const LV2_Feature*> features = {&idle, &nameless, &optionsFeature};
         const auto offer = [&](bool has, const LV2_Feature* feature) {
             if (has) features.push_back(feature);
         };
-        offer(hasOptions, &optionsFeature);
         offer(hasResize, &resizeFeature);
         offer(hasParent, &parentFeature);
         offer(hasMap, map.feature());
