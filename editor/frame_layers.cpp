@@ -7,8 +7,8 @@
 namespace brindle {
 namespace {
 
-/// Makes a picture in the layout of window pixels, of which the fourth byte means nothing: drivers
-/// copy them unconverted, and software GL has a fast way to fill rectangles in them.
+/// Makes a picture in the layout of window pixels, whose fourth byte means nothing. Drivers copy
+/// such pictures unconverted; software GL has a fast way to fill rectangles in them.
 void MakeTexture(GLuint& texture, int32_t width, int32_t height) {
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);

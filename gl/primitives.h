@@ -35,7 +35,8 @@ inline void EmitQuad(const GLRect& place, const GLRect& texture = kWholeTexture,
 
 /// Begins primitives with the current colour at each vertex. Software GL treats a colour set
 /// outside as a constant of the fragment program, and copies all its state for every other colour.
-/// The colour is rounded to those of pixels: its fast way to fill rectangles would cut the rest.
+/// The colour is rounded to a pixel's steps here: software GL's fast way to fill rectangles cuts
+/// what lies between them, where its usual way rounds.
 inline void BeginInColor(GLenum mode) {
     constexpr GLfloat kSteps = 255.0f;
     GLfloat color[4];
