@@ -213,11 +213,14 @@ TEST_F(Open, TheStateIsSavedWhenTheDisplayIsLost) {
 TEST_F(Open, ADisplayWithoutOpenGlIsRefused) {
     // The inner shell tells the program's own status: xvfb-run has failures of its own at the end.
     const Outcome plain = shell(
-        "xvfb-run -a -s '-screen 0 1200x800x24 -extension GLX -noreset' sh -c 'brindle open "
-        "--silent --save s.ttl; echo status $?'");
-    EXPECT_THAT(plain.out, EndsWith("status 1\n"));
+        "xvfb-run -a -s '-screen 0 1200x800x24 -extension GLX -noreset' sh -c 'brindle doctor; "
+        "brindle open --silent --save s.ttl; echo status $?'");
+    EXPECT_THAT(plain.out,
+                AllOf(HasSubstr("FAULT  display: no OpenGL over GLX"), EndsWith("status 1\n")));
     EXPECT_THAT(plain.err, HasSubstr("brindle: the editor cannot be opened on this display.\n"));
     EXPECT_TRUE(files().empty());
+    EXPECT_THAT(brindle("doctor").out,
+                testing::ContainsRegex("note   display: .+, llvmpipe.+, OpenGL [2-9].+, direct"));
 }
 
 }  // namespace

@@ -129,6 +129,10 @@ TEST_F(RenderCommand, SamplesBeyondFullScaleAreClippedAndReported) {
         const float wanted = std::clamp(in.samples[i] * std::pow(10.0f, 0.6f), -1.0f, 1.0f);
         ASSERT_NEAR(out.samples[i], wanted, 1e-4f) << i;
     }
+    // A coder that wraps beyond full scale is given nothing beyond.
+    save("law.wav", tone(1000.0, 0.5, 1.0, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_ULAW));
+    EXPECT_THAT(brindle("render law.wav coded.wav --set trim=12").err, HasSubstr("clipped"));
+    EXPECT_NEAR(db(load("coded.wav").level_at(3000.0) / out.level_at(3000.0)), 0.0, 0.5);
     // Dither takes a full-scale sample above full scale, which is no clipping.
     Sound full = tone(0.0, 0.0, 1.0, 48000, 1, kFloatWav);
     for (size_t i = 0; i < full.samples.size(); ++i) full.samples[i] = i % 2 == 0 ? 1.0f : -1.0f;
