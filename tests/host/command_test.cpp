@@ -41,8 +41,7 @@ TEST_F(Program, WhatCannotBeDoneIsSaidInOneSentenceAndLeavesNothingBehind) {
         int status = 1;
         const char* prelude = ":";
     };
-    // 8 blocks of 512 bytes; what coverage counts is cut there too, and must not harm the whole
-    // count.
+    // 8 blocks of 512 bytes. A coverage build's counts would be cut too, so they go elsewhere.
     constexpr const char* kSmallDisk = "export GCOV_PREFIX=$PWD/folder; ulimit -f 8";
     // A request to stop that is pending across exec comes before the first block for certain.
     constexpr const char* kStop =

@@ -129,7 +129,7 @@ TEST_F(RenderCommand, SamplesBeyondFullScaleAreClippedAndReported) {
         const float wanted = std::clamp(in.samples[i] * std::pow(10.0f, 0.6f), -1.0f, 1.0f);
         ASSERT_NEAR(out.samples[i], wanted, 1e-4f) << i;
     }
-    // A coder that wraps beyond full scale is given nothing beyond.
+    // The coder would wrap what lies beyond full scale.
     save("law.wav", tone(1000.0, 0.5, 1.0, 48000, 1, SF_FORMAT_WAV | SF_FORMAT_ULAW));
     EXPECT_THAT(brindle("render law.wav coded.wav --set trim=12").err, HasSubstr("clipped"));
     EXPECT_NEAR(db(load("coded.wav").level_at(3000.0) / out.level_at(3000.0)), 0.0, 0.5);
