@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "gl/primitives.h"
+
 namespace brindle {
 namespace {
 
@@ -16,6 +18,26 @@ void MakeTexture(GLuint& texture, int32_t width, int32_t height) {
                  nullptr);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+}
+
+constexpr GLRect kUpright = {-1.0f, -1.0f, 1.0f, 1.0f};
+constexpr GLRect kUpsideDown = {-1.0f, 1.0f, 1.0f, -1.0f};
+
+/// Fills the bound picture of this size in pixels with another one. A blit with a linear filter
+/// gives the same pixels no sooner, but software GL compiles programs of its own for it, as long as
+/// all the rest takes until the first frame.
+void DrawScaled(GLuint texture, int32_t width, int32_t height, const GLRect& place) {
+    glViewport(0, 0, width, height);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    const OpaqueScope opaque;
+    const TexturedQuads quads(texture);
+    EmitQuad(place);
 }
 
 int64_t Size(const LayerArea& area) {
@@ -151,25 +173,18 @@ void FrameLayers::ScaleFrameToShown(const LayerArea& area) const {
     const int32_t right = scaled(area.right + reach, shownWidth_, width_) + 1;
     const int32_t above = scaled(std::max(height_ - area.top - reach, 0), shownHeight_, height_);
     const int32_t below = scaled(height_ - area.bottom + reach, shownHeight_, height_) + 1;
-    int32_t fromWidth = width_;
-    int32_t fromHeight = height_;
     glEnable(GL_SCISSOR_TEST);
     if (IsScaledTwice()) {
-        fromWidth /= 2;
-        fromHeight /= 2;
-        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, halfFramebuffer_);
+        glBindFramebuffer(GL_FRAMEBUFFER, halfFramebuffer_);
         glScissor(area.left / 2, area.bottom / 2, (area.right - area.left) / 2 + 2,
                   (area.top - area.bottom) / 2 + 2);
-        glBlitFramebuffer(0, 0, width_, height_, 0, 0, fromWidth, fromHeight, GL_COLOR_BUFFER_BIT,
-                          GL_LINEAR);
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, halfFramebuffer_);
+        DrawScaled(frameTexture, width_ / 2, height_ / 2, kUpright);
     }
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, shownFramebuffer_);
+    glBindFramebuffer(GL_FRAMEBUFFER, shownFramebuffer_);
     glScissor(left, above, right - left, below - above);
-    glBlitFramebuffer(0, 0, fromWidth, fromHeight, 0, shownHeight_, shownWidth_, 0,
-                      GL_COLOR_BUFFER_BIT, GL_LINEAR);
+    DrawScaled(IsScaledTwice() ? halfTexture_ : frameTexture, shownWidth_, shownHeight_,
+               kUpsideDown);
     glDisable(GL_SCISSOR_TEST);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
 }
 
 void FrameLayers::CopyShownToWindow(int32_t x, int32_t y, int32_t areaWidth,
