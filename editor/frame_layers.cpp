@@ -34,6 +34,7 @@ void DrawScaled(GLuint texture, int32_t width, int32_t height, const GLRect& pla
     glLoadIdentity();
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
+    glEnable(GL_TEXTURE_2D);
     glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     const OpaqueScope opaque;
     const TexturedQuads quads(texture);
