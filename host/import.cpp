@@ -299,10 +299,11 @@ void import(const ProgramOptions& options, const ImportRequest& request) {
     const Deviation after = improver.deviation();
     save_state(bundle, improver.plugin(), output);
     if (request.save == OutputFile::kStream) return;
-    say("Wrote %s (%zu filters; from 20 Hz to 16 kHz at most %.2f dB off, at %.0f Hz, %.2f dB RMS; "
-        "before improving %.2f dB and %.2f dB).\n",
-        request.save.c_str(), list.filters.size(), after.largest_db, after.at_hz, after.rms_db,
-        before.largest_db, before.rms_db);
+    const size_t count = list.filters.size();
+    say("Wrote %s (%zu filter%s; from 20 Hz to 16 kHz at most %.2f dB off, at %.0f Hz, "
+        "%.2f dB RMS; before improving %.2f dB and %.2f dB).\n",
+        request.save.c_str(), count, count == 1 ? "" : "s", after.largest_db, after.at_hz,
+        after.rms_db, before.largest_db, before.rms_db);
 }
 
 }  // namespace

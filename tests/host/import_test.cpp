@@ -18,7 +18,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 
 struct Listed {
-    char shape;  ///< Peak, Low shelf, High shelf, Rumble filter (high-pass), Notch
+    char shape;  ///< Peak, Low shelf, High shelf, Rumble and Treble cut, Notch
     double freq_hz, gain_db, q;
 };
 
@@ -34,6 +34,7 @@ double level_db(const std::vector<Listed>& list, double freq_hz) {
             : shape == 'L' ? a * (s * s + s * side + a) / (a * s * s + s * side + 1.0)
             : shape == 'H' ? a * (a * s * s + s * side + 1.0) / (s * s + s * side + a)
             : shape == 'R' ? s * s / (s * s + s / q + 1.0)
+            : shape == 'T' ? 1.0 / (s * s + s / q + 1.0)
                            : (s * s + 1.0) / (s * s + s / q + 1.0);
         level += 20.0 * std::log10(std::abs(response));
     }
@@ -67,16 +68,21 @@ TEST_F(ImportCommand, TenFiltersSoundAsTheListSays) {
                                          {'H', 3200, 2, 0.71},
                                          {'P', 12500, -5, 3},
                                          {'N', 1000, 0, 30}};
-    const Outcome outcome = brindle("import list.txt --save s.ttl");
-    ASSERT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_THAT(outcome.out, AllOf(HasSubstr("Wrote s.ttl ("), HasSubstr("dB RMS")));
-    ASSERT_EQ(brindle("response r.csv --load s.ttl").status, 0);
-    for (const auto& [freq_hz, gain_db] : table("r.csv")) {
-        const double wanted_db = -6.2 + level_db(filters, freq_hz);
-        if (freq_hz > 16000.0) break;
-        if (wanted_db < -40.0) continue;  // nobody hears how deep a notch is
-        ASSERT_NEAR(gain_db, wanted_db, 0.1) << freq_hz;
-    }
+    const auto expect_sound = [&](const std::vector<Listed>& list, double preamp_db) {
+        const Outcome outcome = brindle("import list.txt --force --save s.ttl");
+        ASSERT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_THAT(outcome.out, AllOf(HasSubstr("Wrote s.ttl ("), HasSubstr("dB RMS")));
+        ASSERT_EQ(brindle("response r.csv --force --load s.ttl").status, 0);
+        for (const auto& [freq_hz, gain_db] : table("r.csv")) {
+            const double wanted_db = preamp_db + level_db(list, freq_hz);
+            if (freq_hz > 16000.0) break;
+            if (wanted_db < -40.0) continue;  // nobody hears how deep a notch is
+            ASSERT_NEAR(gain_db, wanted_db, 0.1) << freq_hz;
+        }
+    };
+    expect_sound(filters, -6.2);
+    std::ofstream(path("list.txt")) << "Filter 1: ON LP Fc 150 Hz\n";
+    expect_sound({{'T', 150, 0, 1 / std::numbers::sqrt2}}, 0.0);
 }
 
 TEST_F(ImportCommand, WhatDoesNotFitIsToldAndLeftOutOnRequest) {
