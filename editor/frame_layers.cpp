@@ -23,11 +23,13 @@ void MakeTexture(GLuint& texture, int32_t width, int32_t height) {
 }
 
 constexpr GLRect kUpright = {-1.0f, -1.0f, 1.0f, 1.0f};
+/// Turns the place, not the texture: the corners then come in a blit's order, and software GL
+/// rounds like one.
 constexpr GLRect kUpsideDown = {-1.0f, 1.0f, 1.0f, -1.0f};
 
 /// Fills the bound picture of this size in pixels with another one. A blit with a linear filter
-/// gives the same pixels no sooner, but software GL compiles programs of its own for it, as long as
-/// all the rest takes until the first frame.
+/// gives the same picture no sooner, but software GL compiles programs of its own for it, which
+/// take more than a third of the time until the first frame.
 void DrawScaled(GLuint texture, int32_t width, int32_t height, const GLRect& place) {
     glViewport(0, 0, width, height);
     glMatrixMode(GL_PROJECTION);
